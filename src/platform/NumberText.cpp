@@ -1,0 +1,209 @@
+#include "platform/NumberText.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "platform/RuntimeError.h"
+
+namespace orvane {
+
+namespace {
+
+// Shortest text of a value with at most `digits` significant digits: plain notation
+// while the decimal exponent lies in [-4, digits - 1], else a mantissa with an "E",
+// a sign and at least two exponent digits.
+std::string formatWithDigits(double value, int digits) {
+  if (value == 0) return "0";
+  if (std::isnan(value)) return "-1.#IND";
+  if (std::isinf(value)) return value < 0 ? "-1.#INF" : "1.#INF";
+
+  // Round to the significant digits first: the rounded magnitude picks the notation.
+  char buf[64];
+  std::snprintf(buf, sizeof buf, "%.*e", digits - 1, value);
+  const char* ep = std::strchr(buf, 'e');
+  const int exponent = std::atoi(ep + 1);
+  std::string significand;
+  for (const char* p = buf; p != ep; ++p)
+    if (*p >= '0' && *p <= '9') significand += *p;
+  while (significand.size() > 1 && significand.back() == '0') significand.pop_back();
+
+  std::string out = value < 0 ? "-" : "";
+  if (exponent >= -4 && exponent < digits) {
+    if (exponent < 0) {
+      out += "0.";
+      out.append(static_cast<size_t>(-exponent - 1), '0');
+      out += significand;
+    } else {
+      const size_t intLen = static_cast<size_t>(exponent) + 1;
+      if (significand.size() <= intLen) {
+        out += significand;
+        out.append(intLen - significand.size(), '0');
+      } else {
+        out += significand.substr(0, intLen);
+        out += '.';
+        out += significand.substr(intLen);
+      }
+    }
+    return out;
+  }
+  out += significand[0];
+  if (significand.size() > 1) {
+    out += '.';
+    out += significand.substr(1);
+  }
+  char expText[16];
+  std::snprintf(expText, sizeof expText, "E%c%02d", exponent < 0 ? '-' : '+', std::abs(exponent));
+  return out + expText;
+}
+
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
+
+int hexDigit(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+  return -1;
+}
+
+// "&H1F" / "&O17" at the start of `text`: the value, or nullopt-like flag when the text
+// is no such literal. Up to four digits' worth of bits is a 16-bit integer (so &HFFFF
+// is -1), more is a 32-bit one.
+bool radixLiteral(std::string_view text, double& value, size_t& used) {
+  if (text.size() < 2 || text[0] != '&') return false;
+  const char kind = static_cast<char>(text[1] | 0x20);
+  if (kind != 'h' && kind != 'o') return false;
+  const unsigned base = kind == 'h' ? 16 : 8;
+  uint64_t n = 0;
+  size_t i = 2;
+  for (; i < text.size(); ++i) {
+    const int d = hexDigit(text[i]);
+    if (d < 0 || static_cast<unsigned>(d) >= base) break;
+    n = n * base + static_cast<unsigned>(d);
+    if (n > 0xFFFFFFFFull) throw RuntimeError(err::Overflow);
+  }
+  used = i;
+  if (n <= 0xFFFF && (base == 16 ? i - 2 <= 4 : n <= 0177777))
+    value = static_cast<int16_t>(static_cast<uint16_t>(n));
+  else
+    value = static_cast<int32_t>(static_cast<uint32_t>(n));
+  return true;
+}
+
+// Collects the longest decimal number at the start of `text` (sign, digits, one point,
+// an exponent only when digits follow its letter) into `out` in from_chars form.
+size_t scanDecimal(std::string_view text, std::string& out, bool& hasDigits) {
+  size_t i = 0;
+  hasDigits = false;
+  if (i < text.size() && (text[i] == '+' || text[i] == '-')) {
+    if (text[i] == '-') out += '-';
+    ++i;
+  }
+  for (; i < text.size() && isDigit(text[i]); ++i) out += text[i], hasDigits = true;
+  if (i < text.size() && text[i] == '.') {
+    out += '.';
+    ++i;
+    for (; i < text.size() && isDigit(text[i]); ++i) out += text[i], hasDigits = true;
+  }
+  if (hasDigits && i < text.size()) {
+    const char c = static_cast<char>(text[i] | 0x20);
+    if (c == 'e' || c == 'd') {
+      size_t j = i + 1;
+      std::string exponent = "e";
+      if (j < text.size() && (text[j] == '+' || text[j] == '-')) exponent += text[j++];
+      if (j < text.size() && isDigit(text[j])) {
+        for (; j < text.size() && isDigit(text[j]); ++j) exponent += text[j];
+        out += exponent;
+        i = j;
+      }
+    }
+  }
+  return i;
+}
+
+double toDouble(const std::string& number) {
+  double value = 0;
+  const char* first = number.data();
+  auto [ptr, ec] = std::from_chars(first, first + number.size(), value);
+  if (ec == std::errc::result_out_of_range) {
+    // Tiny magnitudes underflow to zero; large ones are an overflow.
+    const char* e = std::strpbrk(number.c_str(), "e");
+    if (e && e[1] == '-') return 0.0;
+    throw RuntimeError(err::Overflow);
+  }
+  (void)ptr;
+  return value;
+}
+
+}  // namespace
+
+std::string formatGeneral(double value) { return formatWithDigits(value, 15); }
+
+std::string formatSingle(float value) { return formatWithDigits(static_cast<double>(value), 7); }
+
+std::string formatPrint(double value) {
+  std::string text = formatGeneral(value);
+  if (text[0] != '-') text.insert(text.begin(), ' ');
+  return text + ' ';
+}
+
+double leadingNumber(std::string_view text) {
+  // Blanks, tabs and line breaks are ignored wherever they stand.
+  std::string packed;
+  packed.reserve(text.size());
+  for (char c : text)
+    if (!isBlank(c)) packed += c;
+  double value = 0;
+  size_t used = 0;
+  if (radixLiteral(packed, value, used)) return value;
+  std::string number;
+  bool hasDigits = false;
+  scanDecimal(packed, number, hasDigits);
+  if (!hasDigits) return 0.0;
+  return toDouble(number);
+}
+
+double parseStrict(std::string_view text) {
+  size_t first = 0, last = text.size();
+  while (first < last && isBlank(text[first])) ++first;
+  while (last > first && isBlank(text[last - 1])) --last;
+  const std::string_view body = text.substr(first, last - first);
+  double value = 0;
+  size_t used = 0;
+  if (radixLiteral(body, value, used)) {
+    if (used == body.size() && used > 2) return value;
+    throw RuntimeError(err::TypeMismatch);
+  }
+  std::string number;
+  bool hasDigits = false;
+  used = scanDecimal(body, number, hasDigits);
+  if (!hasDigits || used != body.size()) throw RuntimeError(err::TypeMismatch);
+  return toDouble(number);
+}
+
+double roundHalfEven(double value) {
+  if (!std::isfinite(value)) return value;
+  const double floor = std::floor(value);
+  const double diff = value - floor;
+  if (diff < 0.5) return floor;
+  if (diff > 0.5) return floor + 1.0;
+  return std::fmod(floor, 2.0) == 0.0 ? floor : floor + 1.0;
+}
+
+int32_t toInt32(double value) {
+  const double r = roundHalfEven(value);
+  if (!(r >= -2147483648.0 && r <= 2147483647.0)) throw RuntimeError(err::Overflow);
+  return static_cast<int32_t>(r);
+}
+
+int16_t toInt16(double value) {
+  const double r = roundHalfEven(value);
+  if (!(r >= -32768.0 && r <= 32767.0)) throw RuntimeError(err::Overflow);
+  return static_cast<int16_t>(r);
+}
+
+}  // namespace orvane
