@@ -1,0 +1,202 @@
+#include "engine/ExpressionEngine.h"
+
+#include <cstring>
+#include <new>
+#include <optional>
+
+#include "engine/Compiler.h"
+#include "engine/Evaluator.h"
+
+namespace orvane {
+
+namespace {
+
+constexpr int32_t OutOfMemory = 7;
+constexpr size_t MaxCachedTexts = 4096;
+
+// Equality of two texts, inlined: formulas are short, and a library call costs more
+// than the comparison on the per-point path.
+inline bool sameText(std::string_view a, std::string_view b) {
+  size_t n = a.size();
+  if (n != b.size()) return false;
+  const char* p = a.data();
+  const char* q = b.data();
+  for (; n >= 8; n -= 8, p += 8, q += 8) {
+    uint64_t x, y;
+    std::memcpy(&x, p, 8);
+    std::memcpy(&y, q, 8);
+    if (x != y) return false;
+  }
+  for (; n > 0; --n, ++p, ++q)
+    if (*p != *q) return false;
+  return true;
+}
+
+bool isIdentifier(std::string_view name) {
+  auto letter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
+  if (name.empty() || !letter(name[0])) return false;
+  for (char c : name)
+    if (!letter(c) && !(c >= '0' && c <= '9') && c != '_') return false;
+  return true;
+}
+
+}  // namespace
+
+void ExpressionEngine::AddObject(std::string_view name, ScriptObject& object, bool addMembers) {
+  if (!isIdentifier(name)) raise(RuntimeError(err::InvalidCall));
+  std::string key = lowerName(name);
+  if (scope_.objects.count(key)) raise(RuntimeError(err::NameInUse, scriptErrorDescription(err::NameInUse)));
+  RegisteredObject entry{std::string(name), &object, {}};
+  for (const ScriptMember& m : object.scriptMembers()) {
+    Binding b;
+    switch (m.kind) {
+      case ScriptMember::Kind::Double: b.kind = Binding::Kind::Double; b.field = m.doubleField; break;
+      case ScriptMember::Kind::Int32: b.kind = Binding::Kind::Int32; b.intField = m.intField; break;
+      case ScriptMember::Kind::Function: b.kind = Binding::Kind::Function; b.function = m.function; break;
+    }
+    b.self = &object;
+    std::string member = lowerName(m.name);
+    if (addMembers) scope_.globals[member] = b;
+    entry.members[member] = b;
+  }
+  scope_.objects.emplace(std::move(key), std::move(entry));
+  forgetCompiled();  // names compiled as undefined may now be members
+}
+
+void ExpressionEngine::ExecuteStatement(std::string_view text) { run(text, true); }
+
+void ExpressionEngine::AddCode(std::string_view text) { run(text, false); }
+
+double ExpressionEngine::Eval(std::string_view text) {
+  if (lastProgram_ && sameText(text, lastText_)) [[likely]] {
+    double result;
+    int32_t faultAt = 0;
+    if (int32_t number = execute(*lastProgram_, scope_.variables, result, faultAt)) [[unlikely]]
+      raise(describeFault(*lastProgram_, number, faultAt));
+    return result;
+  }
+  double result;
+  std::optional<RuntimeError> error;
+  if (evaluate(text, result, error)) throw *error;
+  return result;
+}
+
+int32_t ExpressionEngine::TryEval(std::string_view text, double& result) noexcept {
+  std::optional<RuntimeError> error;
+  return evaluate(text, result, error);
+}
+
+void ExpressionEngine::Reset() {
+  forgetCompiled();
+  scope_.globals.clear();
+  scope_.objects.clear();
+  scope_.variables.clear();
+}
+
+void ExpressionEngine::SetOptimize(bool on) {
+  optimize_ = on;
+  forgetCompiled();
+}
+
+const Program& ExpressionEngine::compiled(Cache& cache, std::string_view text, bool statements) {
+  if (auto it = cache.find(text); it != cache.end()) return *it->second;
+  auto program = compile(text, scope_, {statements, optimize_});
+  // A window that keeps producing new texts (settings typed one character at a time)
+  // must not grow the cache without end; starting afresh costs one compilation each.
+  if (cache.size() >= MaxCachedTexts) {
+    cache.clear();
+    lastProgram_ = nullptr;
+    lastText_ = {};
+  }
+  return *cache.emplace(std::string(text), std::move(program)).first->second;
+}
+
+int32_t ExpressionEngine::evaluate(std::string_view text, double& result,
+                                   std::optional<RuntimeError>& error) noexcept {
+  const Program* program = lastProgram_;
+  if (!program || !sameText(text, lastText_)) {
+    try {
+      auto it = expressions_.find(text);
+      if (it == expressions_.end()) {
+        compiled(expressions_, text, false);
+        it = expressions_.find(text);
+      }
+      program = it->second.get();
+      lastText_ = it->first;
+      lastProgram_ = program;
+    } catch (const RuntimeError& e) {
+      error.emplace(e);
+      report(e);
+      return e.number();
+    } catch (const std::bad_alloc&) {
+      error.emplace(OutOfMemory);
+      return OutOfMemory;
+    }
+  }
+  int32_t faultAt = 0;
+  int32_t number = execute(*program, scope_.variables, result, faultAt);
+  if (number) [[unlikely]] {
+    try {
+      error.emplace(describeFault(*program, number, faultAt));
+      report(*error);
+    } catch (const std::bad_alloc&) {
+    }
+  }
+  return number;
+}
+
+void ExpressionEngine::run(std::string_view text, bool cached) {
+  std::unique_ptr<Program> once;
+  const Program* program;
+  try {
+    if (cached) {
+      program = &compiled(statements_, text, true);
+    } else {
+      once = compile(text, scope_, {true, optimize_});
+      program = once.get();
+    }
+  } catch (const RuntimeError& e) {
+    raise(e);
+  }
+  uint64_t created = scope_.variables.created();
+  double unused;
+  int32_t faultAt = 0;
+  int32_t number = execute(*program, scope_.variables, unused, faultAt);
+  std::optional<RuntimeError> error;
+  if (number) error.emplace(describeFault(*program, number, faultAt));
+  if (scope_.variables.created() != created) {
+    // Texts compiled while a name was still undefined look it up on every run; now
+    // that it exists, compile them again so they bind it by address.
+    auto dropLateBound = [](Cache& cache) {
+      std::erase_if(cache, [](const auto& entry) { return entry.second->lateBound; });
+    };
+    dropLateBound(expressions_);
+    dropLateBound(statements_);
+    lastProgram_ = nullptr;
+    lastText_ = {};
+  }
+  if (error) raise(*error);
+}
+
+void ExpressionEngine::raise(const RuntimeError& error) {
+  report(error);
+  throw error;
+}
+
+void ExpressionEngine::report(const RuntimeError& error) noexcept {
+  if (!handler_) return;
+  try {
+    handler_(error);
+  } catch (...) {
+    // The handler is a notification; the caller still gets the error.
+  }
+}
+
+void ExpressionEngine::forgetCompiled() {
+  lastProgram_ = nullptr;
+  lastText_ = {};
+  expressions_.clear();
+  statements_.clear();
+}
+
+}  // namespace orvane

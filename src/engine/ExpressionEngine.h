@@ -1,0 +1,77 @@
+#pragma once
+// The formula service each window owns: registered objects, script variables made by
+// statements, and the compiled form of every text it has seen. Every error it raises
+// goes first to the error handler (the window's Error event), then to the caller as a
+// RuntimeError.
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "engine/Program.h"
+#include "engine/ScriptObject.h"
+#include "platform/RuntimeError.h"
+
+namespace orvane {
+
+class ExpressionEngine {
+ public:
+  ExpressionEngine() = default;
+  ExpressionEngine(const ExpressionEngine&) = delete;
+  ExpressionEngine& operator=(const ExpressionEngine&) = delete;
+
+  // The script language the engine speaks.
+  static constexpr std::string_view Language = "VBScript";
+
+  // Registers `object` under `name`; with `addMembers` its members are also global
+  // names (x instead of sh.x). The object must outlive its registration.
+  void AddObject(std::string_view name, ScriptObject& object, bool addMembers);
+
+  // Runs "name = expression" statements (separated by ":"). Assigning to a name that
+  // nothing defines creates a script variable holding a Double.
+  void ExecuteStatement(std::string_view text);
+
+  // The value of an expression; in it "=" compares.
+  double Eval(std::string_view text);
+
+  // Statements, one per line; the whole text is checked before any of it runs.
+  void AddCode(std::string_view text);
+
+  // Forgets objects, variables and compiled texts (the handler and the switches stay).
+  void Reset();
+
+  // Called with every error the engine raises, before the call that met it fails.
+  // It must not throw.
+  void SetErrorHandler(std::function<void(const RuntimeError&)> handler) { handler_ = std::move(handler); }
+
+  // Eval without exceptions for sampling loops: 0 and the value, or the error number
+  // (the handler has been called). Allocates nothing once the text is compiled.
+  int32_t TryEval(std::string_view text, double& result) noexcept;
+
+  // Constant folding and fused instructions; off only to cross-check them in tests.
+  void SetOptimize(bool on);
+
+ private:
+  using Cache = NameMap<std::unique_ptr<Program>>;
+
+  const Program& compiled(Cache& cache, std::string_view text, bool statements);
+  int32_t evaluate(std::string_view text, double& result, std::optional<RuntimeError>& error) noexcept;
+  void run(std::string_view text, bool cached);
+  [[noreturn]] void raise(const RuntimeError& error);
+  void report(const RuntimeError& error) noexcept;
+  void afterStatements(uint64_t createdBefore);
+  void forgetCompiled();
+
+  Scope scope_;
+  Cache expressions_;
+  Cache statements_;
+  std::string_view lastText_;         // key of the last evaluated text, in expressions_
+  const Program* lastProgram_ = nullptr;
+  std::function<void(const RuntimeError&)> handler_;
+  bool optimize_ = true;
+};
+
+}  // namespace orvane
