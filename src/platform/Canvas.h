@@ -44,6 +44,7 @@ class Canvas {
 
   // User scale: (x1, y1) is the upper-left corner, (x2, y2) the lower-right one;
   // y grows upward when y2 < y1. Without a call the scale is twips from (0, 0).
+  // A scale without width or height is RuntimeError 5, a non-finite one 6.
   void Scale(float x1, float y1, float x2, float y2);
   void ScaleTwips();  // back to the default twips scale
   float ScaleLeft() const { return scaleLeft_; }
@@ -98,8 +99,10 @@ class Canvas {
   // newline the current point moves to the start of the next line, else just past the
   // text.
   void Print(std::string_view text, bool newline = true);
-  float TextWidth(std::string_view text) const;   // user units
-  float TextHeight(std::string_view text) const;  // user units
+  // Extents in user units, signed like ScaleWidth/ScaleHeight: with y growing upward
+  // TextHeight is negative, so CurrentY + TextHeight is always the line below.
+  float TextWidth(std::string_view text) const;
+  float TextHeight(std::string_view text) const;
   // Clears to BackColor and puts the current point at (0, 0).
   void Cls();
 

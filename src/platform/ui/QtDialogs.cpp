@@ -1,0 +1,211 @@
+#include "platform/ui/QtDialogs.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QInputDialog>
+#include <QMessageBox>
+#include <QPrintDialog>
+#include <QPrinter>
+#include <QPushButton>
+#include <QTextBrowser>
+#include <QVBoxLayout>
+
+#include "platform/ui/QImageCanvas.h"
+#include "platform/ui/QtPrinterPage.h"
+
+namespace orvane {
+
+namespace {
+
+QString qs(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+std::optional<std::string> pathOrNone(const QString& path) {
+  if (path.isEmpty()) return std::nullopt;
+  return path.toStdString();
+}
+
+// The answers of the old message box for the buttons Qt reports.
+int answerOf(QMessageBox::StandardButton button) {
+  switch (button) {
+    case QMessageBox::Ok:
+      return mb::OK;
+    case QMessageBox::Cancel:
+      return mb::Cancel;
+    case QMessageBox::Abort:
+      return 3;
+    case QMessageBox::Retry:
+      return 4;
+    case QMessageBox::Ignore:
+      return 5;
+    case QMessageBox::Yes:
+      return mb::Yes;
+    case QMessageBox::No:
+      return mb::No;
+    default:
+      return mb::Cancel;
+  }
+}
+
+}  // namespace
+
+QtDialogs::QtDialogs(QWidget* parent) : parent_(parent) {}
+
+QtDialogs::~QtDialogs() {
+  if (busy_) QApplication::restoreOverrideCursor();
+  delete helpWindow_.data();
+}
+
+QString QtDialogs::promptText(std::string_view prompt) {
+  QString text = qs(prompt);
+  text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+  text.replace(QLatin1Char('\r'), QLatin1Char('\n'));
+  return text;
+}
+
+int QtDialogs::MsgBox(std::string_view prompt, int style, std::string_view title) {
+  QMessageBox box(parent_);
+  box.setWindowTitle(qs(title));
+  box.setText(promptText(prompt));
+  switch (style & 0x70) {
+    case mb::Critical:
+      box.setIcon(QMessageBox::Critical);
+      break;
+    case mb::Question:
+      box.setIcon(QMessageBox::Question);
+      break;
+    case mb::Exclamation:
+      box.setIcon(QMessageBox::Warning);
+      break;
+    case mb::Information:
+      box.setIcon(QMessageBox::Information);
+      break;
+    default:
+      box.setIcon(QMessageBox::NoIcon);
+  }
+  // Buttons in the old order; the first is the default, Escape answers Cancel where
+  // there is one (a Yes/No box cannot be escaped).
+  QMessageBox::StandardButtons buttons;
+  QMessageBox::StandardButton first = QMessageBox::Ok, escape = QMessageBox::NoButton;
+  switch (style & 7) {
+    case mb::OKCancel:
+      buttons = QMessageBox::Ok | QMessageBox::Cancel;
+      escape = QMessageBox::Cancel;
+      break;
+    case 2:  // abort, retry, ignore
+      buttons = QMessageBox::Abort | QMessageBox::Retry | QMessageBox::Ignore;
+      first = QMessageBox::Abort;
+      break;
+    case mb::YesNoCancel:
+      buttons = QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
+      first = QMessageBox::Yes;
+      escape = QMessageBox::Cancel;
+      break;
+    case mb::YesNo:
+      buttons = QMessageBox::Yes | QMessageBox::No;
+      first = QMessageBox::Yes;
+      break;
+    case 5:  // retry, cancel
+      buttons = QMessageBox::Retry | QMessageBox::Cancel;
+      first = QMessageBox::Retry;
+      escape = QMessageBox::Cancel;
+      break;
+    default:
+      buttons = QMessageBox::Ok;
+      escape = QMessageBox::Ok;
+  }
+  box.setStandardButtons(buttons);
+  box.setDefaultButton(first);
+  if (escape != QMessageBox::NoButton) box.setEscapeButton(escape);
+  box.exec();
+  auto* clicked = box.clickedButton();
+  if (clicked == nullptr) return answerOf(escape == QMessageBox::NoButton ? first : escape);
+  return answerOf(box.standardButton(clicked));
+}
+
+std::optional<std::string> QtDialogs::InputBox(std::string_view prompt, std::string_view title,
+                                               std::string_view defaultText) {
+  bool ok = false;
+  const QString text = QInputDialog::getText(parent_, qs(title), promptText(prompt),
+                                             QLineEdit::Normal, qs(defaultText), &ok);
+  if (!ok) return std::nullopt;
+  return text.toStdString();
+}
+
+std::optional<std::string> QtDialogs::OpenFileName(std::string_view title,
+                                                   std::string_view filter,
+                                                   std::string_view initialPath) {
+  return pathOrNone(
+      QFileDialog::getOpenFileName(parent_, qs(title), qs(initialPath), qs(filter)));
+}
+
+std::optional<std::string> QtDialogs::SaveFileName(std::string_view title,
+                                                   std::string_view filter,
+                                                   std::string_view initialPath) {
+  return pathOrNone(
+      QFileDialog::getSaveFileName(parent_, qs(title), qs(initialPath), qs(filter)));
+}
+
+std::unique_ptr<PrinterPage> QtDialogs::OpenPrinter(std::string_view documentName) {
+  auto printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
+  printer->setDocName(qs(documentName));
+  QPrintDialog dialog(printer.get(), parent_);
+  if (dialog.exec() != QDialog::Accepted) return nullptr;
+  return std::make_unique<QtPrinterPage>(std::move(printer));
+}
+
+bool QtDialogs::ShowHelp(const std::string& path) {
+  QFile file(QString::fromStdString(path));
+  const QFileInfo info(file);
+  if (!info.isFile() || !file.open(QIODevice::ReadOnly)) return false;
+  const QString html = QString::fromUtf8(file.readAll());
+
+  if (helpWindow_.isNull()) {
+    // A window of its own, not modal: the user reads help beside the program.
+    auto* window = new QWidget(nullptr, Qt::Window);
+    window->setObjectName("helpWindow");
+    window->setAttribute(Qt::WA_DeleteOnClose, false);
+    auto* browser = new QTextBrowser(window);
+    browser->setObjectName("helpBrowser");
+    browser->setOpenExternalLinks(true);
+    auto* layout = new QVBoxLayout(window);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(browser);
+    window->resize(640, 520);
+    helpWindow_ = window;
+    helpBrowser_ = browser;
+  }
+  helpWindow_->setWindowTitle(info.fileName());
+  helpBrowser_->setSearchPaths({info.absolutePath()});
+  helpBrowser_->setHtml(html);
+  helpWindow_->show();
+  helpWindow_->raise();
+  helpWindow_->activateWindow();
+  return true;
+}
+
+void QtDialogs::CopyPicture(const Canvas& picture) {
+  const auto* canvas = dynamic_cast<const QImageCanvas*>(&picture);
+  if (canvas == nullptr) return;
+  if (QClipboard* clipboard = QGuiApplication::clipboard()) clipboard->setImage(canvas->image());
+}
+
+void QtDialogs::Beep() { QApplication::beep(); }
+
+void QtDialogs::SetBusy(bool busy) {
+  // Kept balanced: repeated calls with the same state change nothing.
+  if (busy == busy_) return;
+  busy_ = busy;
+  if (busy)
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+  else
+    QApplication::restoreOverrideCursor();
+}
+
+void QtDialogs::DoEvents() { QCoreApplication::processEvents(); }
+
+}  // namespace orvane

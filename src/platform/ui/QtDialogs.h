@@ -1,0 +1,56 @@
+#pragma once
+// The desktop's dialogs with Qt: message and input boxes, file dialogs, the print
+// dialog, the program's own help window, the clipboard, the beep, the wait cursor and
+// the event pump.
+
+#include <QPointer>
+#include <QString>
+
+#include "platform/Dialogs.h"
+
+class QWidget;
+class QTextBrowser;
+
+namespace orvane {
+
+class QtDialogs : public Dialogs {
+ public:
+  // Dialogs are centred on `parent` (may be null, and changed later).
+  explicit QtDialogs(QWidget* parent);
+  ~QtDialogs() override;
+  QtDialogs(const QtDialogs&) = delete;
+  QtDialogs& operator=(const QtDialogs&) = delete;
+
+  void setParentWidget(QWidget* parent) { parent_ = parent; }
+
+  int MsgBox(std::string_view prompt, int style = mb::OKOnly,
+             std::string_view title = kAppTitle) override;
+  std::optional<std::string> InputBox(std::string_view prompt, std::string_view title,
+                                      std::string_view defaultText = {}) override;
+  std::optional<std::string> OpenFileName(std::string_view title, std::string_view filter,
+                                          std::string_view initialPath = {}) override;
+  std::optional<std::string> SaveFileName(std::string_view title, std::string_view filter,
+                                          std::string_view initialPath = {}) override;
+  // The print dialog on a high-resolution printer; the page prints on what the user
+  // picked (a printer or a PDF file).
+  std::unique_ptr<PrinterPage> OpenPrinter(std::string_view documentName) override;
+  // Shows the HTML document in one help window that is reused; false when the file
+  // cannot be read.
+  bool ShowHelp(const std::string& path) override;
+  // The image of a QImageCanvas goes to the clipboard; other surfaces have no pixels.
+  void CopyPicture(const Canvas& picture) override;
+  void Beep() override;
+  void SetBusy(bool busy) override;
+  void DoEvents() override;
+
+  // A prompt's "\r\n", "\r" and "\n" line separators as Qt line breaks.
+  static QString promptText(std::string_view prompt);
+
+ private:
+  QPointer<QWidget> parent_;
+  QPointer<QWidget> helpWindow_;
+  QPointer<QTextBrowser> helpBrowser_;
+  bool busy_ = false;
+};
+
+}  // namespace orvane

@@ -1,0 +1,126 @@
+// The Qt dialogs' parts that need no user: help window, clipboard, busy pointer.
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QClipboard>
+#include <QMessageBox>
+#include <QTimer>
+#include <QTemporaryDir>
+#include <QTextBrowser>
+#include <QtTest>
+
+#include "platform/RecordingCanvas.h"
+#include "platform/ui/QImageCanvas.h"
+#include "platform/ui/QtDialogs.h"
+
+using namespace orvane;
+
+class QtDialogsTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void promptSeparatorsBecomeLineBreaks() {
+    QCOMPARE(QtDialogs::promptText("a\rb\r\rc\r\nd\ne"), QString("a\nb\n\nc\nd\ne"));
+  }
+
+  void messageBoxesMapStylesAndAnswers_data() {
+    QTest::addColumn<int>("style");
+    QTest::addColumn<int>("buttons");
+    QTest::addColumn<int>("icon");
+    QTest::addColumn<int>("press");
+    QTest::addColumn<int>("answer");
+    const int yes = QMessageBox::Yes, no = QMessageBox::No, cancel = QMessageBox::Cancel,
+              ok = QMessageBox::Ok;
+    QTest::newRow("decimal comma warning") << 19 << (yes | no | cancel)
+                                           << int(QMessageBox::Critical) << no << mb::No;
+    QTest::newRow("ok only") << 64 << ok << int(QMessageBox::Information) << ok << mb::OK;
+    QTest::newRow("ok cancel") << 49 << (ok | cancel) << int(QMessageBox::Warning) << cancel
+                               << mb::Cancel;
+    QTest::newRow("yes no") << 36 << (yes | no) << int(QMessageBox::Question) << yes
+                            << mb::Yes;
+  }
+  void messageBoxesMapStylesAndAnswers() {
+    QFETCH(int, style);
+    QFETCH(int, buttons);
+    QFETCH(int, icon);
+    QFETCH(int, press);
+    QFETCH(int, answer);
+    QtDialogs dialogs(nullptr);
+    int seenButtons = -1, seenIcon = -1;
+    QString seenText, seenTitle;
+    QTimer::singleShot(0, [&] {
+      auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+      if (box == nullptr) return;
+      seenButtons = int(box->standardButtons());
+      seenIcon = int(box->icon());
+      seenText = box->text();
+      seenTitle = box->windowTitle();
+      box->button(QMessageBox::StandardButton(press))->click();
+    });
+    QCOMPARE(dialogs.MsgBox("first\rsecond", style, "Title"), answer);
+    QCOMPARE(seenButtons, buttons);
+    QCOMPARE(seenIcon, icon);
+    QCOMPARE(seenText, QString("first\nsecond"));
+    QCOMPARE(seenTitle, QString("Title"));
+  }
+
+  void helpWindowShowsTheDocumentAndIsReused() {
+    QTemporaryDir dir;
+    QFile file(dir.filePath("orvane.hlp"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("<html><body><h1>Regression</h1></body></html>");
+    file.close();
+
+    QtDialogs dialogs(nullptr);
+    QVERIFY(!dialogs.ShowHelp(dir.filePath("missing.hlp").toStdString()));
+    QVERIFY(!dialogs.ShowHelp(dir.path().toStdString()));
+    QVERIFY(dialogs.ShowHelp(file.fileName().toStdString()));
+    QVERIFY(dialogs.ShowHelp(file.fileName().toStdString()));
+
+    int windows = 0;
+    QTextBrowser* browser = nullptr;
+    for (QWidget* w : QApplication::topLevelWidgets()) {
+      if (w->objectName() != "helpWindow") continue;
+      ++windows;
+      QCOMPARE(w->windowTitle(), QString("orvane.hlp"));
+      QVERIFY(w->isVisible());
+      browser = w->findChild<QTextBrowser*>("helpBrowser");
+    }
+    QCOMPARE(windows, 1);
+    QVERIFY(browser != nullptr);
+    QVERIFY(browser->toPlainText().contains("Regression"));
+  }
+
+  void copyPutsTheWholeImageOnTheClipboard() {
+    QtDialogs dialogs(nullptr);
+    QImageCanvas picture(64, 48, 96);
+    picture.Scale(0, 1, 1, 0);  // a user scale does not narrow the copy
+    picture.PSet(0, 1, colors::Red);
+    dialogs.CopyPicture(picture);
+    const QImage copied = QGuiApplication::clipboard()->image();
+    QCOMPARE(copied.size(), QSize(64, 48));
+    QCOMPARE(copied.pixel(0, 0), QColor(Qt::red).rgb());
+
+    RecordingCanvas noPixels;
+    dialogs.CopyPicture(noPixels);  // nothing to copy, nothing changes
+    QCOMPARE(QGuiApplication::clipboard()->image().size(), QSize(64, 48));
+  }
+
+  void busyPointerIsBalanced() {
+    {
+      QtDialogs dialogs(nullptr);
+      dialogs.SetBusy(true);
+      dialogs.SetBusy(true);
+      QVERIFY(QApplication::overrideCursor() != nullptr);
+      QCOMPARE(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
+      dialogs.SetBusy(false);
+      QVERIFY(QApplication::overrideCursor() == nullptr);
+      dialogs.SetBusy(false);
+      dialogs.SetBusy(true);
+    }  // left busy: the dialogs restore the pointer when they go
+    QVERIFY(QApplication::overrideCursor() == nullptr);
+  }
+};
+
+QTEST_MAIN(QtDialogsTest)
+#include "QtDialogsTest.moc"
