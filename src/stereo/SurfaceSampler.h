@@ -1,0 +1,47 @@
+#pragma once
+// One point of the surface being plotted: the single evaluation primitive, the height
+// (the surface itself or the selected partial derivative) and, in parametric mode, the
+// mapping of a sample (u, v) through x(u,v), y(u,v), z(u,v).
+
+#include <cstdint>
+#include <string>
+
+#include "stereo/StereoSettings.h"
+#include "stereo/SurfaceEvaluator.h"
+#include "stereo/ViewTransform.h"
+
+namespace orvane {
+
+// The current u and v the formulas see. They belong to the window and keep the values
+// of the last parametric sample between plots.
+struct SurfaceParameters {
+  float u = 0, v = 0;
+};
+
+class SurfaceSampler {
+ public:
+  SurfaceSampler(const StereoSettings& settings, SurfaceEvaluator& evaluator, SurfaceParameters& uv)
+      : settings_(settings), evaluator_(evaluator), uv_(uv) {}
+
+  // The expression with x = a, y = b and the current u, v, in single precision.
+  // RuntimeError when it has no value there.
+  float EvaluateExpressionAt(float a, float b, const std::string& expression);
+  // The height of the surface shown: the surface itself, or its selected derivative.
+  float EvaluateSurfacePoint(float a, float b);
+
+  // Non-throwing forms for sampling loops: 0 and the value, or the error number.
+  int32_t TryExpressionAt(float a, float b, const std::string& expression, float& out);
+  int32_t TrySurfacePoint(float a, float b, float& out);
+
+  // The point of the sample (s, t): (s, t, height) in explicit mode; in parametric mode
+  // u = s and v = t, then y(u,v), x(u,v) and the height at that x and y. Non-zero when
+  // the point has no value.
+  int32_t TrySample(float s, float t, Point3& out);
+
+ private:
+  const StereoSettings& settings_;
+  SurfaceEvaluator& evaluator_;
+  SurfaceParameters& uv_;
+};
+
+}  // namespace orvane
