@@ -1,0 +1,290 @@
+#include "plot2d/PlotDrawing.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <vector>
+
+#include "platform/NumberText.h"
+
+namespace orvane {
+
+namespace {
+
+// Beyond this many steps between the axis and the window the tick walk jumps ahead
+// instead of stepping through positions that are never drawn.
+constexpr double kLongWalk = 100000;
+
+// v kept within [lo, hi]; unlike std::clamp it has an answer (hi) when an inverted
+// window makes lo > hi.
+template <typename T>
+T between(T v, T lo, T hi) {
+  return v > hi ? hi : (v < lo ? lo : v);
+}
+
+struct TickWalk {
+  std::vector<float> up;    // from the axis towards the high end
+  std::vector<float> down;  // from the axis towards the low end
+};
+
+TickWalk walkTicks(float origin, float low, float high, float spacing) {
+  TickWalk walk;
+  if (!(spacing > 0)) return walk;
+  float pos = origin;
+  if (pos < low && (low - pos) / spacing > kLongWalk)
+    pos = origin + std::floor((low - origin) / spacing) * spacing;
+  while (pos <= high) {
+    if (pos >= low) walk.up.push_back(pos);
+    const float next = pos + spacing;
+    if (!(next > pos)) break;
+    pos = next;
+  }
+  pos = origin;
+  if (pos > high && (pos - high) / spacing > kLongWalk)
+    pos = origin - std::floor((origin - high) / spacing) * spacing;
+  while (pos >= low) {
+    if (pos <= high) walk.down.push_back(pos);
+    const float next = pos - spacing;
+    if (!(next < pos)) break;
+    pos = next;
+  }
+  return walk;
+}
+
+class PlotPainter {
+ public:
+  PlotPainter(Canvas& c, DerivativeEvaluator& d, const PlotRequest& r, const Viewport& v)
+      : c_(c), d_(d), r_(r), v_(v), s_(v.setup), k_(r.options.derivative) {}
+
+  void frame() {
+    c_.Line(s_.windowlx, s_.windowly + v_.pixely, s_.windowgx - v_.pixelx, s_.windowgy,
+            plotcolors::Frame, LineKind::Box);
+  }
+
+  // Returns the lower end of the study interval as the rest of the plot uses it.
+  double shading() {
+    double a = r_.options.xlower;
+    const double b = r_.options.xupper;
+    if (!r_.options.shade || k_ != 0 || a > s_.windowgx) return a;
+    if (a < s_.windowlx) a = s_.windowlx;
+    c_.PSet(float(a), s_.yorigin, plotcolors::Shading);
+    double x = a;
+    double y = 0;
+    for (;;) {
+      if (!evaluate(x, y)) return a;
+      c_.LineTo(float(x), clip(y), plotcolors::Shading);
+      const double next = x + v_.plotstep * 0.999;
+      if (!(next > x)) break;
+      x = next;
+      if (x >= s_.windowgx || x >= b) break;
+      c_.PSet(float(x), s_.yorigin, plotcolors::Marks);
+    }
+    if (b <= s_.windowgx && evaluate(b, y)) c_.LineTo(float(b), clip(y), plotcolors::Shading);
+    return a;
+  }
+
+  void ticks(const TickWalk& vertical, const TickWalk& horizontal) {
+    const float y0 = r_.options.grid ? s_.windowly : s_.yorigin - v_.divv / 2;
+    for (const auto* list : {&vertical.up, &vertical.down})
+      for (float xg : *list) c_.Line(xg, y0, xg, y0 + v_.divv, plotcolors::Ticks);
+    const float x0 = r_.options.grid ? s_.windowlx : s_.xorigin - v_.divh / 2;
+    for (const auto* list : {&horizontal.up, &horizontal.down})
+      for (float yg : *list) c_.Line(x0, yg, x0 + v_.divh, yg, plotcolors::Ticks);
+  }
+
+  void intervalEnds(double lower, double upper) {
+    for (double end : {lower, upper}) {
+      if (!(s_.windowlx <= end && end <= s_.windowgx)) continue;
+      c_.PSet(float(end), s_.yorigin, plotcolors::Marks);
+      double y = 0;
+      if (evaluate(end, y)) {
+        lineColor_ = plotcolors::Marks;
+        c_.LineTo(float(end), clip(y), plotcolors::Marks);
+      }
+    }
+  }
+
+  void axes() {
+    c_.Line(s_.windowlx, s_.yorigin, s_.windowgx, s_.yorigin, plotcolors::Axes);
+    c_.Line(s_.xorigin, s_.windowly, s_.xorigin, s_.windowgy, plotcolors::Axes);
+  }
+
+  void originAndData() {
+    const float radius = c_.ScaleWidth() / 200;
+    disc(0, 0, radius, plotcolors::Origin);
+    const size_t count = std::min(r_.dataX.size(), r_.dataY.size());
+    for (size_t i = 0; i < count; ++i)
+      disc(toCanvas(r_.dataX[i]), toCanvas(r_.dataY[i]), radius, plotcolors::Marks);
+  }
+
+  void windowLabels() {
+    c_.SetForeColor(plotcolors::WindowLabels);
+    c_.SetPixelFont("verdana", 20, 16);
+    // Along the x-axis (kept inside the picture) and along the y-axis.
+    const float h = std::fabs(c_.TextHeight("0"));
+    const float axisY = between(s_.yorigin, s_.windowly + h, s_.windowgy);
+    const float axisX = between(s_.xorigin, s_.windowlx, s_.windowgx);
+    auto put = [&](float value, auto place) {
+      const std::string text = formatSingle(value);
+      const float w = std::fabs(c_.TextWidth(text));
+      place(w);
+      c_.Print(text, false);
+    };
+    put(s_.windowlx, [&](float w) { at(s_.windowlx + w / 5, axisY - h / 5); });
+    put(s_.windowgx, [&](float w) { at(s_.windowgx - w - w / 5, axisY - h / 5); });
+    put(s_.windowly, [&](float w) { at(axisX - w / 2, s_.windowly + h + h / 5); });
+    put(s_.windowgy, [&](float w) { at(axisX - w / 2, s_.windowgy - h / 5); });
+  }
+
+  void divisionLabels(const TickWalk& vertical, const TickWalk& horizontal) {
+    c_.SetPixelFont("verdana", 7, 5);
+    const float h = std::fabs(c_.TextHeight("0"));
+    auto label = [&](float value, bool trailingPoint, auto place) {
+      const std::string text = divisionLabel(value, trailingPoint);
+      if (text.empty() || text == ".") return;
+      place(std::fabs(c_.TextWidth(text)));
+      c_.Print(text, false);
+    };
+    std::vector<float> done;
+    auto once = [&](float v) {
+      if (std::find(done.begin(), done.end(), v) != done.end()) return false;
+      done.push_back(v);
+      return true;
+    };
+    for (const auto* list : {&vertical.up, &vertical.down})
+      for (float xg : *list)
+        if (once(xg)) label(xg, false, [&](float w) { at(xg - w / 2, s_.yorigin - h / 5); });
+    done.clear();
+    for (const auto* list : {&horizontal.up, &horizontal.down})
+      for (float yg : *list)
+        if (once(yg)) label(yg, true, [&](float w) { at(s_.xorigin + w / 5, yg + h / 2); });
+  }
+
+  void curve() {
+    lineColor_ = plotcolors::Curve;
+    const double step = v_.plotstep;
+    if (!(step > 0)) return;
+    const double gx = s_.windowgx;
+    double x = s_.windowlx - step;
+    double y = 0;
+    for (;;) {
+      bool ok = false;
+      do {
+        if (!(x + step > x)) return;
+        x += step;
+        ok = evaluate(x, y);
+      } while (!ok && x < gx);
+      if (!ok) return;
+      c_.PSet(float(x), clip(y, false));
+      if (x == gx) return;
+      for (;;) {
+        if (!(x + step > x)) return;
+        x += step;
+        if (!evaluate(x, y)) {
+          if (x < gx) break;
+          return;
+        }
+        segment(x, y);
+        if (!(x <= gx)) return;
+      }
+    }
+  }
+
+  void resetLineColor() { lineColor_ = plotcolors::Curve; }
+
+ private:
+  bool evaluate(double x, double& y) {
+    d_.storePoint(x);
+    return d_.tryD(k_, x, y) == 0;
+  }
+
+  // Draws from the current point to (x, y) unless both ends lie beyond the same
+  // horizontal edge; then only the current point moves.
+  void segment(double x, double y) {
+    const double previous = c_.CurrentY();
+    if ((y > s_.windowgy && previous > s_.windowgy) ||
+        (y < s_.windowly && previous < s_.windowly)) {
+      at(float(x), clip(y, false));
+      return;
+    }
+    c_.LineTo(float(x), clip(y, false), lineColor_);
+  }
+
+  // y clipped into the window, or (far = false) only kept within a range the picture
+  // can take: far enough out that the visible part of a line keeps its direction.
+  float clip(double y, bool intoWindow = true) const {
+    if (intoWindow) return float(between(y, double(s_.windowly), double(s_.windowgy)));
+    const double margin = 1e4 * (std::fabs(double(s_.windowgy) - s_.windowly) + 1);
+    return float(between(y, s_.windowly - margin, s_.windowgy + margin));
+  }
+
+  static float toCanvas(double v) {
+    constexpr double big = 1e30;
+    return float(between(v, -big, big));
+  }
+
+  void at(float x, float y) {
+    c_.SetCurrentX(x);
+    c_.SetCurrentY(y);
+  }
+
+  void disc(float x, float y, float radius, Color color) {
+    c_.SetFillColor(color);
+    c_.SetFillStyle(FillStyle::Solid);
+    c_.Circle(x, y, radius, color);
+    c_.SetFillColor(0);
+    c_.SetFillStyle(FillStyle::Transparent);
+  }
+
+  Canvas& c_;
+  DerivativeEvaluator& d_;
+  const PlotRequest& r_;
+  const Viewport& v_;
+  const PlotSetup& s_;
+  const int32_t k_;
+  Color lineColor_ = plotcolors::Curve;
+};
+
+}  // namespace
+
+std::string divisionLabel(float value, bool trailingPoint) {
+  const double rounded = std::round(double(value));
+  std::string text;
+  if (rounded != 0) {
+    char buffer[64];
+    std::snprintf(buffer, sizeof buffer, "%.0f", rounded);
+    text = buffer;
+  }
+  if (trailingPoint) text += '.';
+  return text;
+}
+
+Viewport drawPlot(Canvas& picture, DerivativeEvaluator& d, const PlotRequest& request,
+                  const std::function<void()>& pumpEvents) {
+  d.prepareForPlot(request.options.derivative);
+  const Viewport v =
+      setUpViewport(request.setup, request.width, request.height, request.options.grid, picture);
+  const PlotSetup& s = v.setup;
+  PlotPainter painter(picture, d, request, v);
+
+  // Ticks never closer than one screen unit.
+  const TickWalk vertical =
+      walkTicks(s.xorigin, s.windowlx, s.windowgx, std::max(s.divx, v.pixelx));
+  const TickWalk horizontal =
+      walkTicks(s.yorigin, s.windowly, s.windowgy, std::max(s.divy, v.pixely));
+
+  painter.frame();
+  const double lower = painter.shading();
+  painter.ticks(vertical, horizontal);
+  painter.intervalEnds(lower, request.options.xupper);
+  painter.axes();
+  painter.originAndData();
+  if (request.options.labelWindow) painter.windowLabels();
+  if (request.options.labelDivisions) painter.divisionLabels(vertical, horizontal);
+  if (pumpEvents) pumpEvents();
+  if (request.options.fittedFunction) painter.curve();
+  painter.resetLineColor();
+  return v;
+}
+
+}  // namespace orvane
