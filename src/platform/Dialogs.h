@@ -65,4 +65,11 @@ class Dialogs {
   virtual void DoEvents() = 0;
 };
 
+// Opens one of the program's help files from `directory`; a file that cannot be shown
+// is reported with its full path.
+inline void ShowHelpFile(Dialogs& dialogs, const std::string& directory, std::string_view fileName) {
+  const std::string path = directory + "/" + std::string(fileName);
+  if (!dialogs.ShowHelp(path)) dialogs.MsgBox("Cannot find the help file\r" + path, mb::Critical);
+}
+
 }  // namespace orvane
