@@ -1,0 +1,43 @@
+#pragma once
+// The regression file pair: a specification file (counts, computed flag, names, and the
+// fit when there is one) and beside it a data file named as the specification file plus
+// ".dat" (counts, then one value per line, set by set). Text with CR LF line ends.
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "regression/RegressionProblem.h"
+
+namespace orvane {
+
+// A file that cannot be read as a regression file, or cannot be written. The message
+// names the file, the line and what was expected there.
+class RegressionFileError : public std::runtime_error {
+ public:
+  RegressionFileError(const std::string& file, int line, const std::string& expected);
+  explicit RegressionFileError(const std::string& message) : std::runtime_error(message) {}
+};
+
+// The name of the data file that goes with a specification file.
+std::string DataFileName(const std::string& specificationFile);
+
+// The lines of the two files, without line ends.
+std::vector<std::string> SpecificationLines(const RegressionProblem& problem);
+std::vector<std::string> DataLines(const RegressionProblem& problem);
+
+// Writes both files, each to a temporary file beside it that is then renamed over the
+// target, so a failed save leaves the previous file as it was.
+void WriteRegressionFiles(const std::string& specificationFile, const RegressionProblem& problem);
+
+// Reads both files into a new problem (X dimensioned, dataDimensioned set, the fit taken
+// as read). Throws RegressionFileError for a missing, malformed, short or inconsistent
+// file; nothing is half-read.
+RegressionProblem ReadRegressionFiles(const std::string& specificationFile);
+
+// The same from the files' texts (for tests and for reading already loaded files).
+RegressionProblem ParseRegressionFiles(const std::string& specificationFile,
+                                       const std::string& specificationText,
+                                       const std::string& dataText);
+
+}  // namespace orvane

@@ -1,0 +1,44 @@
+#pragma once
+// The evaluation window: the fitted model's estimate at a point the user types in,
+// one field per independent variable (as many as the problem has; the list scrolls).
+
+#include <QWidget>
+#include <vector>
+
+#include "regression/RegressionProblem.h"
+
+class QGroupBox;
+class QLabel;
+class QPushButton;
+class QScrollArea;
+
+namespace orvane {
+
+class TextBox;
+
+class frmEvaluations : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit frmEvaluations(const RegressionProblem& problem, QWidget* parent = nullptr);
+
+  QGroupBox* fraEval;
+  QScrollArea* scrollEval;
+  std::vector<QLabel*> lblVarx;   // objectName "lblVarx0", "lblVarx1", ...
+  std::vector<TextBox*> txtVarx;  // objectName "txtVarx0", "txtVarx1", ...
+  QLabel* lblAppr;
+  QLabel* lblApprox;
+  QPushButton* cmdCompute;
+  QPushButton* cmdExit;
+
+ private slots:
+  void cmdCompute_Click();
+  void cmdExit_Click();
+
+ private:
+  void Form_Load();
+
+  const RegressionProblem& problem_;
+};
+
+}  // namespace orvane

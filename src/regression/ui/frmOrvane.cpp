@@ -1,0 +1,471 @@
+#include "regression/ui/frmOrvane.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QDir>
+#include <QFont>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QListWidget>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMetaMethod>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <new>
+
+#include "engine/PointEvaluation.h"
+#include "platform/Dialogs.h"
+#include "platform/NumberText.h"
+#include "platform/PrinterPage.h"
+#include "platform/RuntimeError.h"
+#include "platform/ui/TextBox.h"
+#include "regression/RegressionFile.h"
+#include "regression/RegressionReport.h"
+#include "regression/Solver.h"
+#include "regression/ui/frmEdit.h"
+#include "regression/ui/frmEvaluations.h"
+
+namespace orvane {
+
+namespace {
+
+constexpr std::string_view kFileFilter = "All files (*)";
+constexpr const char* kOutOfMemory = "Out of memory";
+
+QString qs(const std::string& text) { return QString::fromStdString(text); }
+
+template <typename T>
+T* named(T* widget, const char* name) {
+  widget->setObjectName(QString::fromLatin1(name));
+  return widget;
+}
+
+}  // namespace
+
+frmOrvane::frmOrvane(Dialogs& dialogs, QWidget* parent) : QMainWindow(parent), dialogs_(dialogs) {
+  setWindowTitle(QStringLiteral("Orvane Regression  www.orvane.example"));
+  buildControls();
+  buildMenus();
+  Form_Load();
+}
+
+frmOrvane::~frmOrvane() = default;
+
+void frmOrvane::buildControls() {
+  auto* central = new QWidget(this);
+  setCentralWidget(central);
+
+  lblOrder = named(new QLabel(QStringLiteral("Enter # of independent variables:")), "lblOrder");
+  txtOrder = named(new TextBox(), "txtOrder");
+  lblDepVarNam = named(new QLabel(QStringLiteral("Name of dependent variable:")), "lblDepVarNam");
+  txtDepVarNam = named(new TextBox(), "txtDepVarNam");
+  lblVarNam = named(new QLabel(), "lblVarNam");
+  txtVarNams = named(new TextBox(QStringLiteral("x,y")), "txtVarNams");
+  Label1 = named(new QLabel(QStringLiteral("# of data sets:")), "Label1");
+  txtN = named(new TextBox(), "txtN");
+  cmdEditData = named(new QPushButton(QStringLiteral("Edit data")), "cmdEditData");
+  cmdAddData = named(new QPushButton(QStringLiteral("Add data")), "cmdAddData");
+  cmdCompute = named(new QPushButton(QStringLiteral("Compute")), "cmdCompute");
+  cmdCompute->setToolTip(QStringLiteral("Compute coefficients"));
+  lblResults = named(new QLabel(QStringLiteral("Results")), "lblResults");
+  lstCoeff = named(new QListWidget(), "lstCoeff");
+  QFont fixed(QStringLiteral("Courier New"));
+  fixed.setStyleHint(QFont::TypeWriter);
+  lstCoeff->setFont(fixed);
+  lstCoeff->setMinimumWidth(QFontMetrics(fixed).horizontalAdvance(QString(60, QLatin1Char('M'))));
+  lblResults->setBuddy(lstCoeff);
+  cmdEvaluations = named(new QPushButton(QStringLiteral("Evaluations")), "cmdEvaluations");
+  cmdPlot = named(new QPushButton(QStringLiteral("&Plot")), "cmdPlot");
+  cmdPlot->setToolTip(QStringLiteral("Select what to plot from list"));
+  cmdExit = named(new QPushButton(QStringLiteral("E&xit")), "cmdExit");
+  // Leaving the program never waits for a field to be filled in correctly.
+  TextBox::setCausesValidation(cmdExit, false);
+
+  auto* fields = new QGridLayout();
+  fields->addWidget(lblOrder, 0, 0);
+  fields->addWidget(txtOrder, 0, 1);
+  fields->addWidget(lblDepVarNam, 1, 0);
+  fields->addWidget(txtDepVarNam, 1, 1);
+  fields->addWidget(lblVarNam, 2, 0, 1, 2);
+  fields->addWidget(txtVarNams, 3, 0, 1, 2);
+  fields->addWidget(Label1, 4, 0);
+  fields->addWidget(txtN, 4, 1);
+
+  auto* dataButtons = new QHBoxLayout();
+  dataButtons->addWidget(cmdEditData);
+  dataButtons->addWidget(cmdAddData);
+  dataButtons->addWidget(cmdCompute);
+
+  auto* lowerButtons = new QHBoxLayout();
+  lowerButtons->addWidget(cmdEvaluations);
+  lowerButtons->addWidget(cmdPlot);
+  lowerButtons->addStretch();
+  lowerButtons->addWidget(cmdExit);
+
+  auto* layout = new QVBoxLayout(central);
+  layout->addLayout(fields);
+  layout->addLayout(dataButtons);
+  layout->addWidget(lblResults);
+  layout->addWidget(lstCoeff, 1);
+  layout->addLayout(lowerButtons);
+
+  setTabOrder(txtOrder, txtDepVarNam);
+  setTabOrder(txtDepVarNam, txtVarNams);
+  setTabOrder(txtVarNams, txtN);
+  setTabOrder(txtN, cmdEditData);
+  setTabOrder(cmdEditData, cmdAddData);
+  setTabOrder(cmdAddData, cmdCompute);
+  setTabOrder(cmdCompute, lstCoeff);
+  setTabOrder(lstCoeff, cmdEvaluations);
+  setTabOrder(cmdEvaluations, cmdPlot);
+  setTabOrder(cmdPlot, cmdExit);
+
+  cmdAddData->setEnabled(false);
+  cmdEvaluations->setEnabled(false);
+  cmdPlot->setVisible(false);
+
+  connect(txtOrder, &TextBox::Validate, this, &frmOrvane::txtOrder_Validate);
+  connect(txtOrder, &TextBox::LostFocus, this, &frmOrvane::txtOrder_LostFocus);
+  connect(txtDepVarNam, &TextBox::Validate, this, &frmOrvane::txtDepVarNam_Validate);
+  connect(txtDepVarNam, &TextBox::LostFocus, this, &frmOrvane::txtDepVarNam_LostFocus);
+  connect(txtVarNams, &TextBox::Validate, this, &frmOrvane::txtVarNams_Validate);
+  connect(txtVarNams, &TextBox::LostFocus, this, &frmOrvane::txtVarNams_LostFocus);
+  connect(txtN, &TextBox::Validate, this, &frmOrvane::txtN_Validate);
+  connect(cmdEditData, &QPushButton::clicked, this, &frmOrvane::cmdEditData_Click);
+  connect(cmdAddData, &QPushButton::clicked, this, &frmOrvane::cmdAddData_Click);
+  connect(cmdCompute, &QPushButton::clicked, this, &frmOrvane::cmdCompute_Click);
+  connect(cmdEvaluations, &QPushButton::clicked, this, &frmOrvane::cmdEvaluations_Click);
+  connect(cmdPlot, &QPushButton::clicked, this, &frmOrvane::cmdPlot_Click);
+  connect(cmdExit, &QPushButton::clicked, this, &frmOrvane::cmdExit_Click);
+}
+
+void frmOrvane::buildMenus() {
+  mnuFile = named(menuBar()->addMenu(QStringLiteral("File")), "mnuFile");
+  mnuOpen = named(mnuFile->addAction(QStringLiteral("Open")), "mnuOpen");
+  mnuFile->addSeparator();
+  mnuSave = named(mnuFile->addAction(QStringLiteral("Save")), "mnuSave");
+  mnuSaveAs = named(mnuFile->addAction(QStringLiteral("Save As")), "mnuSaveAs");
+  mnuFile->addSeparator();
+  mnuPrint = named(mnuFile->addAction(QStringLiteral("Print")), "mnuPrint");
+  mnuHelp = named(menuBar()->addAction(QStringLiteral("Help")), "mnuHelp");
+  mnuAbout = named(menuBar()->addAction(QStringLiteral("About")), "mnuAbout");
+
+  connect(mnuOpen, &QAction::triggered, this, &frmOrvane::mnuOpen_Click);
+  connect(mnuSave, &QAction::triggered, this, &frmOrvane::mnuSave_Click);
+  connect(mnuSaveAs, &QAction::triggered, this, &frmOrvane::mnuSaveAs_Click);
+  connect(mnuPrint, &QAction::triggered, this, &frmOrvane::mnuPrint_Click);
+  connect(mnuHelp, &QAction::triggered, this, &frmOrvane::mnuHelp_Click);
+  connect(mnuAbout, &QAction::triggered, this, &frmOrvane::mnuAbout_Click);
+}
+
+void frmOrvane::Form_Load() {
+  workbench_.startDirectory = QDir::currentPath().toStdString();
+  sh.sharedError = &workbench_.evaluationError;
+  ScriptControl1.SetErrorHandler([this](const RuntimeError& error) { ScriptControl1_Error(error); });
+  RegisterMathObject(ScriptControl1, sh);
+  mnuSave->setEnabled(false);
+  mnuSaveAs->setEnabled(false);
+  mnuPrint->setEnabled(false);
+  mnuAbout->setVisible(false);
+  lblVarNam->setText(QStringLiteral("Enter the names of the independent variables, separated by commas:"));
+  workbench_.tolerance = 0.004;
+  workbench_.tolerance2 = 0.008;
+  workbench_.toleranceSquared = 0.008 * 0.008;
+}
+
+void frmOrvane::ScriptControl1_Error(const RuntimeError& error) { dialogs_.MsgBox(error.description()); }
+
+void frmOrvane::ClearResults() {
+  if (loadingFile_) return;
+  lstCoeff->clear();
+  workbench_.problem.computed = false;
+  workbench_.fitted = false;
+  cmdEvaluations->setEnabled(false);
+}
+
+void frmOrvane::SetDisplayedSpecs() {
+  const RegressionProblem& p = workbench_.problem;
+  txtOrder->setText(QString::number(p.m));
+  txtN->setText(QString::number(p.N));
+  txtDepVarNam->setText(qs(p.dependentName));
+  txtVarNams->setText(qs(joinNames(p.names)));
+  editorWindow().PrepareGrid(false);
+}
+
+frmEdit& frmOrvane::editorWindow() {
+  if (!editor_) {
+    // A window of its own (no parent), so disabling the main window leaves it usable.
+    editor_ = std::make_unique<frmEdit>(workbench_.problem);
+    connect(editor_.get(), &frmEdit::dataSetDeleted, this, &frmOrvane::frmEdit_DataSetDeleted);
+    connect(editor_.get(), &frmEdit::done, this, &frmOrvane::frmEdit_Done);
+  }
+  return *editor_;
+}
+
+// ---- the four problem fields, in the order they are filled ----
+
+void frmOrvane::txtOrder_Validate(bool& cancel) {
+  if (loadingFile_) return;
+  const double value = leadingNumber(txtOrder->text().toStdString());
+  if (!(value >= 1) || value > 2147483647.0) {
+    cancel = true;
+    return;
+  }
+  workbench_.problem.m = toInt32(value);
+}
+
+void frmOrvane::txtOrder_LostFocus() {
+  if (loadingFile_) return;
+  txtOrder->setEnabled(false);
+  if (workbench_.problem.m < 3) cmdPlot->setVisible(true);
+  mnuOpen->setEnabled(false);
+  if (txtDepVarNam->isEnabled()) txtDepVarNam->setFocus();
+}
+
+void frmOrvane::txtDepVarNam_Validate(bool& cancel) {
+  if (loadingFile_) return;
+  workbench_.problem.dependentName = txtDepVarNam->text().toStdString();
+  if (!isValidDependentName(workbench_.problem.dependentName)) cancel = true;
+}
+
+void frmOrvane::txtDepVarNam_LostFocus() {
+  if (loadingFile_) return;
+  if (txtVarNams->isEnabled()) txtVarNams->setFocus();
+  txtDepVarNam->setEnabled(false);
+}
+
+void frmOrvane::txtVarNams_Validate(bool& cancel) {
+  if (loadingFile_) return;
+  std::vector<std::string> parts = splitNames(txtVarNams->text().toStdString());
+  if (!namesFitOrder(parts, workbench_.problem.m)) {
+    cancel = true;
+    return;
+  }
+  workbench_.problem.names = std::move(parts);
+}
+
+void frmOrvane::txtVarNams_LostFocus() {
+  if (loadingFile_) return;
+  if (txtN->isEnabled()) txtN->setFocus();
+  txtVarNams->setEnabled(false);
+  enableSavingAndAbout();
+}
+
+void frmOrvane::txtN_Validate(bool& cancel) {
+  if (loadingFile_) return;
+  double value = 0;
+  try {
+    value = parseStrict(txtN->text().toStdString());
+  } catch (const RuntimeError& error) {
+    dialogs_.MsgBox(error.description());
+    cancel = true;
+    return;
+  }
+  if (value < 3) cancel = true;
+}
+
+void frmOrvane::enableSavingAndAbout() {
+  mnuSave->setEnabled(true);
+  mnuSaveAs->setEnabled(true);
+  mnuPrint->setEnabled(true);
+  mnuAbout->setVisible(true);
+}
+
+// ---- data ----
+
+void frmOrvane::cmdEditData_Click() {
+  if (workbench_.problem.m < 1) {
+    txtOrder->setFocus();  // the problem has no variables yet
+    return;
+  }
+  int32_t N = 0;
+  try {
+    N = toInt32(parseStrict(txtN->text().toStdString()));
+  } catch (const RuntimeError& error) {
+    dialogs_.MsgBox(error.description());
+    return;
+  }
+  RegressionProblem& p = workbench_.problem;
+  if (!p.dataDimensioned) {
+    if (N < 3) return;
+    if (RegressionProblem::tooLarge(p.m, N)) {
+      dialogs_.MsgBox(kOutOfMemory, mb::Critical);
+      return;
+    }
+    try {
+      p.N = N;
+      p.dimensionData();
+    } catch (const std::bad_alloc&) {
+      dialogs_.MsgBox(kOutOfMemory, mb::Critical);
+      return;
+    }
+    cmdAddData->setEnabled(true);
+    txtN->setEnabled(false);
+  }
+  editorWindow().PrepareGrid(true);
+  setEnabled(false);
+}
+
+void frmOrvane::cmdAddData_Click() {
+  const std::optional<std::string> answer =
+      dialogs_.InputBox("How many additional data sets?", "Add data");
+  if (!answer) return;
+  const double value = roundHalfEven(leadingNumber(*answer));
+  if (!(value >= 1) || value > 2147483647.0 - workbench_.problem.N) return;
+  try {
+    if (RegressionProblem::tooLarge(workbench_.problem.m, workbench_.problem.N + static_cast<int64_t>(value))) throw std::bad_alloc();
+    workbench_.problem.addDataSets(static_cast<int32_t>(value));
+  } catch (const std::bad_alloc&) {
+    dialogs_.MsgBox(kOutOfMemory, mb::Critical);
+    return;
+  }
+  txtN->setText(QString::number(workbench_.problem.N));
+  cmdEditData_Click();
+}
+
+void frmOrvane::frmEdit_DataSetDeleted() {
+  txtN->setText(QString::number(workbench_.problem.N));
+  ClearResults();
+}
+
+void frmOrvane::frmEdit_Done() { setEnabled(true); }
+
+// ---- the fit ----
+
+void frmOrvane::cmdCompute_Click() {
+  if (!workbench_.problem.dataDimensioned) {
+    dialogs_.MsgBox("There are no data sets yet: enter them with \"Edit data\" or open a file.", mb::Exclamation);
+    return;
+  }
+  dialogs_.SetBusy(true);
+  ClearResults();
+  workbench_.problem.computed = false;
+  try {
+    const FitOutcome outcome = Compute(workbench_.problem);
+    if (outcome != FitOutcome::Computed) lstCoeff->addItem(qs(SingularMessage(outcome)));
+  } catch (const std::bad_alloc&) {
+    dialogs_.MsgBox(kOutOfMemory, mb::Critical);
+  }
+  workbench_.fitted = workbench_.problem.computed;
+  if (workbench_.problem.computed) {
+    dialogs_.Beep();
+    showResults();
+  }
+  dialogs_.SetBusy(false);
+}
+
+void frmOrvane::showResults() {
+  lstCoeff->clear();
+  for (const std::string& line : ResultsListing(workbench_.problem)) lstCoeff->addItem(qs(line));
+  cmdEvaluations->setEnabled(true);
+}
+
+void frmOrvane::cmdEvaluations_Click() {
+  if (!evaluations_ || !evaluations_->isVisible())
+    evaluations_ = std::make_unique<frmEvaluations>(workbench_.problem);
+  evaluations_->show();
+  evaluations_->raise();
+  evaluations_->activateWindow();
+}
+
+void frmOrvane::cmdPlot_Click() {
+  workbench_.plotOrigin = 1;
+  setEnabled(false);
+  const int m = workbench_.problem.m;
+  if (m != 1 && m != 2) return;
+  const QString text = workbench_.problem.computed ? qs(FittedFunctionText(workbench_.problem)) : QString();
+  if (!isSignalConnected(QMetaMethod::fromSignal(&frmOrvane::plotRequested))) {
+    setEnabled(true);  // no plot window in this build: nothing would enable us again
+    return;
+  }
+  emit plotRequested(m, text);
+}
+
+void frmOrvane::cmdExit_Click() { close(); }
+
+void frmOrvane::closeEvent(QCloseEvent* event) {
+  if (evaluations_) evaluations_->close();
+  if (editor_) editor_->close();
+  event->accept();
+  emit unloaded();
+}
+
+// ---- the file pair ----
+
+void frmOrvane::mnuOpen_Click() {
+  const std::optional<std::string> name = dialogs_.OpenFileName("Open", kFileFilter);
+  if (!name || name->empty()) return;
+  RegressionProblem opened;
+  try {
+    opened = ReadRegressionFiles(*name);
+  } catch (const RegressionFileError& error) {
+    dialogs_.MsgBox(error.what(), mb::Exclamation);
+    return;
+  } catch (const std::bad_alloc&) {
+    dialogs_.MsgBox(kOutOfMemory, mb::Critical);
+    return;
+  }
+  fileName_ = *name;
+  loadingFile_ = true;
+  workbench_.problem = std::move(opened);
+  workbench_.fitted = workbench_.problem.computed;
+  cmdAddData->setEnabled(true);
+  for (TextBox* field : {txtN, txtOrder, txtVarNams, txtDepVarNam}) field->setEnabled(false);
+  if (workbench_.problem.m < 3) cmdPlot->setVisible(true);
+  SetDisplayedSpecs();
+  lstCoeff->clear();
+  cmdEvaluations->setEnabled(false);
+  if (workbench_.problem.computed) showResults();
+  mnuOpen->setEnabled(false);
+  enableSavingAndAbout();
+  loadingFile_ = false;
+}
+
+void frmOrvane::mnuSave_Click() {
+  if (fileName_.empty()) {
+    const std::optional<std::string> name = dialogs_.SaveFileName("Save", kFileFilter);
+    if (name) fileName_ = *name;
+  }
+  if (!fileName_.empty()) writeFiles(fileName_);
+}
+
+void frmOrvane::mnuSaveAs_Click() {
+  const std::optional<std::string> name = dialogs_.SaveFileName("Save As", kFileFilter, fileName_);
+  if (!name || name->empty()) return;
+  fileName_ = *name;
+  writeFiles(fileName_);
+}
+
+void frmOrvane::writeFiles(const std::string& path) {
+  try {
+    WriteRegressionFiles(path, workbench_.problem);
+  } catch (const RegressionFileError& error) {
+    dialogs_.MsgBox(error.what(), mb::Critical);
+  }
+}
+
+void frmOrvane::mnuPrint_Click() {
+  int32_t sets = 0;
+  try {
+    sets = toInt32(leadingNumber(txtN->text().toStdString()));
+  } catch (const RuntimeError&) {
+    sets = 0;
+  }
+  std::unique_ptr<PrinterPage> page = dialogs_.OpenPrinter("Orvane Regression");
+  if (!page) return;
+  try {
+    PrintRegressionReport(*page, workbench_.problem, sets);
+  } catch (const RuntimeError& error) {
+    dialogs_.MsgBox(error.description(), mb::Critical);
+  }
+}
+
+void frmOrvane::mnuHelp_Click() {
+  ShowHelpFile(dialogs_, workbench_.startDirectory, "orvane.hlp");
+}
+
+void frmOrvane::mnuAbout_Click() { emit aboutRequested(); }
+
+}  // namespace orvane

@@ -1,0 +1,137 @@
+#pragma once
+// The main window: one regression problem set up field by field, edited, computed,
+// evaluated, saved, opened, printed and handed to the plot windows.
+
+#include <QMainWindow>
+#include <QString>
+#include <memory>
+#include <string>
+
+#include "engine/Class1.h"
+#include "engine/ExpressionEngine.h"
+#include "regression/Workbench.h"
+
+class QAction;
+class QLabel;
+class QListWidget;
+class QMenu;
+class QPushButton;
+
+namespace orvane {
+
+class Dialogs;
+class RuntimeError;
+class TextBox;
+class frmEdit;
+class frmEvaluations;
+
+class frmOrvane : public QMainWindow {
+  Q_OBJECT
+
+ public:
+  explicit frmOrvane(Dialogs& dialogs, QWidget* parent = nullptr);
+  ~frmOrvane() override;
+
+  // The folder that was current when the window loaded; the help file is looked for there.
+  const std::string& startDirectory() const { return workbench_.startDirectory; }
+
+  // The problem, the fit and the shared plot state; plot windows read it.
+  Workbench& workbench() { return workbench_; }
+  const Workbench& workbench() const { return workbench_; }
+
+  // Empties the results, clears the computed and fitted flags and disables Evaluations
+  // (not while a file is being opened).
+  void ClearResults();
+  // Writes m, N and the names into the fields and prepares the editor grid.
+  void SetDisplayedSpecs();
+
+  frmEdit* editor() const { return editor_.get(); }
+  frmEvaluations* evaluations() const { return evaluations_.get(); }
+  // The current file of Save, empty until one is opened or saved.
+  const std::string& fileName() const { return fileName_; }
+
+ signals:
+  void aboutRequested();
+  // The window is unloading (Exit or the close box).
+  void unloaded();
+  // Plot was pressed: the window is now disabled and waits for the plot window (for one
+  // or two variables) to take `functionText` and to enable it again when it closes.
+  void plotRequested(int m, QString functionText);
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
+ private slots:
+  void txtOrder_Validate(bool& cancel);
+  void txtOrder_LostFocus();
+  void txtDepVarNam_Validate(bool& cancel);
+  void txtDepVarNam_LostFocus();
+  void txtVarNams_Validate(bool& cancel);
+  void txtVarNams_LostFocus();
+  void txtN_Validate(bool& cancel);
+  void cmdEditData_Click();
+  void cmdAddData_Click();
+  void cmdCompute_Click();
+  void cmdEvaluations_Click();
+  void cmdPlot_Click();
+  void cmdExit_Click();
+  void mnuOpen_Click();
+  void mnuSave_Click();
+  void mnuSaveAs_Click();
+  void mnuPrint_Click();
+  void mnuHelp_Click();
+  void mnuAbout_Click();
+  void frmEdit_DataSetDeleted();
+  void frmEdit_Done();
+
+ private:
+  void Form_Load();
+  void buildControls();
+  void buildMenus();
+  void ScriptControl1_Error(const RuntimeError& error);
+  frmEdit& editorWindow();
+  void enableSavingAndAbout();
+  void showResults();
+  void writeFiles(const std::string& path);
+
+  Dialogs& dialogs_;
+  Workbench workbench_;
+  std::string fileName_;
+  bool loadingFile_ = false;  // the loaded-from-file flag
+
+  // The window's own engine; it checks formulas the way the plot windows evaluate them.
+  ExpressionEngine ScriptControl1;
+  Class1 sh;
+
+  // Controls, named as on the form.
+  QLabel* lblOrder = nullptr;
+  TextBox* txtOrder = nullptr;
+  QLabel* lblDepVarNam = nullptr;
+  TextBox* txtDepVarNam = nullptr;
+  QLabel* lblVarNam = nullptr;
+  TextBox* txtVarNams = nullptr;
+  QLabel* Label1 = nullptr;
+  TextBox* txtN = nullptr;
+  QPushButton* cmdEditData = nullptr;
+  QPushButton* cmdAddData = nullptr;
+  QPushButton* cmdCompute = nullptr;
+  QLabel* lblResults = nullptr;
+  QListWidget* lstCoeff = nullptr;
+  QPushButton* cmdEvaluations = nullptr;
+  QPushButton* cmdPlot = nullptr;
+  QPushButton* cmdExit = nullptr;
+
+  QMenu* mnuFile = nullptr;
+  QAction* mnuOpen = nullptr;
+  QAction* mnuSave = nullptr;
+  QAction* mnuSaveAs = nullptr;
+  QAction* mnuPrint = nullptr;
+  QAction* mnuHelp = nullptr;
+  QAction* mnuAbout = nullptr;
+
+  // Windows of their own (not children, so that disabling this one leaves them usable).
+  std::unique_ptr<frmEdit> editor_;
+  std::unique_ptr<frmEvaluations> evaluations_;
+};
+
+}  // namespace orvane
