@@ -63,10 +63,23 @@ class LineReader {
     }
     current_ = static_cast<int>(next_) + 1;
     std::vector<std::string> fields;
-    if (!split(lines_[next_++], fields) || fields.size() != count) fail(expected);
+    if (!split(lines_[next_++], fields, count) || fields.size() != count) fail(expected);
     return fields;
   }
   std::string field(const std::string& expected) { return record(1, expected)[0]; }
+  // A name line: read as a field, but a name the program itself wrote with a stray
+  // quote in it ("x or "a"b) is taken as it stands rather than refused.
+  std::string name(const std::string& expected) {
+    if (next_ < lines_.size()) {
+      const std::string& line = lines_[next_];
+      std::vector<std::string> fields;
+      if (line.find(',') == std::string::npos && (!split(line, fields, 1) || fields.size() != 1)) {
+        current_ = static_cast<int>(++next_);
+        return std::string(trim(line));
+      }
+    }
+    return field(expected);
+  }
 
   // How many lines are left to read.
   size_t remaining() const { return lines_.size() - next_; }
@@ -100,8 +113,9 @@ class LineReader {
 
  private:
   // Fields end at a "," or at the line end; blanks around them are ignored; a quoted
-  // text is taken without its quotes.
-  static bool split(std::string_view line, std::vector<std::string>& fields) {
+  // text is taken without its quotes. False past `most` fields: a line of commas must
+  // not become millions of strings.
+  static bool split(std::string_view line, std::vector<std::string>& fields, size_t most) {
     size_t pos = 0;
     while (true) {
       while (pos < line.size() && isBlank(line[pos])) ++pos;
@@ -118,6 +132,7 @@ class LineReader {
         pos = comma;
       }
       if (pos >= line.size()) return true;
+      if (fields.size() >= most) return false;
       ++pos;  // past the ","
     }
   }
@@ -137,7 +152,8 @@ std::string readWholeFile(const std::string& path) {
   return text.str();
 }
 
-void writeAtomically(const std::string& target, const std::vector<std::string>& lines) {
+// Writes the lines to a temporary file beside the target; returns its name.
+std::string writeTemporary(const std::string& target, const std::vector<std::string>& lines) {
   namespace fs = std::filesystem;
   const std::string temporary = target + ".orvane-save~";
   {
@@ -152,6 +168,11 @@ void writeAtomically(const std::string& target, const std::vector<std::string>& 
       throw RegressionFileError("Cannot write the file " + target);
     }
   }
+  return temporary;
+}
+
+void replaceWith(const std::string& temporary, const std::string& target) {
+  namespace fs = std::filesystem;
   std::error_code error;
   fs::rename(temporary, target, error);
   if (error) {
@@ -185,14 +206,30 @@ std::vector<std::string> DataLines(const RegressionProblem& p) {
   lines.reserve(static_cast<size_t>(p.N) * (p.m + 1) + 2);
   lines.push_back(std::to_string(p.N) + "," + std::to_string(p.m));
   for (int i = 1; i <= p.N; ++i)
-    for (int j = 1; j <= p.m + 1; ++j) lines.push_back(valueLine(p.X(j, i)));
+    for (int j = 1; j <= p.m + 1; ++j)  // sets not yet dimensioned are zeros
+      lines.push_back(valueLine(i <= p.X.lastRow() && j <= p.X.lastColumn() ? p.X(j, i) : 0.0));
   if (p.computed) lines.push_back(statisticsRecord(p.statistics));
   return lines;
 }
 
 void WriteRegressionFiles(const std::string& specificationFile, const RegressionProblem& problem) {
-  writeAtomically(specificationFile, SpecificationLines(problem));
-  writeAtomically(DataFileName(specificationFile), DataLines(problem));
+  namespace fs = std::filesystem;
+  // Both files are written in full before either replaces its old version, so a failed
+  // write leaves the previous pair as it was, not a new specification beside old data.
+  const std::string dataFile = DataFileName(specificationFile);
+  const std::string specificationTemporary = writeTemporary(specificationFile, SpecificationLines(problem));
+  std::string dataTemporary;
+  try {
+    dataTemporary = writeTemporary(dataFile, DataLines(problem));
+    // The data file goes first: a directory or a locked file in its place fails here,
+    // while the specification file is still untouched.
+    replaceWith(dataTemporary, dataFile);
+  } catch (...) {
+    std::error_code ignored;
+    fs::remove(specificationTemporary, ignored);
+    throw;
+  }
+  replaceWith(specificationTemporary, specificationFile);
 }
 
 RegressionProblem ReadRegressionFiles(const std::string& specificationFile) {
@@ -214,12 +251,16 @@ RegressionProblem ParseRegressionFiles(const std::string& specificationFile,
   p.m = spec.count(f[1], 1, head);
   p.computed = spec.boolean(f[2], head);
   p.dependentName = f[3];
+  // Saving quotes the dependent name as it stands: a quote inside could not be read back.
+  if (p.dependentName.find('"') != std::string::npos) spec.fail(head);
 
-  if (spec.remaining() < static_cast<size_t>(p.m))
-    spec.record(1, "the name of independent variable " + std::to_string(spec.remaining() + 1) +
-                       " of " + std::to_string(p.m));
-  for (int j = 1; j <= p.m; ++j)
-    p.names.push_back(spec.field("the name of independent variable " + std::to_string(j)));
+  for (int j = 1; j <= p.m; ++j) {
+    const std::string what = "the name of independent variable " + std::to_string(j) + " of " +
+                             std::to_string(p.m);
+    p.names.push_back(spec.name(what));
+    // Names are saved one per line without quotes and split at "," by the window.
+    if (p.names.back().find(',') != std::string::npos) spec.fail(what + ", without \",\"");
+  }
   p.A.assign(static_cast<size_t>(p.m) + 2, 0.0);
   if (p.computed) {
     for (int j = 0; j <= p.m; ++j) {

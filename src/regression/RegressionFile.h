@@ -26,8 +26,8 @@ std::string DataFileName(const std::string& specificationFile);
 std::vector<std::string> SpecificationLines(const RegressionProblem& problem);
 std::vector<std::string> DataLines(const RegressionProblem& problem);
 
-// Writes both files, each to a temporary file beside it that is then renamed over the
-// target, so a failed save leaves the previous file as it was.
+// Writes both files, each to a temporary file beside it; only when both are complete
+// are they renamed over the targets, so a failed save leaves the previous pair as it was.
 void WriteRegressionFiles(const std::string& specificationFile, const RegressionProblem& problem);
 
 // Reads both files into a new problem (X dimensioned, dataDimensioned set, the fit taken

@@ -21,6 +21,7 @@ void RegressionProblem::dimensionData() {
 }
 
 void RegressionProblem::addDataSets(int32_t count) {
+  if (count <= 0) return;  // a smaller matrix would not hold the sets copied into it
   const int32_t oldN = N;
   DataMatrix grown(m + 1, N + count);
   // Column 0 belongs to the solver, which sets it at every computation.
@@ -35,6 +36,7 @@ bool RegressionProblem::tooLarge(int32_t m, int64_t n) {
 }
 
 void RegressionProblem::deleteDataSet(int32_t row) {
+  if (row < 1 || row > N) return;
   for (int j = 1; j <= m + 1; ++j) X(j, row) = X(j, N);
   --N;
 }

@@ -65,10 +65,12 @@ struct RegressionProblem {
   // X zero-filled for the current m and N.
   void dimensionData();
   // Adds `count` zero-filled sets after the last one; the existing sets keep their values.
+  // A count below 1 changes nothing.
   void addDataSets(int32_t count);
   // Whether a matrix for m variables and n sets is beyond what the program creates.
   static bool tooLarge(int32_t m, int64_t n);
-  // Removes set `row` (1..N) by moving the last set into its place.
+  // Removes set `row` (1..N) by moving the last set into its place; any other row
+  // changes nothing.
   void deleteDataSet(int32_t row);
 };
 
