@@ -170,6 +170,7 @@ void frmOrvane::Form_Load() {
   mnuPrint->setEnabled(false);
   mnuAbout->setVisible(false);
   lblVarNam->setText(QStringLiteral("Enter the names of the independent variables, separated by commas:"));
+  txtOrder->setFocus();  // the problem is set up from its first field on
   workbench_.tolerance = 0.004;
   workbench_.tolerance2 = 0.008;
   workbench_.toleranceSquared = 0.008 * 0.008;
