@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <utility>
 #include <vector>
 
 #include "platform/NumberText.h"
@@ -10,6 +11,14 @@
 namespace orvane {
 
 namespace {
+
+// Label fonts (pixel height and average width): small for the divisions, large for
+// the window edges.
+struct LabelFont {
+  int height, width;
+};
+constexpr LabelFont kDivisionFont{11, 6};
+constexpr LabelFont kWindowFont{20, 16};
 
 // Beyond this many steps between the axis and the window the tick walk jumps ahead
 // instead of stepping through positions that are never drawn.
@@ -117,32 +126,46 @@ class PlotPainter {
       disc(toCanvas(r_.dataX[i]), toCanvas(r_.dataY[i]), radius, plotcolors::Marks);
   }
 
+  // The four window limits in the large teal font: the x ones at the ends of the
+  // x-axis, above it, the y ones at the ends of the y-axis, right of it (the division
+  // labels take the other sides), all kept inside the picture.
   void windowLabels() {
     c_.SetForeColor(plotcolors::WindowLabels);
-    c_.SetPixelFont("verdana", 20, 16);
-    // Along the x-axis (kept inside the picture) and along the y-axis.
+    c_.SetPixelFont("verdana", kWindowFont.height, kWindowFont.width);
     const float h = std::fabs(c_.TextHeight("0"));
-    const float axisY = between(s_.yorigin, s_.windowly + h, s_.windowgy);
+    const float axisY = between(s_.yorigin, s_.windowly, s_.windowgy);
     const float axisX = between(s_.xorigin, s_.windowlx, s_.windowgx);
+    float above = axisY + h / 5 + h;
+    if (above > s_.windowgy) above = axisY - h / 5;
     auto put = [&](float value, auto place) {
       const std::string text = formatSingle(value);
       const float w = std::fabs(c_.TextWidth(text));
-      place(w);
+      float right = axisX + w / 5;
+      if (right + w > s_.windowgx) right = axisX - w - w / 5;
+      const auto [x, y] = place(w, right);
+      at(between(x, s_.windowlx, s_.windowgx - w), between(y, s_.windowly + h, s_.windowgy));
       c_.Print(text, false);
     };
-    put(s_.windowlx, [&](float w) { at(s_.windowlx + w / 5, axisY - h / 5); });
-    put(s_.windowgx, [&](float w) { at(s_.windowgx - w - w / 5, axisY - h / 5); });
-    put(s_.windowly, [&](float w) { at(axisX - w / 2, s_.windowly + h + h / 5); });
-    put(s_.windowgy, [&](float w) { at(axisX - w / 2, s_.windowgy - h / 5); });
+    put(s_.windowlx, [&](float w, float) { return std::pair(s_.windowlx + w / 5, above); });
+    put(s_.windowgx, [&](float w, float) { return std::pair(s_.windowgx - w - w / 5, above); });
+    put(s_.windowly, [&](float, float right) { return std::pair(right, s_.windowly + h + h / 5); });
+    put(s_.windowgy, [&](float, float right) { return std::pair(right, s_.windowgy - h / 5); });
   }
 
+  // Each tick's value: below the x-axis past the tick's end and left of the y-axis,
+  // or on the other side where the picture ends, and never cut by its edge.
   void divisionLabels(const TickWalk& vertical, const TickWalk& horizontal) {
-    c_.SetPixelFont("verdana", 7, 5);
+    c_.SetPixelFont("verdana", kDivisionFont.height, kDivisionFont.width);
     const float h = std::fabs(c_.TextHeight("0"));
+    const bool grid = r_.options.grid;
+    const float tickUp = grid ? 0 : v_.divv / 2;
+    const float tickSide = grid ? 0 : v_.divh / 2;
     auto label = [&](float value, bool trailingPoint, auto place) {
       const std::string text = divisionLabel(value, trailingPoint);
       if (text.empty() || text == ".") return;
-      place(std::fabs(c_.TextWidth(text)));
+      const float w = std::fabs(c_.TextWidth(text));
+      const auto [x, y] = place(w);
+      at(between(x, s_.windowlx, s_.windowgx - w), between(y, s_.windowly + h, s_.windowgy));
       c_.Print(text, false);
     };
     std::vector<float> done;
@@ -151,13 +174,20 @@ class PlotPainter {
       done.push_back(v);
       return true;
     };
+    float top = s_.yorigin - tickUp - h / 5;
+    if (top - h < s_.windowly) top = s_.yorigin + tickUp + h / 5 + h;
     for (const auto* list : {&vertical.up, &vertical.down})
       for (float xg : *list)
-        if (once(xg)) label(xg, false, [&](float w) { at(xg - w / 2, s_.yorigin - h / 5); });
+        if (once(xg)) label(xg, false, [&](float w) { return std::pair(xg - w / 2, top); });
     done.clear();
     for (const auto* list : {&horizontal.up, &horizontal.down})
       for (float yg : *list)
-        if (once(yg)) label(yg, true, [&](float w) { at(s_.xorigin + w / 5, yg + h / 2); });
+        if (once(yg))
+          label(yg, true, [&](float w) {
+            float left = s_.xorigin - tickSide - w / 5 - w;
+            if (left < s_.windowlx) left = s_.xorigin + tickSide + w / 5;
+            return std::pair(left, yg + h / 2);
+          });
   }
 
   void curve() {

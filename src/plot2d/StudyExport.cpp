@@ -94,21 +94,37 @@ void writeLinesAtomically(const std::string& path, const std::vector<std::string
 
 std::string exportBitmapName(const std::string& path) { return path + ".bmp"; }
 
+void savePictureAtomically(const Canvas& picture, const std::string& path) {
+  namespace fs = std::filesystem;
+  const std::string temp = path + ".orvane-tmp";
+  std::error_code ec;
+  if (picture.SavePicture(temp)) fs::rename(temp, path, ec);
+  else ec = std::make_error_code(std::errc::io_error);
+  if (ec) {
+    std::error_code ignored;
+    fs::remove(temp, ignored);
+    throw RuntimeError(err::PathFileAccess, "Path/File access error: " + path);
+  }
+}
+
 void exportStudy(const std::string& path, const StudyExportInput& input,
                  const StudyResults& results, Canvas& picture, bool graphDrawn, bool persist,
                  const std::function<void()>& replot) {
   if (graphDrawn) {
-    bool saved = false;
     if (persist) {
-      saved = picture.SavePicture(exportBitmapName(path));
+      savePictureAtomically(picture, exportBitmapName(path));
     } else {
+      // The image is switched on and drawn again so that it holds the graph.
       picture.SetAutoRedraw(true);
       if (replot) replot();
-      saved = picture.SavePicture(exportBitmapName(path));
+      try {
+        savePictureAtomically(picture, exportBitmapName(path));
+      } catch (...) {
+        picture.SetAutoRedraw(false);
+        throw;
+      }
       picture.SetAutoRedraw(false);
     }
-    if (!saved)
-      throw RuntimeError(err::PathFileAccess, "Path/File access error: " + exportBitmapName(path));
   }
   writeLinesAtomically(path, studyExportLines(input, results));
 }

@@ -34,6 +34,10 @@ void writeLinesAtomically(const std::string& path, const std::vector<std::string
 // The graph's bitmap beside the export file: the file's full name with ".bmp" added.
 std::string exportBitmapName(const std::string& path);
 
+// Saves the picture as a bitmap through a temporary file beside path, renamed over it.
+// RuntimeError 75 when it cannot be written; an earlier file at path is then kept.
+void savePictureAtomically(const Canvas& picture, const std::string& path);
+
 // The whole export: when a graph is drawn, the picture saved as the bitmap (switching
 // the image on and re-plotting through replot() when it is not persistent), then the
 // file. RuntimeError 75 when the bitmap or the file cannot be written.

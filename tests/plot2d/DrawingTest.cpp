@@ -220,8 +220,8 @@ TEST(PlotDriver, Labels) {
   const std::vector<std::string> expected = {
       "text -1 @verdana 20 16 C0C000", "text 1 @verdana 20 16 C0C000",
       "text -3 @verdana 20 16 C0C000", "text 3 @verdana 20 16 C0C000",
-      "text 1 @verdana 7 5 C0C000",    "text -1 @verdana 7 5 C0C000",
-      "text 3. @verdana 7 5 C0C000",   "text -3. @verdana 7 5 C0C000",
+      "text 1 @verdana 11 6 C0C000",    "text -1 @verdana 11 6 C0C000",
+      "text 3. @verdana 11 6 C0C000",   "text -3. @verdana 11 6 C0C000",
   };
   EXPECT_EQ(texts, expected);
   EXPECT_EQ(divisionLabel(2.5f, false), "3");

@@ -3,6 +3,7 @@
 // for short hand-checkable sequences in the drawing, report and export tests.
 
 #include <cmath>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -28,9 +29,12 @@ class PictureLog final : public Canvas {
   int pixelWidth() const override { return 200; }
   int pixelHeight() const override { return 150; }
   double dpi() const override { return 96; }
+  // Writes a stand-in file, so that the caller can move it into place.
   bool SavePicture(const std::string& path) const override {
     saved.push_back(path);
-    return saveSucceeds;
+    if (!saveSucceeds) return false;
+    std::ofstream(path, std::ios::binary) << "BM";
+    return true;
   }
 
   void mark(const std::string& kind) { calls.emplace_back(kind); }

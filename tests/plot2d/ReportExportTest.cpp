@@ -195,7 +195,10 @@ TEST_F(StudyExportTest, BitmapBesideTheFileWhenAGraphIsDrawn) {
   bool imageOnDuringReplot = false;
   exportStudy(path, input_, StudyResults{}, picture, true, false,
               [&] { imageOnDuringReplot = picture.AutoRedraw(); });
-  EXPECT_EQ(picture.saved, (std::vector<std::string>{path + ".bmp"}));
+  // Written beside the target and moved over it.
+  EXPECT_EQ(picture.saved, (std::vector<std::string>{path + ".bmp.orvane-tmp"}));
+  EXPECT_EQ(read(path + ".bmp"), "BM");
+  EXPECT_FALSE(std::filesystem::exists(path + ".bmp.orvane-tmp"));
   EXPECT_TRUE(imageOnDuringReplot);
   EXPECT_FALSE(picture.AutoRedraw());
 
@@ -207,11 +210,13 @@ TEST_F(StudyExportTest, BitmapBesideTheFileWhenAGraphIsDrawn) {
 
   picture.saveSucceeds = false;
   try {
-    exportStudy(path, input_, StudyResults{}, picture, true, true, {});
+    exportStudy(path, input_, StudyResults{}, picture, true, false, {});
     ADD_FAILURE() << "exported without its bitmap";
   } catch (const RuntimeError& e) {
     EXPECT_EQ(e.number(), err::PathFileAccess);
   }
+  EXPECT_EQ(read(path + ".bmp"), "BM");  // the earlier bitmap stays
+  EXPECT_FALSE(picture.AutoRedraw());
 }
 
 TEST_F(StudyExportTest, FailedSaveLeavesThePreviousFile) {

@@ -1,0 +1,144 @@
+// Speed of the 2-D study window's two heaviest commands: one whole plot on a 600 x 400
+// picture (plot step 1, grid and labels on) and an integral refined to 2^20 panels,
+// both through the expression engine as the window runs them.
+
+#include <benchmark/benchmark.h>
+
+#include <QGuiApplication>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "engine/Class1.h"
+#include "engine/ExpressionEngine.h"
+#include "engine/PointEvaluation.h"
+#include "platform/ui/QImageCanvas.h"
+#include "plot2d/Derivatives.h"
+#include "plot2d/EngineFunction.h"
+#include "plot2d/Integrator.h"
+#include "plot2d/PlotDrawing.h"
+
+namespace {
+
+using namespace orvane;
+
+constexpr const char* kFormula = "Sin(x)*Exp(-x/5)";
+constexpr int kWidth = 600, kHeight = 400;
+constexpr double kDpi = 96;
+
+// The window's engine with its math object, as frmPlot sets them up.
+struct Window {
+  ExpressionEngine engine;
+  Class1 sh;
+  Window() { RegisterMathObject(engine, sh); }
+};
+
+PlotRequest plotRequest() {
+  PlotRequest r;
+  r.setup = PlotSetup{-2, 20, -1.25f, 1.25f, 0, 0, 1, 0.25f, 1};
+  r.options.grid = true;
+  r.options.labelWindow = true;
+  r.options.labelDivisions = true;
+  r.options.fittedFunction = true;
+  r.options.xlower = 0;
+  r.options.xupper = 10;
+  r.width = static_cast<float>(kWidth * 1440 / kDpi);
+  r.height = static_cast<float>(kHeight * 1440 / kDpi);
+  return r;
+}
+
+void plot600x400(benchmark::State& state) {
+  Window w;
+  EngineFunction f(w.engine, w.sh, kFormula);
+  DerivativeEvaluator d(f);
+  QImageCanvas picture(kWidth, kHeight, kDpi);
+  const PlotRequest request = plotRequest();
+  for (auto _ : state) {
+    picture.Cls();
+    benchmark::DoNotOptimize(drawPlot(picture, d, request));
+  }
+}
+
+StudySettings integralSettings() {
+  StudySettings s;
+  s.equation = kFormula;
+  s.xlower = 0;
+  s.xupper = 10;
+  s.n = 1 << 20;
+  s.err = 1e-6;  // met long before: the minimum panel count decides the end
+  s.maxcy = 30;
+  return s;
+}
+
+void integral2p20(benchmark::State& state) {
+  Window w;
+  EngineFunction f(w.engine, w.sh, kFormula);
+  DerivativeEvaluator d(f);
+  const StudySettings s = integralSettings();
+  for (auto _ : state) benchmark::DoNotOptimize(integrate(d, s));
+}
+
+// The integral must be the one measured: 2^20 panels give the exact value to
+// rounding.
+bool integralIsRight() {
+  Window w;
+  EngineFunction f(w.engine, w.sh, kFormula);
+  DerivativeEvaluator d(f);
+  const IntegralResult r = integrate(d, integralSettings());
+  // The antiderivative of sin(x) e^(-x/5) is -e^(-x/5) (sin x / 5 + cos x) / (1 + 1/25).
+  auto F = [](double x) { return -std::exp(-x / 5) * (std::sin(x) / 5 + std::cos(x)) / 1.04; };
+  const double exact = F(10) - F(0);
+  if (!r.computed || std::fabs(r.value - exact) > 1e-9) {
+    std::fprintf(stderr, "integral %.17g, expected %.17g (error %d)\n", r.value, exact, r.error);
+    return false;
+  }
+  return true;
+}
+
+// Keeps the fastest repetition's time per iteration (ms) by benchmark name.
+class Recorder : public benchmark::ConsoleReporter {
+ public:
+  std::map<std::string, double> ms;
+  void ReportRuns(const std::vector<Run>& runs) override {
+    for (const Run& r : runs) {
+      if (r.run_type != Run::RT_Iteration) continue;
+      const std::string name = r.run_name.function_name;
+      const double t = r.GetAdjustedRealTime();  // in the benchmark's unit, ms
+      if (!ms.count(name) || t < ms[name]) ms[name] = t;
+    }
+    ConsoleReporter::ReportRuns(runs);
+  }
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  // Text needs a GUI application (fonts), not a screen.
+  if (std::getenv("QT_QPA_PLATFORM") == nullptr) setenv("QT_QPA_PLATFORM", "offscreen", 1);
+  int qtArgc = 1;
+  QGuiApplication app(qtArgc, argv);
+  if (!integralIsRight()) return 1;
+
+  benchmark::RegisterBenchmark("plot_600x400", plot600x400)->Unit(benchmark::kMillisecond);
+  benchmark::RegisterBenchmark("integral_2p20", integral2p20)->Unit(benchmark::kMillisecond);
+  std::vector<char*> args(argv, argv + argc);
+  std::string repetitions = "--benchmark_repetitions=5";
+  bool given = false;
+  for (int i = 1; i < argc; ++i) given |= std::string(argv[i]).starts_with("--benchmark_repetitions");
+  if (!given) args.push_back(repetitions.data());
+  int count = static_cast<int>(args.size());
+  benchmark::Initialize(&count, args.data());
+  Recorder recorder;
+  benchmark::RunSpecifiedBenchmarks(&recorder);
+  benchmark::Shutdown();
+
+  if (recorder.ms.count("plot_600x400"))
+    std::printf("figure plot2d.plot_600x400 %.2f ms\n", recorder.ms["plot_600x400"]);
+  if (recorder.ms.count("integral_2p20"))
+    std::printf("figure plot2d.integral_2p20 %.2f ms\n", recorder.ms["integral_2p20"]);
+  return 0;
+}

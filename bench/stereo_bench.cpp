@@ -1,0 +1,116 @@
+// One whole stereo plot, as the Plot button draws it, into two 400 x 400 images: the
+// default surface with its mesh and 5,000 random dots, and the same with the mixed
+// derivative Zxy by the five-point formulas (16 evaluations of the formula per point).
+
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "engine/Class1.h"
+#include "engine/ExpressionEngine.h"
+#include "engine/PointEvaluation.h"
+#include "platform/ui/QImageCanvas.h"
+#include "stereo/EngineSurface.h"
+#include "stereo/StereoRender.h"
+#include "stereo/StereoSettings.h"
+
+namespace {
+
+using namespace orvane;
+
+// The stereo window's share of a plot: its engine, math object, pictures and settings.
+struct StereoWindow {
+  ExpressionEngine engine;
+  Class1 sh;
+  EngineSurface surface{engine, sh};
+  EngineReader reader{engine};
+  QImageCanvas left{400, 400, 96}, right{400, 400, 96};
+  SurfaceParameters uv;
+  DotGenerator random{12345};
+  StereoSettings settings;
+
+  explicit StereoWindow(const StereoFields& fields) {
+    RegisterMathObject(engine, sh);
+    settings = ReadPlotSettings(fields, reader).settings;
+  }
+
+  void plot() {
+    left.Cls();
+    right.Cls();
+    ApplyPlotAppearance(left, right, settings);
+    const StereoPlot plot{settings, surface, uv, random, {}, true, nullptr};
+    DrawStereoPlot(left, right, plot);
+  }
+};
+
+StereoFields withDots(int xder, int yder) {
+  StereoFields f;
+  f.lines = true;
+  f.dots = true;
+  f.ndots = "5000";
+  f.xder = std::to_string(xder);
+  f.yder = std::to_string(yder);
+  f.accuracy = kAccuracyHigh;
+  return f;
+}
+
+void plotDefault(benchmark::State& state) {
+  StereoWindow w(withDots(0, 0));
+  for (auto _ : state) w.plot();
+}
+
+void plotZxyHigh(benchmark::State& state) {
+  StereoWindow w(withDots(1, 1));
+  for (auto _ : state) w.plot();
+}
+
+// Keeps the fastest repetition's time per iteration, in milliseconds, by benchmark name.
+class Recorder : public benchmark::ConsoleReporter {
+ public:
+  std::map<std::string, double> ms;
+  void ReportRuns(const std::vector<Run>& runs) override {
+    for (const Run& r : runs) {
+      if (r.run_type != Run::RT_Iteration) continue;
+      const std::string name = r.run_name.function_name;
+      const double t = r.GetAdjustedRealTime();
+      if (!ms.count(name) || t < ms[name]) ms[name] = t;
+    }
+    ConsoleReporter::ReportRuns(runs);
+  }
+};
+
+// A plot that drew nothing would be fast for the wrong reason.
+bool drawsTheSurface(const StereoFields& fields) {
+  StereoWindow w(fields);
+  w.plot();
+  const QImage& image = w.right.image();
+  int ink = 0;
+  for (int y = 0; y < image.height(); ++y)
+    for (int x = 0; x < image.width(); ++x) ink += (image.pixel(x, y) & 0xFFFFFF) == 0;
+  if (ink < 3000) std::fprintf(stderr, "only %d pixels of the surface drawn\n", ink);
+  return ink >= 3000;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (!drawsTheSurface(withDots(0, 0)) || !drawsTheSurface(withDots(1, 1))) return 1;
+  benchmark::RegisterBenchmark("plot_5000dots", plotDefault)->Unit(benchmark::kMillisecond);
+  benchmark::RegisterBenchmark("plot_zxy_high_5000dots", plotZxyHigh)->Unit(benchmark::kMillisecond);
+  std::vector<char*> args(argv, argv + argc);
+  std::string repetitions = "--benchmark_repetitions=5";
+  bool given = false;
+  for (int i = 1; i < argc; ++i) given |= std::string(argv[i]).starts_with("--benchmark_repetitions");
+  if (!given) args.push_back(repetitions.data());
+  int count = static_cast<int>(args.size());
+  benchmark::Initialize(&count, args.data());
+  Recorder recorder;
+  benchmark::RunSpecifiedBenchmarks(&recorder);
+  benchmark::Shutdown();
+  for (const char* name : {"plot_5000dots", "plot_zxy_high_5000dots"})
+    if (recorder.ms.count(name)) std::printf("figure stereo.%s %.2f ms\n", name, recorder.ms[name]);
+  return 0;
+}
