@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -52,8 +53,11 @@ struct Fault {
 };
 
 // One record split into its items: quoted strings (with doubled quotes) or bare text.
-std::vector<std::string> splitRecord(std::string_view line) {
+// Only the first `keep` items are kept (a line of commas must not become millions of
+// strings); `found` receives how many there are.
+std::vector<std::string> splitRecord(std::string_view line, size_t keep = SIZE_MAX, size_t* found = nullptr) {
   std::vector<std::string> items;
+  size_t count = 0;
   size_t i = 0;
   while (true) {
     while (i < line.size() && (line[i] == ' ' || line[i] == '\t')) ++i;
@@ -79,11 +83,20 @@ std::vector<std::string> splitRecord(std::string_view line) {
       item = std::string(line.substr(start, i - start));
       while (!item.empty() && (item.back() == ' ' || item.back() == '\t')) item.pop_back();
     }
-    items.push_back(std::move(item));
+    if (items.size() < keep) items.push_back(std::move(item));
+    ++count;
     if (i >= line.size()) break;
     ++i;  // the comma
   }
+  if (found) *found = count;
   return items;
+}
+
+// A text found in the file, as a message quotes it: a line of megabytes is cut short.
+std::string shown(std::string_view text) {
+  constexpr size_t kLongest = 60;
+  if (text.size() <= kLongest) return std::string(text);
+  return std::string(text.substr(0, kLongest)) + "...";
 }
 
 std::vector<std::string> splitLines(const std::string& text) {
@@ -111,12 +124,13 @@ class RecordReader {
     ++lineNo_;
     if (static_cast<size_t>(lineNo_) > lines_.size())
       throw Fault{lineNo_, what + "; the file ends before it"};
-    items_ = splitRecord(lines_[static_cast<size_t>(lineNo_) - 1]);
+    size_t found = 0;
+    items_ = splitRecord(lines_[static_cast<size_t>(lineNo_) - 1], count, &found);
     next_ = 0;
     what_ = what;
-    if (items_.size() != count) {
+    if (found != count) {
       std::ostringstream m;
-      m << what << " (" << count << (count == 1 ? " value" : " values") << "), found " << items_.size();
+      m << what << " (" << count << (count == 1 ? " value" : " values") << "), found " << found;
       // The items that are there are still read, up to the first missing one.
       pendingCountFault_ = m.str();
     } else {
@@ -135,7 +149,7 @@ class RecordReader {
     try {
       return parseStrict(t);
     } catch (const RuntimeError&) {
-      throw Fault{lineNo_, std::string("a number for ") + name + " in " + what_ + ", found \"" + t + "\""};
+      throw Fault{lineNo_, std::string("a number for ") + name + " in " + what_ + ", found \"" + shown(t) + "\""};
     }
   }
   void single(const char* name, std::string& field) {
@@ -263,7 +277,7 @@ void readSettings(RecordReader& r, StereoFields& f, std::vector<std::string>& co
     if (v >= 0 && v <= 1e6 && v == std::floor(v)) n = static_cast<int32_t>(v);
   } catch (const RuntimeError&) {
   }
-  if (n < 0) throw Fault{r.lineNo(), "the number of constants, found \"" + countLine + "\""};
+  if (n < 0) throw Fault{r.lineNo(), "the number of constants, found \"" + shown(countLine) + "\""};
   for (int32_t k = 1; k <= n; ++k)
     constants.push_back(r.wholeLine("constant " + std::to_string(k) + " of " + std::to_string(n)));
 }
@@ -327,21 +341,35 @@ void SaveStereoPictures(Canvas& left, Canvas& right, const std::string& path, bo
     right.SetAutoRedraw(true);
     if (replot) replot();
   }
-  const bool leftSaved = left.SavePicture(path + "_left.bmp");
-  const bool rightSaved = leftSaved && right.SavePicture(path + "_right.bmp");
+  // Both pictures go to temporary files first and are renamed over the targets only
+  // when both were written, so a failure leaves any previous pair as it was.
+  const std::string targets[2] = {path + "_left.bmp", path + "_right.bmp"};
+  const std::string temps[2] = {targets[0] + ".part", targets[1] + ".part"};
+  const bool leftSaved = left.SavePicture(temps[0]);
+  const bool rightSaved = leftSaved && right.SavePicture(temps[1]);
   if (!persist) {
     left.SetAutoRedraw(false);
     right.SetAutoRedraw(false);
   }
-  if (!leftSaved) throw RuntimeError(err::PathFileAccess, "Cannot write \"" + path + "_left.bmp\"");
-  if (!rightSaved) throw RuntimeError(err::PathFileAccess, "Cannot write \"" + path + "_right.bmp\"");
+  auto fail = [&](const std::string& target) {
+    std::error_code ignored;
+    for (const std::string& temp : temps) std::filesystem::remove(temp, ignored);
+    throw RuntimeError(err::PathFileAccess, "Cannot write \"" + target + "\"");
+  };
+  if (!leftSaved) fail(targets[0]);
+  if (!rightSaved) fail(targets[1]);
+  for (int i = 0; i < 2; ++i) {
+    std::error_code ec;
+    std::filesystem::rename(temps[i], targets[i], ec);
+    if (ec) fail(targets[i]);
+  }
 }
 
 StereoImport ParseStereoFile(const std::string& text, const std::string& name, const StereoFields& current) {
   StereoImport result;
   result.fields = current;
   const std::vector<std::string> lines = splitLines(text);
-  if (lines.empty() || splitRecord(lines[0]).front() != kStereoMagic) {
+  if (lines.empty() || splitRecord(lines[0], 1).front() != kStereoMagic) {
     result.status = ImportStatus::Incompatible;
     result.message = kIncompatibleFile;
     return result;

@@ -192,41 +192,48 @@ TEST_F(StereoFileTest, AFailedWriteLeavesThePreviousFileIntact) {
   EXPECT_THROW(WriteStereoFile(path("no/such/dir/x.dup"), StereoSettings{}, {}), RuntimeError);
 }
 
-}  // namespace
-}  // namespace orvane
-
-namespace orvane {
-namespace {
-
-TEST(SaveStereoPictures, RedrawsIntoPersistentImagesWhenPersistIsOff) {
+TEST_F(StereoFileTest, PicturesAreRedrawnIntoPersistentImagesWhenPersistIsOff) {
   struct Row {
     bool persist;
     int replots;
   } rows[] = {{true, 0}, {false, 1}};
   for (const Row& r : rows) {
     testing::StereoPicture left, right;
+    left.name = "L";
+    right.name = "R";
     left.SetAutoRedraw(r.persist);
     right.SetAutoRedraw(r.persist);
     int replots = 0;
-    SaveStereoPictures(left, right, "/x/plot.dup", r.persist, [&] { ++replots; });
+    SaveStereoPictures(left, right, path("plot.dup"), r.persist, [&] { ++replots; });
     EXPECT_EQ(replots, r.replots);
-    EXPECT_EQ(left.describeAll(), std::vector<std::string>{"save \"/x/plot.dup_left.bmp\""});
-    EXPECT_EQ(right.describeAll(), std::vector<std::string>{"save \"/x/plot.dup_right.bmp\""});
+    EXPECT_EQ(slurp(path("plot.dup_left.bmp")), "L");
+    EXPECT_EQ(slurp(path("plot.dup_right.bmp")), "R");
+    EXPECT_FALSE(fs::exists(path("plot.dup_left.bmp.part")));
     EXPECT_EQ(left.persistentAtSave, std::vector<bool>{true});
     EXPECT_EQ(right.persistentAtSave, std::vector<bool>{true});
     EXPECT_EQ(left.AutoRedraw(), r.persist);
     EXPECT_EQ(right.AutoRedraw(), r.persist);
   }
+}
+
+// The right picture fails: neither bitmap of the earlier pair is touched.
+TEST_F(StereoFileTest, AFailedPictureLeavesThePreviousPairIntact) {
+  put(path("p_left.bmp"), "old left");
+  put(path("p_right.bmp"), "old right");
   testing::StereoPicture left, right;
   right.saveFails = true;
   try {
-    SaveStereoPictures(left, right, "/x/p", false, nullptr);
+    SaveStereoPictures(left, right, path("p"), false, nullptr);
     FAIL() << "no error raised";
   } catch (const RuntimeError& e) {
     EXPECT_EQ(e.number(), err::PathFileAccess);
-    EXPECT_NE(std::string(e.description()).find("/x/p_right.bmp"), std::string::npos);
+    EXPECT_NE(std::string(e.description()).find("p_right.bmp"), std::string::npos);
   }
   EXPECT_FALSE(right.AutoRedraw());
+  EXPECT_EQ(slurp(path("p_left.bmp")), "old left");
+  EXPECT_EQ(slurp(path("p_right.bmp")), "old right");
+  EXPECT_FALSE(fs::exists(path("p_left.bmp.part")));
+  EXPECT_THROW(SaveStereoPictures(left, left, path("no/such/dir/p"), true, nullptr), RuntimeError);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 // Test doubles for the stereo routines: an expression reader driven by a table, a
 // surface evaluator driven by lambdas (one per formula text), and a recording picture.
 
+#include <fstream>
 #include <functional>
 #include <map>
 #include <string>
@@ -52,15 +53,21 @@ inline std::vector<CanvasCall> callsOf(const RecordingCanvas& c, CanvasCall::Kin
 }
 
 // A stereo picture, 400 x 400 pixels as designed, that also notes whether its image was
-// persistent when saved, and can be told to fail saving.
+// persistent when saved, writes a small stand-in file (its name) where it saves, and can
+// be told to fail saving.
 class StereoPicture : public RecordingCanvas {
  public:
   StereoPicture() : RecordingCanvas(400, 400) {}
   mutable std::vector<bool> persistentAtSave;
   bool saveFails = false;
+  std::string name = "picture";
   bool SavePicture(const std::string& path) const override {
     persistentAtSave.push_back(AutoRedraw());
-    return RecordingCanvas::SavePicture(path) && !saveFails;
+    RecordingCanvas::SavePicture(path);
+    if (saveFails) return false;
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    out << name;
+    return static_cast<bool>(out);
   }
 };
 

@@ -1,0 +1,31 @@
+#include "stereo/EngineSurface.h"
+
+namespace orvane {
+
+namespace {
+
+void place(Class1& sh, double x, double y, double u, double v) {
+  sh.x = x;
+  sh.y = y;
+  sh.u = u;
+  sh.v = v;
+  sh.ierr = 0;
+}
+
+}  // namespace
+
+double EngineSurface::evaluate(std::string_view formula, double x, double y, double u, double v) {
+  place(sh_, x, y, u, v);
+  const double value = engine_.Eval(formula);
+  if (sh_.ierr != 0) throw RuntimeError(sh_.ierr);
+  return value;
+}
+
+int32_t EngineSurface::tryEvaluate(std::string_view formula, double x, double y, double u, double v,
+                                   double& value) {
+  place(sh_, x, y, u, v);
+  if (const int32_t number = engine_.TryEval(formula, value)) return number;
+  return sh_.ierr;
+}
+
+}  // namespace orvane

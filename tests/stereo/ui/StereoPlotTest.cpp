@@ -1,0 +1,544 @@
+// The stereo window driven through its controls: plotting, the view buttons, the
+// derivative surfaces, constants, export and import, printing, copying and closing.
+
+#include <QAction>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFile>
+#include <QGroupBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QtTest>
+#include <functional>
+#include <memory>
+
+#include "platform/ScriptedDialogs.h"
+#include "platform/ui/PictureBox.h"
+#include "platform/ui/TextBox.h"
+#include "regression/Workbench.h"
+#include "stereo/ui/frmStereoPlot.h"
+
+using namespace orvane;
+
+namespace {
+
+// Scripted dialogs whose event pump can run a piece of the test in the middle of a plot;
+// the hook gets the number of the DoEvents call (1 for the first).
+class PumpingDialogs : public ScriptedDialogs {
+ public:
+  std::function<void(int)> onDoEvents;
+  void DoEvents() override {
+    ScriptedDialogs::DoEvents();
+    if (onDoEvents) onDoEvents(doEvents());
+  }
+};
+
+QRgb rgb(int r, int g, int b) { return qRgb(r, g, b); }
+
+int countPixels(const QImage& image, QRgb color) {
+  int n = 0;
+  for (int y = 0; y < image.height(); ++y) {
+    const auto* line = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+    for (int x = 0; x < image.width(); ++x) n += (line[x] & 0xFFFFFF) == (color & 0xFFFFFF);
+  }
+  return n;
+}
+
+int differingPixels(const QImage& a, const QImage& b) {
+  if (a.size() != b.size()) return a.width() * a.height();
+  int n = 0;
+  for (int y = 0; y < a.height(); ++y)
+    for (int x = 0; x < a.width(); ++x) n += a.pixel(x, y) != b.pixel(x, y);
+  return n;
+}
+
+QString fileText(const QString& path) {
+  QFile f(path);
+  if (!f.open(QIODevice::ReadOnly)) return {};
+  return QString::fromUtf8(f.readAll());
+}
+
+void writeFile(const QString& path, const QByteArray& text) {
+  QFile f(path);
+  QVERIFY(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+  f.write(text);
+}
+
+struct Fixture {
+  Workbench workbench;
+  PumpingDialogs dialogs;
+  std::unique_ptr<frmStereoPlot> form;
+
+  explicit Fixture(bool fitted = true) {
+    workbench.fitted = fitted;
+    workbench.startDirectory = "/nonexistent/start";
+    // Two variables, three data sets: (1, 1, 0.5), (-1, 0.5, -1), (0, 0, 1).
+    RegressionProblem& p = workbench.problem;
+    p.m = 2;
+    p.N = 3;
+    p.dimensionData();
+    const double data[3][3] = {{1, 1, 0.5}, {-1, 0.5, -1}, {0, 0, 1}};
+    for (int i = 1; i <= 3; ++i)
+      for (int j = 1; j <= 3; ++j) p.X(j, i) = data[i - 1][j - 1];
+    form = std::make_unique<frmStereoPlot>(workbench, dialogs);
+  }
+
+  template <class T>
+  T* find(const QString& name) const {
+    T* w = form->findChild<T*>(name);
+    if (!w) qFatal("no control %s", qPrintable(name));
+    return w;
+  }
+  TextBox* txt(const QString& name) const { return find<TextBox>(name); }
+  QString textOf(const QString& name) const { return txt(name)->text(); }
+  void set(const QString& name, const QString& value) const { txt(name)->setText(value); }
+  void click(const QString& name) const { find<QPushButton>(name)->click(); }
+  void trigger(const QString& name) const { find<QAction>(name)->trigger(); }
+  QImage image(int index) const {
+    return find<PictureBox>(QStringLiteral("pic(%1)").arg(index))->imageCanvas().image();
+  }
+  QStringList messages() const {
+    QStringList out;
+    for (const auto& m : dialogs.messages()) out << QString::fromStdString(m.prompt);
+    return out;
+  }
+};
+
+constexpr QRgb kBlack = 0x000000, kWhite = 0xFFFFFF;
+
+}  // namespace
+
+class StereoPlotTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void opensWithTheDefaults() {
+    Fixture f;
+    QCOMPARE(f.form->windowTitle(), QString("Stereo Plot"));
+    QCOMPARE(f.textOf("txtEquationZ"), QString("(x-1)*x*(x+1)*(y-1)*y*(y+1)*5"));
+    QCOMPARE(f.textOf("txtWindowlx"), QString("-2.5"));
+    QCOMPARE(f.textOf("txtNdots"), QString("5000"));
+    QCOMPARE(f.textOf("txtStepRotZ"), QString("5"));
+    QVERIFY(f.find<QRadioButton>("OptAccuracy(1)")->isChecked());  // "High"
+    QVERIFY(f.find<QRadioButton>("optBackclr(0)")->isChecked());   // "White"
+    QCOMPARE(f.find<QComboBox>("cboConstants")->currentText(), QString("Example: a=2.37"));
+    QCOMPARE(f.find<QPushButton>("cmdExit")->text(), QString("E&xit"));
+    QCOMPARE(f.find<QPushButton>("cmdIncRotX")->toolTip(), QString("Add the number of degrees show on the right"));
+    QCOMPARE(f.image(0).size(), QSize(400, 400));
+    QCOMPARE(f.image(1).size(), QSize(400, 400));
+  }
+
+  void plotDrawsAStereoPair_data() {
+    QTest::addColumn<bool>("fitted");
+    QTest::addColumn<int>("background");
+    QTest::newRow("surface on white") << true << 0;
+    QTest::newRow("surface on black") << true << 1;
+    QTest::newRow("no fit: frame, axes and data only") << false << 0;
+  }
+  void plotDrawsAStereoPair() {
+    QFETCH(bool, fitted);
+    QFETCH(int, background);
+    Fixture f(fitted);
+    f.find<QRadioButton>(QStringLiteral("optBackclr(%1)").arg(background))->setChecked(true);
+    f.click("cmdPlot");
+
+    QCOMPARE(f.dialogs.beeps(), 1);
+    QCOMPARE(f.dialogs.busyCalls(), std::vector<bool>({true, false}));
+    const QRgb back = background == 0 ? kWhite : kBlack, mesh = background == 0 ? kBlack : kWhite;
+    const QRgb axes = background == 0 ? rgb(0, 128, 0) : rgb(0, 255, 0);
+    const QRgb mark = background == 0 ? rgb(0, 0, 255) : rgb(255, 255, 0);
+    for (int i = 0; i < 2; ++i) {
+      const QImage image = f.image(i);
+      QCOMPARE(image.pixel(120, 3) & 0xFFFFFF, back);
+      QVERIFY(countPixels(image, axes) > 100);
+      QVERIFY(countPixels(image, rgb(255, 0, 0)) > 10);  // the origin
+      QVERIFY(countPixels(image, mark) > 5);             // the three data sets
+      QVERIFY(countPixels(image, rgb(192, 192, 0)) > 1000);  // the border
+      if (fitted)
+        QVERIFY(countPixels(image, mesh) > 500);
+      else
+        QCOMPARE(countPixels(image, mesh), 0);
+    }
+    // The left picture carries the stereo shift.
+    QVERIFY(differingPixels(f.image(0), f.image(1)) > 100);
+    QVERIFY(f.messages().isEmpty());
+  }
+
+  void engineErrorIsShownOncePerCommand_data() {
+    QTest::addColumn<QString>("equation");
+    QTest::addColumn<int>("messagesPerPlot");
+    QTest::newRow("unknown name") << "q*x" << 1;
+    QTest::newRow("division by zero is silent") << "1/(x-x)" << 0;
+    QTest::newRow("domain error of the math object is silent") << "Asin(2+x)" << 0;
+  }
+  void engineErrorIsShownOncePerCommand() {
+    QFETCH(QString, equation);
+    QFETCH(int, messagesPerPlot);
+    Fixture f;
+    f.set("txtEquationZ", equation);
+    f.find<QCheckBox>("chkDots")->setChecked(true);
+    f.click("cmdPlot");
+    QCOMPARE(f.messages().size(), messagesPerPlot);
+    f.click("cmdPlot");
+    QCOMPARE(f.messages().size(), 2 * messagesPerPlot);
+    QCOMPARE(f.dialogs.beeps(), 2);
+    // No surface, the rest of the picture as usual.
+    QCOMPARE(countPixels(f.image(1), kBlack), 0);
+  }
+
+  void stepButtonsRewriteFieldsWithoutPlotting() {
+    Fixture f;
+    f.click("cmdIncWindX");
+    f.click("cmdDecRotZ");
+    f.click("cmdIncTranY");
+    f.click("cmdDecRangYV");
+    QCOMPARE(f.textOf("txtWindowlx"), QString("-3"));
+    QCOMPARE(f.textOf("txtWindowgx"), QString("3"));
+    QCOMPARE(f.textOf("txtZrot"), QString("-5"));
+    QCOMPARE(f.textOf("txtYtr"), QString("1"));
+    QCOMPARE(f.textOf("txtRangelyv"), QString("-0.5"));
+    QCOMPARE(f.dialogs.beeps(), 0);
+  }
+
+  void rotationTurnsThePicture() {
+    Fixture f;
+    f.click("cmdPlot");
+    const QImage straight = f.image(1);
+    for (int k = 0; k < 6; ++k) f.click("cmdIncRotZ");
+    QCOMPARE(f.textOf("txtZrot"), QString("30"));
+    f.click("cmdPlot");
+    QVERIFY(differingPixels(straight, f.image(1)) > 200);
+    for (int k = 0; k < 6; ++k) f.click("cmdDecRotZ");
+    f.click("cmdPlot");
+    QCOMPARE(differingPixels(straight, f.image(1)), 0);
+  }
+
+  void zoomButtonsRewriteTheWindowAndReplot_data() {
+    QTest::addColumn<QString>("button");
+    QTest::addColumn<QStringList>("window");
+    QTest::newRow("octant 3") << "cmdZoomQ3" << QStringList{"-2.5", "0", "-2", "0", "0", "1.5"};
+    QTest::newRow("zoom in") << "cmdZoomIn" << QStringList{"-1.25", "1.25", "-1", "1", "-0.75", "0.75"};
+    QTest::newRow("pan right") << "cmdPanRight" << QStringList{"-2.5", "2.5", "-1.5", "2.5", "-1.5", "1.5"};
+    QTest::newRow("pan in") << "cmdPanIn" << QStringList{"-3.125", "1.875", "-2", "2", "-1.5", "1.5"};
+  }
+  void zoomButtonsRewriteTheWindowAndReplot() {
+    QFETCH(QString, button);
+    QFETCH(QStringList, window);
+    Fixture f;
+    f.click(button);
+    const QStringList names{"txtWindowlx", "txtWindowgx", "txtWindowly", "txtWindowgy", "txtWindowlz", "txtWindowgz"};
+    QStringList shown;
+    for (const QString& n : names) shown << f.textOf(n);
+    QCOMPARE(shown, window);
+    QCOMPARE(f.dialogs.beeps(), 1);
+  }
+
+  // Zx by the five-point formula is exact for a cubic in x: the same picture as the
+  // derivative typed out.
+  void derivativeSurfaceAtHighAccuracy() {
+    Fixture f;
+    f.set("txtXder", "1");
+    f.click("cmdPlot");
+    const QImage numerical = f.image(1);
+    f.set("txtXder", "0");
+    f.set("txtEquationZ", "5*(3*x*x-1)*(y-1)*y*(y+1)");
+    f.click("cmdPlot");
+    const QImage exact = f.image(1);
+    // Rounding moves a few pixels of the long steep segments, nothing more.
+    QVERIFY(differingPixels(numerical, exact) < 600);
+    f.set("txtEquationZ", "(x-1)*x*(x+1)*(y-1)*y*(y+1)*5");
+    f.click("cmdPlot");
+    QVERIFY(differingPixels(f.image(1), exact) > 3000);
+  }
+
+  // Near the end of the domain the five-point formula reaches beyond it (x + 2h) where
+  // the three-point one does not: the curve at x = 1 is drawn at "Med" only.
+  void accuracyOptionChoosesTheFormula() {
+    Fixture f;
+    f.set("txtEquationZ", "Sqr(1.03-x)");
+    f.set("txtXder", "1");
+    f.click("cmdPlot");
+    const int high = countPixels(f.image(1), kBlack);
+    f.find<QRadioButton>("OptAccuracy(0)")->setChecked(true);
+    f.click("cmdPlot");
+    const int med = countPixels(f.image(1), kBlack);
+    QVERIFY2(med > high + 100, qPrintable(QString("med %1, high %2").arg(med).arg(high)));
+    QVERIFY(f.messages().isEmpty());
+  }
+
+  void aSettingWithoutValueIsReportedAndThePlotGoesOn() {
+    Fixture f;
+    f.set("txtWindowgz", "zz");
+    f.click("cmdPlot");
+    QCOMPARE(f.messages().size(), 1);
+    QCOMPARE(f.dialogs.beeps(), 1);
+    QVERIFY(countPixels(f.image(1), kBlack) > 500);  // drawn with the window it had
+  }
+
+  void parametricSwitchChangesTheForm() {
+    Fixture f;
+    auto* chk = f.find<QCheckBox>("chkParametric");
+    auto shown = [&](const char* name) { return f.find<QWidget>(name)->isVisibleTo(f.form.get()); };
+    QVERIFY(!shown("txtEquationX"));
+    QVERIFY(shown("FraDer"));
+    chk->click();
+    QCOMPARE(f.find<QLabel>("lblZ")->text(), QString("z(u,v)="));
+    QCOMPARE(f.find<QLabel>("lblxu")->text(), QString("<=u<="));
+    QCOMPARE(f.find<QLabel>("lblSegsyv")->text(), QString("v:"));
+    QCOMPARE(f.txt("txtEquationZ")->toolTip(), QString("Function must be entered in terms of \"u\" and \"v\""));
+    QVERIFY(shown("txtEquationX") && shown("lblY"));
+    QVERIFY(!shown("FraDer") && !shown("fraAccuracy"));
+    QCOMPARE(f.dialogs.beeps(), 0);
+    chk->click();
+    QCOMPARE(f.find<QLabel>("lblyv")->text(), QString("<=y<="));
+    QVERIFY(!shown("lblX") && shown("fraAccuracy"));
+  }
+
+  void fieldsRefuseBadEntries_data() {
+    QTest::addColumn<QString>("field");
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<bool>("accepted");
+    QTest::newRow("spacings 2.5") << "txtSpacexu" << "2.5" << false;
+    QTest::newRow("spacings 3") << "txtSpacexu" << "3" << true;
+    QTest::newRow("segments 0") << "txtSegsyv" << "0" << false;
+    QTest::newRow("dots 1") << "txtNdots" << "1" << true;
+    QTest::newRow("reference lines 0") << "txtGrid" << "0" << true;
+    QTest::newRow("reference lines -1") << "txtGrid" << "-1" << false;
+    QTest::newRow("reduction 1.5") << "txtReduce" << "1.5" << false;
+    QTest::newRow("reduction 1/2") << "txtReduce" << "1/2" << true;
+    QTest::newRow("x order 3") << "txtXder" << "3" << false;
+    QTest::newRow("y order 2") << "txtYder" << "2" << true;
+  }
+  void fieldsRefuseBadEntries() {
+    QFETCH(QString, field);
+    QFETCH(QString, value);
+    QFETCH(bool, accepted);
+    Fixture f;
+    f.set(field, value);
+    QCOMPARE(f.txt(field)->validateNow(), accepted);
+    QVERIFY(f.messages().isEmpty());
+  }
+
+  void limitPairsSendTheFocusToTheOtherLimit_data() {
+    QTest::addColumn<QString>("field");
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<QString>("focusTo");
+    QTest::newRow("range lower above upper") << "txtRangelxu" << "2" << "txtRangegxu";
+    QTest::newRow("range equal limits pass") << "txtRangelxu" << "1" << "";
+    QTest::newRow("range upper below lower") << "txtRangegyv" << "-3" << "txtRangelyv";
+    QTest::newRow("window equal limits refused") << "txtWindowlz" << "1.5" << "txtWindowgz";
+    QTest::newRow("window upper as an expression") << "txtWindowgx" << "pi" << "";
+    QTest::newRow("orders summing to 3") << "txtXder" << "2" << "txtYder";
+  }
+  void limitPairsSendTheFocusToTheOtherLimit() {
+    QFETCH(QString, field);
+    QFETCH(QString, value);
+    QFETCH(QString, focusTo);
+    Fixture f;
+    f.set("txtYder", "1");
+    f.form->show();
+    QVERIFY(QTest::qWaitForWindowActive(f.form.get()));
+    f.txt(field)->setFocus(Qt::TabFocusReason);
+    f.set(field, value);
+    f.find<QPushButton>("cmdAddCons")->setFocus(Qt::TabFocusReason);
+    QCoreApplication::processEvents();
+    QWidget* expected = focusTo.isEmpty() ? f.find<QWidget>("cmdAddCons") : f.find<QWidget>(focusTo);
+    QCOMPARE(QApplication::focusWidget(), expected);
+    QVERIFY(f.messages().isEmpty());
+  }
+
+  void userConstantsReachTheFormulas() {
+    Fixture f;
+    auto* cbo = f.find<QComboBox>("cboConstants");
+    for (const char* typed : {"a=1", "2a=1", "a b=1", "b=2*a", "b=3*a"}) {
+      cbo->setEditText(typed);
+      f.click("cmdAddCons");
+    }
+    QStringList entries;
+    for (int i = 0; i < cbo->count(); ++i) entries << cbo->itemText(i);
+    QCOMPARE(entries, QStringList({"a=1", "b=3*a"}));
+    // The plot registers them in list order, so b sees a.
+    f.set("txtEquationZ", "b*x*y");
+    f.click("cmdPlot");
+    QVERIFY(f.messages().isEmpty());
+    QVERIFY(countPixels(f.image(1), kBlack) > 500);
+    cbo->setEditText("b=3*a");
+    f.click("cmdRemCons");
+    QCOMPARE(cbo->count(), 1);
+    // b is now 0: the surface is the plane z = 0, still drawn, without a message.
+    f.click("cmdPlot");
+    QVERIFY(f.messages().isEmpty());
+  }
+
+  void exportThenImportRestoresTheSettings() {
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    const QString path = dir.filePath("surface.dup");
+    Fixture f;
+    f.set("txtXrot", "30");
+    f.set("txtGrid", "4");
+    f.set("txtYder", "2");
+    f.find<QRadioButton>("optBackclr(1)")->setChecked(true);
+    auto* cbo = f.find<QComboBox>("cboConstants");
+    cbo->setEditText("k=2.37");
+    f.click("cmdAddCons");
+    f.click("cmdPlot");
+    f.dialogs.queueSaveFileName(path.toStdString());
+    f.trigger("mnuSaveAs");
+
+    QVERIFY(QFile::exists(path + "_left.bmp"));
+    QVERIFY(QFile::exists(path + "_right.bmp"));
+    QVERIFY(!QFile::exists(path + ".part"));
+    const QString written = fileText(path);
+    QVERIFY(written.startsWith("\"STEREO\",0\r\n\"(x-1)*x*(x+1)*(y-1)*y*(y+1)*5\"\r\n"));
+    QVERIFY(written.contains("\r\n1,4\r\n 1 \r\nk=2.37\r\n"));
+    QCOMPARE(QString::fromStdString(f.form->fileName()), path);
+
+    // Export again: no dialog, the same file.
+    const size_t dialogsBefore = f.dialogs.fileDialogs().size();
+    f.trigger("mnuSave");
+    QCOMPARE(f.dialogs.fileDialogs().size(), dialogsBefore);
+
+    Fixture g;
+    g.find<QCheckBox>("chkParametric")->click();
+    g.dialogs.queueOpenFileName(path.toStdString());
+    g.trigger("mnuOpen");
+    QVERIFY(g.messages().isEmpty());
+    QCOMPARE(g.textOf("txtXrot"), QString("30"));
+    QCOMPARE(g.textOf("txtGrid"), QString("4"));
+    QCOMPARE(g.textOf("txtXder"), QString("0"));
+    QCOMPARE(g.textOf("txtYder"), QString("2"));
+    QVERIFY(g.find<QRadioButton>("optBackclr(1)")->isChecked());
+    QVERIFY(!g.find<QCheckBox>("chkParametric")->isChecked());
+    QCOMPARE(g.find<QLabel>("lblZ")->text(), QString("z(x,y)="));
+    auto* imported = g.find<QComboBox>("cboConstants");
+    QCOMPARE(imported->count(), 1);
+    QCOMPARE(imported->itemText(0), QString("k=2.37"));
+  }
+
+  void importRefusesOtherFiles_data() {
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QString>("message");
+    QTest::addColumn<QString>("equationX");  // after the import
+    QTest::addColumn<bool>("parametric");
+    QTest::newRow("not a stereo file") << QByteArray("\"CURVIX\",0\r\n") << "Incompatible file" << "v" << false;
+    QTest::newRow("empty file") << QByteArray() << "Incompatible file" << "v" << false;
+    QTest::newRow("no such file") << QByteArray("<missing>") << "Cannot open" << "v" << false;
+    QTest::newRow("ends after the equations")
+        << QByteArray("\"STEREO\",1\r\n\"cos(u)\",\"sin(v)\"\r\n\"u*v\"\r\n") << "line 4" << "cos(u)" << true;
+    QTest::newRow("text where a number belongs")
+        << QByteArray("\"STEREO\",0\r\n\"x*y\"\r\n1,0,1,abc,5\r\n") << "line 3" << "v" << false;
+  }
+  void importRefusesOtherFiles() {
+    QFETCH(QByteArray, content);
+    QFETCH(QString, message);
+    QFETCH(QString, equationX);
+    QFETCH(bool, parametric);
+    QTemporaryDir dir;
+    const QString path = dir.filePath("in.dup");
+    if (content != "<missing>") writeFile(path, content);
+    Fixture f;
+    f.dialogs.queueOpenFileName(path.toStdString());
+    f.trigger("mnuOpen");
+    QCOMPARE(f.messages().size(), 1);
+    QVERIFY2(f.messages()[0].contains(message), qPrintable(f.messages()[0]));
+    QCOMPARE(f.textOf("txtEquationX"), equationX);
+    QCOMPARE(f.find<QCheckBox>("chkParametric")->isChecked(), parametric);
+    QCOMPARE(f.find<QLabel>("lblZ")->text(), parametric ? QString("z(u,v)=") : QString("z(x,y)="));
+    QVERIFY(f.form->fileName().empty());
+  }
+
+  void printSendsBothPicturesAndTheSettings() {
+    Fixture f;
+    f.set("txtXder", "1");
+    f.set("txtYder", "1");
+    f.click("cmdPlot");
+    f.trigger("mnuPrint");
+    RecordingPrinterPage& page = f.dialogs.printer();
+    QCOMPARE(page.endDocCount(), 1);
+    QCOMPARE(page.pictures().size(), size_t{2});
+    QCOMPARE(page.pictures()[1].left, 5985.0);
+    const auto texts = page.texts();
+    QVERIFY(std::find(texts.begin(), texts.end(), "   CURRENT PARTIAL DERIVATIVE: [Zxy]") != texts.end());
+    QVERIFY(std::find(texts.begin(), texts.end(), "                     X-WINDOW: [-2.5 , 2.5 ]") != texts.end());
+    QCOMPARE(page.FontName(), std::string("Arial"));  // the printer's font is given back
+  }
+
+  void copyBothPicturesAtTheirSize() {
+    Fixture f;
+    f.trigger("mnuCopyLeft");
+    f.trigger("mnuCopyRight");
+    f.set("txtReduce", "0.5");
+    f.click("cmdPlot");
+    f.trigger("mnuCopyRight");
+    using Sizes = std::vector<std::pair<int, int>>;
+    QCOMPARE(f.dialogs.copiedPictures(), Sizes({{400, 400}, {400, 400}, {200, 200}}));
+    // The left picture keeps its right edge, the right one its left edge.
+    const QRect left = f.find<PictureBox>("pic(0)")->geometry();
+    const QRect right = f.find<PictureBox>("pic(1)")->geometry();
+    QCOMPARE(left, QRect(200, 0, 200, 200));
+    QVERIFY(right.left() > 400);
+    QCOMPARE(right.size(), QSize(200, 200));
+  }
+
+  void helpOpensTheStereoHelpFile() {
+    Fixture f;
+    f.trigger("mnuHelp");
+    QCOMPARE(f.dialogs.helpRequests(), std::vector<std::string>({"/nonexistent/start/deptrix.hlp"}));
+    QVERIFY(f.messages().value(0).startsWith("Cannot find the help file"));
+  }
+
+  void exitEmitsUnloaded() {
+    Fixture f;
+    f.form->show();
+    QSignalSpy unloaded(f.form.get(), &frmStereoPlot::unloaded);
+    f.click("cmdExit");
+    QCOMPARE(unloaded.count(), 1);
+    QVERIFY(!f.form->isVisible());
+  }
+
+  // The window yields while it draws: a second plot, an export and a close arriving then
+  // wait for the plot to end.
+  void commandsDuringAPlotWaitForIt() {
+    Fixture f;
+    f.form->show();
+    QSignalSpy unloaded(f.form.get(), &frmStereoPlot::unloaded);
+    // Three DoEvents calls per plot: after sizing, before the surface, between the
+    // two families of curves.
+    f.dialogs.onDoEvents = [&](int call) {
+      QVERIFY(f.form->plotting());
+      if (call == 1) {
+        f.click("cmdPlot");
+        f.click("cmdZoomIn");
+      } else if (call == 4) {
+        f.form->close();
+        QCOMPARE(unloaded.count(), 0);
+      }
+    };
+    f.click("cmdPlot");
+    QCOMPARE(f.dialogs.beeps(), 2);  // the first plot and one queued replot
+    QCOMPARE(f.textOf("txtWindowgx"), QString("1.25"));
+    QCOMPARE(unloaded.count(), 1);
+    QVERIFY(!f.form->plotting());
+  }
+
+  void exportDuringAPlotRunsAfterIt() {
+    QTemporaryDir dir;
+    const QString path = dir.filePath("later.dup");
+    Fixture f;
+    f.dialogs.queueSaveFileName(path.toStdString());
+    f.dialogs.onDoEvents = [&](int call) {
+      if (call == 1) f.trigger("mnuSaveAs");
+    };
+    f.click("cmdPlot");
+    QVERIFY(!QFile::exists(path));
+    QTRY_VERIFY(QFile::exists(path));
+    QVERIFY(QFile::exists(path + "_right.bmp"));
+  }
+};
+
+QTEST_MAIN(StereoPlotTest)
+#include "StereoPlotTest.moc"
