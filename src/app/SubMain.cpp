@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cmath>
 
+#include "app/PlotWindows.h"
 #include "app/frmAbout.h"
 #include "platform/Dialogs.h"
 #include "regression/ui/frmOrvane.h"
@@ -36,6 +37,7 @@ bool SubMain::Start() {
   main_ = std::make_unique<frmOrvane>(dialogs_);
   connect(main_.get(), &frmOrvane::aboutRequested, this, &SubMain::mnuAbout_Click);
   connect(main_.get(), &frmOrvane::unloaded, this, &SubMain::frmOrvane_Unload);
+  ConnectPlotWindows(*main_, dialogs_);
   main_->show();
   return true;
 }
