@@ -1,0 +1,256 @@
+// eval, fit and report through the executable: the window texts they print, the CSV
+// reader's handling of real-world files, the file pair written by --save, and the
+// accuracy of the fit against NIST's certified values.
+
+#include <gtest/gtest.h>
+
+#include <QTemporaryDir>
+#include <cmath>
+#include <filesystem>
+
+#include "batch/BatchSupport.h"
+#include "platform/NumberText.h"
+#include "regression/RegressionFile.h"
+#include "regression/Solver.h"
+
+namespace orvane::testing {
+namespace {
+
+struct EvalCase {
+  std::vector<std::string> args;
+  int status;
+  std::string out;  // the whole standard output
+  std::string err;  // the whole standard error, or a prefix when it ends in "*"
+};
+
+TEST(BatchEval, PrintsValuesAndEngineErrors) {
+  const std::vector<EvalCase> cases = {
+      {{"--", "-2^2"}, 0, "-4\n", ""},
+      {{"-2^2"}, 0, "-4\n", ""},
+      {{"2^3^2"}, 0, "64\n", ""},
+      {{"--x", "3", "x^2"}, 0, "9\n", ""},
+      {{"--y", "2", "--u", "3", "--v", "4", "y*100+u*10+v"}, 0, "234\n", ""},
+      {{"Asin(1)"}, 0, "1.5707963267949\n", ""},
+      {{"Asin(0.5)"}, 0, "0.523598775598299\n", ""},
+      {{"1", "+", "2"}, 0, "3\n", ""},
+      {{"1E-05*1"}, 0, "1E-05\n", ""},
+      {{"--const", "a=2.37", "--const", "b=2*a", "b"}, 0, "4.74\n", ""},
+      {{"--const", "a=1", "--const", "a=2", "a"}, 0, "2\n", ""},
+      {{"--const", "c=pi/2", "c=halfpi"}, 0, "-1\n", ""},
+      // Domain errors come back through the math object's error field.
+      {{"Asin(2)"}, 1, "", "error 5: Invalid procedure call or argument\n"},
+      {{"Atanh(1)"}, 1, "", "error 11: Division by zero\n"},
+      {{"Tanh(800)"}, 1, "", "error 6: Overflow\n"},
+      {{"1/0"}, 1, "", "error 11: Division by zero\n"},
+      // Shown once, not once by the engine's event and again by the command.
+      {{"foo+1"}, 1, "", "error 500: Variable is undefined: 'foo'\n"},
+      {{"--const", "2a=1", "1"}, 1, "", "orvane-batch eval: --const: *"},
+      {{"--x", "abc", "x"}, 1, "", "orvane-batch eval: --x: not a number: \"abc\"\n"},
+      {{"--x"}, 1, "", "orvane-batch eval: --x needs 1 value\n"},
+      {{}, 1, "", "orvane-batch eval: missing EXPR\n"},
+  };
+  for (const EvalCase& c : cases) {
+    std::vector<std::string> args = {"eval"};
+    args.insert(args.end(), c.args.begin(), c.args.end());
+    const BatchRun run = runBatch(args);
+    SCOPED_TRACE(c.args.empty() ? std::string("(none)") : c.args.back());
+    EXPECT_EQ(run.status, c.status);
+    EXPECT_EQ(run.out, c.out);
+    if (!c.err.empty() && c.err.back() == '*')
+      EXPECT_EQ(run.err.substr(0, c.err.size() - 1), c.err.substr(0, c.err.size() - 1));
+    else
+      EXPECT_EQ(run.err, c.err);
+  }
+}
+
+TEST(BatchCommandLine, HelpForEveryCommandAndClearUsageErrors) {
+  for (const std::string command : {"eval", "fit", "report", "study", "plot2d", "stereo"}) {
+    const BatchRun run = runBatch({command, "--help"});
+    EXPECT_EQ(run.status, 0) << command;
+    EXPECT_EQ(run.out.rfind("Usage: orvane-batch " + command, 0), 0u) << command;
+    EXPECT_EQ(run.err, "");
+  }
+  const BatchRun top = runBatch({"--help"});
+  EXPECT_EQ(top.status, 0);
+  EXPECT_NE(top.out.find("stereo"), std::string::npos);
+
+  const BatchRun none = runBatch({});
+  EXPECT_EQ(none.status, 1);
+  EXPECT_EQ(none.out, "");
+  EXPECT_NE(none.err.find("Usage:"), std::string::npos);
+
+  const BatchRun unknown = runBatch({"frobnicate"});
+  EXPECT_EQ(unknown.status, 1);
+  EXPECT_NE(unknown.err.find("unknown command \"frobnicate\""), std::string::npos);
+
+  const BatchRun badOption = runBatch({"fit", "--bogus", "x.csv"});
+  EXPECT_EQ(badOption.status, 1);
+  EXPECT_EQ(badOption.err, "orvane-batch fit: unknown option --bogus\n");
+
+  const BatchRun twice = runBatch({"study", "x", "--error", "1", "--error", "2", "roots"});
+  EXPECT_EQ(twice.status, 1);
+  EXPECT_EQ(twice.err, "orvane-batch study: --error is given more than once\n");
+}
+
+class BatchFiles : public ::testing::Test {
+ protected:
+  std::string path(const std::string& name) const { return dir.filePath(QString::fromStdString(name)).toStdString(); }
+  std::string csv(const std::string& name, const std::string& bytes) const {
+    writeFile(path(name), bytes);
+    return path(name);
+  }
+  QTemporaryDir dir;
+};
+
+// The results list of lstCoeff, written out as the window shows it.
+const std::vector<std::string> kLineListing = {
+    "              CORRELATION COEFFICIENT=0.962708943886104",
+    "STANDARD ERROR OF ESTIMATE (UNBIASED)=0.733143914930759",
+    "                    SUM (RESIDUALS)^2=1.075",
+    "           AVERAGE OF FUNCTION(GIVEN)=5.875",
+    "       AVERAGE OF FUNCTION(ESTIMATED)=5.875",
+    "",
+    "COEFFICIENTS:",
+    "A0=1.75",
+    "A1=1.65",
+};
+
+TEST_F(BatchFiles, CsvWithQuotedNamesBlankLinesAndCrLfGivesTheWindowsListing) {
+  const std::string plain = csv("plain.csv", "y,x\n3.5,1\n4.5,2\n7.5,3\n8,4\n");
+  const std::string messy =
+      csv("messy.txt", "\xEF\xBB\xBF\"y\" , \"x\"\r\n\r\n 3.5 ,1\r\n   \r\n4.5,\"2\"\r\n7.5,3\r\n8,4\r\n\r\n");
+  for (const std::string& file : {plain, messy}) {
+    const BatchRun run = runBatch({"fit", file});
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.outLines(), kLineListing) << file;
+  }
+}
+
+TEST_F(BatchFiles, BadCsvFilesNameTheFileAndTheLine) {
+  struct Case {
+    std::string bytes;
+    std::string expected;  // after "<file>, "
+  };
+  const std::vector<Case> cases = {
+      {"y,x\r\n1,2\r\n\r\n2,abc\r\n3,4\r\n", "line 4: expected a number in column 2 (x), not \"abc\".\n"},
+      {"y,x\n1,2\n2,3,4\n3,4\n", "line 3: expected 2 numbers separated by \",\", found 3 fields.\n"},
+      {"y,x\n1,2\n2,\n3,4\n", "line 3: expected a number in column 2 (x), not \"\".\n"},
+      {"y,x\n1,2\n2,3\n", "line 3: expected at least 3 data sets, found 2.\n"},
+      {"", "line 1: expected a header line naming the columns.\n"},
+      {"y\n1\n2\n3\n", "line 1: expected a header naming the dependent variable and at least one "
+                       "independent variable, separated by \",\".\n"},
+      {"\"ozone ppb\",x\n1,2\n", "line 1: expected a dependent-variable name made of a letter followed by "
+                                 "letters and digits, not \"ozone ppb\".\n"},
+      {"y,\"a,b\"\n1,2\n", "line 1: expected a name for column 2 without \",\" or quotes, not \"a,b\".\n"},
+      {"y,\"x\n1,2\n", "line 1: expected a closing quote.\n"},
+      {"y,x\n1,nan\n2,3\n3,4\n", "line 2: expected a number in column 2 (x), not \"nan\".\n"},
+  };
+  for (const Case& c : cases) {
+    const std::string file = csv("bad.csv", c.bytes);
+    const BatchRun run = runBatch({"fit", file});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.out, "");
+    EXPECT_EQ(run.err, file + ", " + c.expected);
+  }
+  const BatchRun missing = runBatch({"fit", path("none.csv")});
+  EXPECT_EQ(missing.status, 1);
+  EXPECT_EQ(missing.err, path("none.csv") + ": cannot be opened.\n");
+}
+
+TEST_F(BatchFiles, SingularSystemsPrintTheWindowsMessage) {
+  const BatchRun dependent = runBatch({"fit", csv("dep.csv", "y,x1,x2\n1,1,1\n2,2,2\n3,3,3\n4,4,4\n")});
+  EXPECT_EQ(dependent.status, 1);
+  EXPECT_EQ(dependent.outLines(), std::vector<std::string>{"YIELDS LINEARLY DEPENDENT SYSTEM"});
+}
+
+TEST_F(BatchFiles, SavedPairOpensWithTheSameListing) {
+  const std::string source = csv("data.csv", "yield,temp,\"pressure\"\r\n1,2,3\r\n2,3,5\r\n3,5,7.5\r\n4,4,-1\r\n");
+  const std::string spec = path("saved.txt");
+  const BatchRun fit = runBatch({"fit", source, "--save", spec});
+  ASSERT_EQ(fit.status, 0) << fit.err;
+
+  // What the regression window's Open reads.
+  const RegressionProblem opened = ReadRegressionFiles(spec);
+  EXPECT_TRUE(opened.computed);
+  EXPECT_EQ(opened.m, 2);
+  EXPECT_EQ(opened.N, 4);
+  EXPECT_EQ(opened.dependentName, "yield");
+  EXPECT_EQ(opened.names, (std::vector<std::string>{"temp", "pressure"}));
+  EXPECT_EQ(opened.X(2, 4), -1);
+  EXPECT_EQ(opened.X(3, 3), 3);
+  EXPECT_EQ(ResultsListing(opened), fit.outLines());
+
+  // And the pair read back by the tool itself gives the same list.
+  const BatchRun again = runBatch({"fit", spec});
+  EXPECT_EQ(again.status, 0);
+  EXPECT_EQ(again.out, fit.out);
+
+  // A save that cannot be written says so and leaves nothing behind.
+  const BatchRun unwritable = runBatch({"fit", source, "--save", path("no/such/dir/x.txt")});
+  EXPECT_EQ(unwritable.status, 1);
+  EXPECT_NE(unwritable.err.find("x.txt"), std::string::npos);
+  EXPECT_FALSE(std::filesystem::exists(path("no")));
+}
+
+TEST_F(BatchFiles, ReportTextIsThePrintedReport) {
+  const std::string file = csv("r.csv", "y,x\n3.5,1\n4.5,2\n7.5,3\n8,4\n");
+  const BatchRun run = runBatch({"report", file, "--text"});
+  ASSERT_EQ(run.status, 0) << run.err;
+  const std::vector<std::string> lines = run.outLines();
+  ASSERT_EQ(lines.size(), 32u);
+  EXPECT_EQ(lines[0], "DEPENDENT VARIABLE: y");
+  EXPECT_EQ(lines[1], "INDEPENDENT VARIABLES: x");
+  EXPECT_EQ(std::vector<std::string>(lines.begin() + 3, lines.begin() + 8),
+            std::vector<std::string>(kLineListing.begin(), kLineListing.begin() + 5));
+  EXPECT_EQ(lines[11], "A 0 = 1.75 ");
+  EXPECT_EQ(lines[12], "A 1 = 1.65 ");
+  EXPECT_EQ(lines[14], "DATA:                            ESTIMATE:              RESIDUAL:");
+  EXPECT_EQ(lines[16], "SET # 1 :");
+  EXPECT_EQ(lines[17], "x= 1 ");
+  // Estimate at column 34, residual at 57: a negative one with its "-" there.
+  EXPECT_EQ(lines[18], "y= 3.5                            3.4                    0.100000000000001 ");
+  EXPECT_EQ(lines[22], "y= 4.5                            5.05                  -0.549999999999999 ");
+  EXPECT_EQ(lines[30], "y= 8                              8.35                  -0.35 ");
+  EXPECT_EQ(lines[31], "");
+}
+
+TEST_F(BatchFiles, ReportPdfIsWrittenWholeOrNotAtAll) {
+  const std::string file = csv("r.csv", "y,x\n3.5,1\n4.5,2\n7.5,3\n8,4\n");
+  const std::string pdf = path("report.pdf");
+  const BatchRun run = runBatch({"report", file, "--pdf", pdf});
+  ASSERT_EQ(run.status, 0) << run.err;
+  std::ifstream in(pdf, std::ios::binary);
+  std::string head(5, '\0');
+  in.read(head.data(), 5);
+  EXPECT_EQ(head, "%PDF-");
+  EXPECT_FALSE(std::filesystem::exists(pdf + ".part"));
+
+  const BatchRun noTarget = runBatch({"report", file});
+  EXPECT_EQ(noTarget.status, 1);
+  EXPECT_EQ(noTarget.err, "orvane-batch report: give --pdf OUT.pdf or --text\n");
+
+  const BatchRun unwritable = runBatch({"report", file, "--pdf", path("missing/r.pdf")});
+  EXPECT_EQ(unwritable.status, 1);
+  EXPECT_FALSE(std::filesystem::exists(path("missing")));
+}
+
+// The NIST StRD "Norris" line against its certified values. The normal equations
+// reach about 12 correct digits on it; 11 are required.
+TEST(BatchNist, NorrisMatchesTheCertifiedValues) {
+  const BatchRun run = runBatch({"fit", dataFile("Norris.csv")});
+  ASSERT_EQ(run.status, 0) << run.err;
+  const std::vector<std::string> lines = run.outLines();
+  ASSERT_EQ(lines.size(), 9u);
+  auto value = [&](size_t i) { return parseStrict(lines[i].substr(lines[i].find('=') + 1)); };
+  auto lre = [](double estimate, double certified) {
+    return -std::log10(std::fabs(estimate - certified) / std::fabs(certified));
+  };
+  EXPECT_GE(lre(value(7), -0.262323073774029), 11);                     // B0
+  EXPECT_GE(lre(value(8), 1.00211681802045), 11);                       // B1
+  EXPECT_GE(lre(value(1), 0.884796396144373), 11);                      // residual SD, N - 2 = 34
+  EXPECT_GE(lre(value(2), 26.6173985294224), 11);                       // residual SS
+  EXPECT_GE(lre(value(0) * value(0), 0.999993745883712), 11);           // R squared
+}
+
+}  // namespace
+}  // namespace orvane::testing
