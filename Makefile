@@ -3,7 +3,7 @@ BUILD      ?= build
 BENCHBUILD ?= build-release
 JOBS       ?= $(shell nproc)
 
-.PHONY: run test bench build deps clean
+.PHONY: run test bench build deps clean fuzz test-sanitize
 
 deps:
 	@bash scripts/install-deps.sh
@@ -27,3 +27,25 @@ bench: deps
 
 clean:
 	rm -rf $(BUILD) $(BENCHBUILD)
+
+# Fuzzing with clang's libFuzzer, a build of its own: FUZZ_SECONDS per target.
+FUZZBUILD    ?= build-fuzz
+FUZZ_SECONDS ?= 60
+FUZZ_TARGETS ?=
+fuzz:
+	@bash scripts/install-fuzz-deps.sh
+	cmake -S fuzz -B $(FUZZBUILD) -G Ninja -DCMAKE_CXX_COMPILER=clang++
+	cmake --build $(FUZZBUILD) -j $(JOBS)
+	@bash fuzz/run.sh $(FUZZBUILD) $(FUZZ_SECONDS) $(FUZZ_TARGETS)
+
+# The whole suite built with AddressSanitizer and UndefinedBehaviorSanitizer; any
+# report fails the test that met it.
+SANBUILD ?= build-sanitize
+test-sanitize: deps
+	cmake -S . -B $(SANBUILD) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DORVANE_SANITIZE=ON
+	cmake --build $(SANBUILD) -j $(JOBS)
+	cd $(SANBUILD) && QT_QPA_PLATFORM=offscreen \
+	  ASAN_OPTIONS=detect_leaks=1:abort_on_error=1:strict_string_checks=1 \
+	  UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1 \
+	  LSAN_OPTIONS=suppressions=$(CURDIR)/tests/hardening/lsan.supp:print_suppressions=0 \
+	  ctest -j $(JOBS) --output-on-failure

@@ -1,0 +1,49 @@
+#include "FuzzChecks.h"
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "batch/CsvProblem.h"
+#include "regression/RegressionFile.h"
+
+namespace orvane::fuzz {
+
+namespace {
+
+std::string joined(const std::vector<std::string>& lines) {
+  std::string text;
+  for (const std::string& line : lines) {
+    text += line;
+    text += "\r\n";
+  }
+  return text;
+}
+
+}  // namespace
+
+// A table the reader accepts is consistent and can be saved as a regression file pair
+// and read back.
+std::string CheckCsvProblem(std::string_view input) {
+  RegressionProblem problem;
+  try {
+    problem = ParseCsvProblem("fuzz.csv", std::string(input));
+  } catch (const RegressionFileError& e) {
+    return std::string(e.what()).empty() ? "a refusal without a message" : "";
+  }
+  if (problem.m < 1 || problem.N < 3 || problem.names.size() != static_cast<size_t>(problem.m))
+    return "an accepted table with inconsistent counts";
+  if (problem.X.lastColumn() != problem.m + 1 || problem.X.lastRow() != problem.N)
+    return "data matrix of the wrong shape";
+  for (int i = 1; i <= problem.N; ++i)
+    for (int j = 1; j <= problem.m + 1; ++j)
+      if (!std::isfinite(problem.X(j, i))) return "a value that is not finite accepted";
+  try {
+    ParseRegressionFiles("fuzz.reg", joined(SpecificationLines(problem)), joined(DataLines(problem)));
+  } catch (const RegressionFileError& e) {
+    return std::string("an accepted table cannot be saved and read back as a regression file pair: ") + e.what();
+  }
+  return "";
+}
+
+}  // namespace orvane::fuzz

@@ -1,0 +1,147 @@
+// Formulas far beyond what anyone types: long chains must compile and evaluate, deep
+// nesting must end in the engine's "Out of stack space" error instead of overflowing
+// the program's own stack.
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "engine/Class1.h"
+#include "engine/ExpressionEngine.h"
+#include "engine/PointEvaluation.h"
+#include "engine/Program.h"
+
+namespace orvane {
+namespace {
+
+struct Window {
+  Class1 sh;
+  ExpressionEngine engine;
+  Window() { RegisterMathObject(engine, sh); }
+};
+
+std::string repeat(const std::string& piece, int count) {
+  std::string out;
+  out.reserve(piece.size() * static_cast<size_t>(count));
+  for (int i = 0; i < count; ++i) out += piece;
+  return out;
+}
+
+constexpr int kTerms = 100000;
+
+TEST(EngineHostile, HundredThousandTermsCompileAndEvaluate) {
+  struct Row {
+    const char* what;
+    std::string text;
+    double x;
+    double expected;
+  };
+  const Row rows[] = {
+      {"sum of x", "x" + repeat("+x", kTerms - 1), 0.5, kTerms * 0.5},
+      {"alternating sum", "x" + repeat("-x+x", (kTerms - 1) / 2), 3.0, 3.0},
+      {"product of ones", "x" + repeat("*1", kTerms - 1), 7.25, 7.25},
+      {"polynomial terms", "1" + repeat("+x*2-x", kTerms / 2), 1.0, 1.0 + kTerms / 2},
+      {"mixed operators", repeat("x^2/x\\1 Mod 3+", kTerms / 5) + "0", 2.0, 2.0 * (kTerms / 5)},
+      {"calls", repeat("Abs(-x)+", kTerms / 2) + "0", 2.0, 2.0 * (kTerms / 2)},
+      {"comparisons", repeat("(x=x)+", kTerms / 3) + "0", 1.0, -1.0 * (kTerms / 3)},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.what);
+    for (bool optimize : {true, false}) {
+      Window w;
+      w.engine.SetOptimize(optimize);
+      EXPECT_DOUBLE_EQ(EvaluateAt(w.engine, w.sh, row.text, row.x), row.expected);
+      double again = 0;  // the cached program, through the non-throwing path
+      ASSERT_EQ(TryEvaluateAt(w.engine, w.sh, row.text, row.x, again), 0);
+      EXPECT_DOUBLE_EQ(again, row.expected);
+    }
+  }
+}
+
+TEST(EngineHostile, LongAndDeepTextConcatenation) {
+  Window w;
+  // 20,000 texts in a row, and 300 nested to the right: a text stack far deeper than
+  // the fast loop's.
+  const std::string row = "(\"a\"" + repeat("&x", 20000) + ")=\"a" + std::string(20000, '0') + "\"";
+  EXPECT_EQ(w.engine.Eval(row), -1.0);
+  const std::string nested = repeat("\"a\"&(", 300) + "\"b\"" + repeat(")", 300) + "=\"" + std::string(300, 'a') + "b\"";
+  EXPECT_EQ(w.engine.Eval(nested), -1.0);
+  EXPECT_EQ(w.engine.Eval(nested), -1.0);  // from the cache
+}
+
+// Texts nested deeper than any formula needs: each must give the engine's error, with
+// the number the user sees, and leave the engine usable.
+TEST(EngineHostile, DeepNestingIsRefusedWithoutOverflowingTheStack) {
+  struct Row {
+    const char* what;
+    std::string text;
+  };
+  constexpr int kDeep = 100000;
+  const Row rows[] = {
+      {"parentheses", repeat("(", kDeep) + "x" + repeat(")", kDeep)},
+      {"unclosed parentheses", repeat("(", kDeep)},
+      {"unary minus", repeat("-", kDeep) + "x"},
+      {"Not", repeat("Not ", kDeep) + "x"},
+      {"function calls", repeat("Abs(", kDeep) + "x" + repeat(")", kDeep)},
+      {"member functions", repeat("sh.Sinh(", kDeep) + "x" + repeat(")", kDeep)},
+      {"right operands", repeat("x+(", kDeep) + "x" + repeat(")", kDeep)},
+      {"powers", repeat("2^(", kDeep) + "1" + repeat(")", kDeep)},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.what);
+    Window w;
+    int reported = 0;
+    w.engine.SetErrorHandler([&](const RuntimeError& e) {
+      ++reported;
+      EXPECT_EQ(e.number(), err::OutOfStack);
+    });
+    try {
+      w.engine.Eval(row.text);
+      ADD_FAILURE() << "accepted";
+    } catch (const RuntimeError& e) {
+      EXPECT_EQ(e.number(), err::OutOfStack) << e.description();
+    }
+    EXPECT_EQ(reported, 1);
+    double value = 0;
+    EXPECT_EQ(w.engine.TryEval(row.text, value), err::OutOfStack);
+    EXPECT_THROW(w.engine.ExecuteStatement("a = " + row.text), RuntimeError);
+    EXPECT_EQ(w.engine.Eval("x + 1"), 1.0);  // still usable
+  }
+}
+
+TEST(EngineHostile, NestingAFormulaCanNeedStillWorks) {
+  Window w;
+  w.sh.x = 2;
+  // A few hundred levels: well inside the limit, and a stack deeper than the fast loop's.
+  EXPECT_EQ(w.engine.Eval(repeat("(", 300) + "x" + repeat(")", 300)), 2.0);
+  EXPECT_EQ(w.engine.Eval(repeat("x+(", 300) + "x" + repeat(")", 300)), 602.0);
+  EXPECT_EQ(w.engine.Eval(repeat("-", 300) + "x"), 2.0);
+}
+
+TEST(EngineHostile, ArbitraryBytesAreErrorsNotCrashes) {
+  // Control characters, high bytes, NUL and lone quotes in each of the engine's entries.
+  std::string bytes;
+  for (int c = 0; c < 256; ++c) bytes += static_cast<char>(c);
+  const std::string texts[] = {bytes, std::string("x\0+1", 4), "\"", "&H", "&HFFFFFFFFFFFFFFFFFFFF",
+                               "1E999999999", ".", "x..y", "sh.", "sh..x", ":", "a=:b=", "=",
+                               std::string(1000, '9') + "E-99999"};
+  for (const std::string& text : texts) {
+    Window w;
+    for (const std::function<void()>& call :
+         {std::function<void()>([&] { w.engine.Eval(text); }),
+          std::function<void()>([&] { w.engine.ExecuteStatement(text); }),
+          std::function<void()>([&] { w.engine.AddCode(text); })}) {
+      try {
+        call();
+      } catch (const RuntimeError& e) {
+        EXPECT_NE(e.number(), 0);
+        EXPECT_FALSE(e.description().empty());
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace orvane

@@ -1,0 +1,162 @@
+// The 2-D plot with functions that never give a usable value and with windows no one
+// means to reach (zero or inverted extent, the ends of the single range) through the
+// zoom buttons and click-to-centre. A plot either draws or is abandoned with the
+// set-up's error; it never hangs, crashes, or draws at a coordinate that is
+// not a number. The set-up's errors: 5 for a window without extent (the picture's scale
+// refuses it), 6 for one beyond the single range, 11 for a division by zero.
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "platform/NumberText.h"
+#include "platform/RecordingCanvas.h"
+#include "platform/RuntimeError.h"
+#include "plot2d/Derivatives.h"
+#include "plot2d/FunctionOfX.h"
+#include "plot2d/PlotDrawing.h"
+#include "plot2d/Viewport.h"
+
+namespace orvane {
+namespace {
+
+constexpr float kMax = std::numeric_limits<float>::max();
+
+struct Function {
+  const char* what;
+  std::function<double(double)> f;
+};
+
+const std::vector<Function>& functions() {
+  static const std::vector<Function> all = {
+      {"fails everywhere", [](double) -> double { throw RuntimeError(err::InvalidCall); }},
+      {"overflows everywhere", [](double) -> double { throw RuntimeError(err::Overflow); }},
+      {"divides by zero everywhere", [](double) -> double { throw RuntimeError(err::DivisionByZero); }},
+      {"infinite", [](double) { return std::numeric_limits<double>::infinity(); }},
+      {"not a number", [](double) { return std::nan(""); }},
+      {"huge", [](double x) { return x >= 0 ? 1e300 : -1e300; }},
+      {"beyond single", [](double x) { return 1e39 * std::sin(x); }},
+      {"wild", [](double x) { return std::tan(x * 1e6) * 1e30; }},
+      {"ordinary", [](double x) { return x * x - 1; }},
+  };
+  return all;
+}
+
+PlotSetup window(float lx, float gx, float ly, float gy) {
+  PlotSetup s;
+  s.windowlx = lx;
+  s.windowgx = gx;
+  s.windowly = ly;
+  s.windowgy = gy;
+  s.xorigin = 0;
+  s.yorigin = 0;
+  s.divx = (gx - lx) / 4;
+  s.divy = (gy - ly) / 4;
+  s.plotStep = 15;
+  return s;
+}
+
+const std::vector<std::pair<const char*, PlotSetup>>& windows() {
+  static const std::vector<std::pair<const char*, PlotSetup>> all = {
+      {"ordinary", window(-5, 5, -3, 3)},
+      {"zero width", window(2, 2, -3, 3)},
+      {"zero height", window(-5, 5, 1, 1)},
+      {"inverted x", window(5, -5, -3, 3)},
+      {"inverted y", window(-5, 5, 3, -3)},
+      {"inverted both", window(5, -5, 3, -3)},
+      {"whole single range", window(-kMax, kMax, -kMax, kMax)},
+      {"tiny", window(1, 1 + 1e-6f, 1, 1 + 1e-6f)},
+      {"far away", window(1e30f, 1e30f * 1.0000001f, -1, 1)},
+      {"denormal", window(0, 1e-44f, 0, 1e-44f)},
+  };
+  return all;
+}
+
+void plotOnce(const char* fwhat, const std::function<double(double)>& fn, const char* wwhat, const PlotSetup& setup,
+              int derivative) {
+  SCOPED_TRACE(std::string(fwhat) + " in " + wwhat + ", derivative " + std::to_string(derivative));
+  LambdaFunction f(fn);
+  DerivativeEvaluator d(f);
+  RecordingCanvas picture;
+  PlotRequest request;
+  request.setup = setup;
+  request.options.derivative = derivative;
+  request.options.shade = true;
+  request.options.labelWindow = true;
+  request.options.labelDivisions = true;
+  request.options.xlower = setup.windowlx;
+  request.options.xupper = setup.windowgx;
+  request.width = 9000;
+  request.height = 6000;
+  const double xs[] = {0, 1, 2};
+  const double ys[] = {1e300, -1e300, -1};
+  request.dataX = xs;
+  request.dataY = ys;
+  try {
+    drawPlot(picture, d, request);
+  } catch (const RuntimeError& e) {
+    EXPECT_TRUE(e.number() == err::InvalidCall || e.number() == err::Overflow || e.number() == err::DivisionByZero)
+        << e.number();
+  }
+  EXPECT_LT(picture.size(), 200000u);  // a bounded number of strokes
+  for (size_t i = 0; i < picture.size(); ++i) {
+    const CanvasCall& c = picture[i];
+    if (c.kind == CanvasCall::Kind::Clear || c.kind == CanvasCall::Kind::SavePicture) continue;
+    ASSERT_FALSE(std::isnan(c.x1) || std::isnan(c.y1) || std::isnan(c.x2) || std::isnan(c.y2))
+        << picture.describe(i);
+  }
+}
+
+TEST(PlotHostile, FunctionsWithoutUsableValuesInEveryWindow) {
+  for (const Function& f : functions())
+    for (const auto& [what, setup] : windows())
+      for (int derivative : {0, 1, 2, 3}) plotOnce(f.what, f.f, what, setup, derivative);
+}
+
+// Every zoom button pressed again and again from every window, and click-to-centre at
+// the window's corners and beyond: the texts stay numbers the fields can read back, and
+// a plot of the window reached is drawn or abandoned cleanly.
+TEST(PlotHostile, ZoomAndCentreFromDegenerateWindows) {
+  for (const auto& [what, setup] : windows()) {
+    for (int code = 0; code <= 13; ++code) {
+      SCOPED_TRACE(std::string(what) + ", zoom " + std::to_string(code));
+      std::array<std::string, 4> texts = {formatSingle(setup.windowlx), formatSingle(setup.windowgx),
+                                          formatSingle(setup.windowly), formatSingle(setup.windowgy)};
+      for (int press = 0; press < 60; ++press) {
+        try {
+          texts = zoomTexts(code, texts[0], texts[1], texts[2], texts[3]);
+        } catch (const RuntimeError& e) {
+          EXPECT_EQ(e.number(), err::Overflow);  // the window left the single range
+          break;
+        }
+      }
+      PlotSetupTexts fields{texts[0], texts[1], texts[2], texts[3], "0", "0", "1", "1", "15"};
+      PlotSetup reached;
+      try {
+        reached = readPlotSetup(fields);
+      } catch (const RuntimeError& e) {
+        EXPECT_EQ(e.number(), err::Overflow);
+        continue;
+      }
+      plotOnce("ordinary", functions().back().f, what, reached, 0);
+    }
+    for (const auto& [x, y] : std::vector<std::pair<float, float>>{
+             {setup.windowlx, setup.windowly}, {setup.windowgx, setup.windowgy}, {kMax, -kMax}, {0, 0}}) {
+      SCOPED_TRACE(std::string(what) + ", centre at " + std::to_string(x) + "," + std::to_string(y));
+      try {
+        const std::array<std::string, 4> texts = centreTexts(setup, x, y);
+        PlotSetupTexts fields{texts[0], texts[1], texts[2], texts[3], "0", "0", "1", "1", "15"};
+        plotOnce("ordinary", functions().back().f, what, readPlotSetup(fields), 0);
+      } catch (const RuntimeError& e) {
+        EXPECT_EQ(e.number(), err::Overflow);
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace orvane

@@ -1,0 +1,203 @@
+// Regression file pairs no one should have to open: garbage, absurd counts, huge lines,
+// values that are not numbers. Each is refused with a message naming the file and the
+// line, without allocating for what the header claims.
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <string>
+
+#include <unistd.h>
+
+#include "hardening/AllocationProbe.h"
+#include "regression/RegressionFile.h"
+
+namespace orvane {
+namespace {
+
+constexpr const char* kSpec = "hostile.reg";
+
+std::string refusal(const std::string& spec, const std::string& data) {
+  try {
+    ParseRegressionFiles(kSpec, spec, data);
+  } catch (const RegressionFileError& e) {
+    return e.what();
+  }
+  return "";
+}
+
+const std::string kGoodSpec = "3,1,#FALSE#,\"y\"\r\nx\r\n";
+const std::string kGoodData = "3,1\r\n 1\r\n 2\r\n 2\r\n 4\r\n 3\r\n 6\r\n";
+
+TEST(RegressionFileHostile, BinaryGarbageIsRefusedWithAMessage) {
+  std::mt19937 random(20261123);
+  for (int round = 0; round < 300; ++round) {
+    std::string garbage(1 + random() % 4096, '\0');
+    for (char& c : garbage) c = static_cast<char>(random());
+    SCOPED_TRACE(round);
+    // Garbage in either file, and after a valid start of the specification file.
+    EXPECT_NE(refusal(garbage, kGoodData), "");
+    EXPECT_NE(refusal(kGoodSpec, garbage), "");
+    EXPECT_NE(refusal("3,1,#FALSE#,\"y\"\r\n" + garbage, garbage), "");
+  }
+}
+
+// Counts that promise more than the file holds, or more than memory holds: refused
+// before the data matrix exists (no allocation anywhere near its size).
+TEST(RegressionFileHostile, AbsurdCountsAreRefusedWithoutAllocating) {
+  struct Row {
+    const char* N;
+    const char* m;
+  };
+  const Row rows[] = {{"1000000000", "1"},   {"2147483647", "1"}, {"50000000", "1"},
+                      {"1000000", "2"},      {"1", "2147483647"},  {"1000000000", "3"},
+                      {"200000000", "1"}};
+  for (const Row& row : rows) {
+    SCOPED_TRACE(std::string(row.N) + " sets of " + row.m);
+    std::string spec = std::string(row.N) + "," + row.m + ",#FALSE#,\"y\"\r\n";
+    if (std::string(row.m) != "2147483647")
+      for (int j = 0; j < std::stoi(row.m); ++j) spec += "x" + std::to_string(j) + "\r\n";
+    const std::string data = std::string(row.N) + "," + row.m + "\r\n 1\r\n 2\r\n 3\r\n";
+    test::resetLargestAllocation();
+    const std::string message = refusal(spec, data);
+    EXPECT_LT(test::largestAllocation(), size_t{1} << 20);
+    EXPECT_NE(message, "");
+    EXPECT_NE(message.find("hostile.reg"), std::string::npos) << message;
+  }
+}
+
+TEST(RegressionFileHostile, BadCountsAreRefused) {
+  const char* headers[] = {"-1,1", "3,0", "3,-1", "1.5,1", "3,1.5", "2147483648,1", "3,2147483648",
+                           "1E+300,1", "3 3,1", ",1", "3,", "NaN,1", "3,Inf"};
+  for (const char* header : headers) {
+    SCOPED_TRACE(header);
+    const std::string message = refusal(std::string(header) + ",#FALSE#,\"y\"\r\nx\r\n", kGoodData);
+    EXPECT_NE(message.find("hostile.reg, line 1:"), std::string::npos) << message;
+  }
+  // Counts in the data file that disagree with the specification file.
+  for (const char* counts : {"4,1", "3,2", "0,1", "-3,1", "3"}) {
+    SCOPED_TRACE(counts);
+    const std::string message = refusal(kGoodSpec, std::string(counts) + "\r\n 1\r\n 2\r\n 2\r\n 4\r\n 3\r\n 6\r\n");
+    EXPECT_NE(message.find("hostile.reg.dat, line 1:"), std::string::npos) << message;
+  }
+}
+
+TEST(RegressionFileHostile, NoDataSetsIsAnEmptyProblem) {
+  const RegressionProblem p = ParseRegressionFiles(kSpec, "0,2,#FALSE#,\"y\"\r\na\r\nb\r\n", "0,2\r\n");
+  EXPECT_EQ(p.N, 0);
+  EXPECT_EQ(p.m, 2);
+  EXPECT_EQ(p.X.lastRow(), 0);
+}
+
+TEST(RegressionFileHostile, ValuesThatAreNotFiniteNumbersAreRefused) {
+  const char* values[] = {"NaN", "nan", "-nan", "Inf", "-Infinity", "inf", "1E+400", "-1E+309", "1.#INF",
+                          "1.#QNAN", "0x1p3", "", "1,2", "1 2", "--1", "1e", "\x01"};
+  for (const char* value : values) {
+    SCOPED_TRACE(value);
+    const std::string data = std::string("3,1\r\n 1\r\n 2\r\n 2\r\n") + value + "\r\n 3\r\n 6\r\n";
+    const std::string message = refusal(kGoodSpec, data);
+    EXPECT_NE(message.find("hostile.reg.dat, line 5: expected the value of y in data set 2"), std::string::npos)
+        << message;
+  }
+  // The same in the coefficients and statistics of a computed problem.
+  for (const char* value : {"NaN", "Inf", "1E+999"}) {
+    SCOPED_TRACE(value);
+    const std::string spec = std::string("3,1,#TRUE#,\"y\"\r\nx\r\n 1\r\n") + value + "\r\n1,0,0,0,0\r\n";
+    EXPECT_NE(refusal(spec, kGoodData).find("hostile.reg, line 4:"), std::string::npos);
+  }
+}
+
+TEST(RegressionFileHostile, TenMegabyteLinesGiveAShortMessage) {
+  const std::string huge(10 << 20, '7');
+  const std::string hugeText(10 << 20, 'q');
+  struct Row {
+    const char* what;
+    std::string spec;
+    std::string data;
+    const char* where;
+  };
+  const Row rows[] = {
+      {"header", huge + ",1,#FALSE#,\"y\"\r\nx\r\n", kGoodData, "hostile.reg, line 1:"},
+      {"header text", hugeText + "\r\nx\r\n", kGoodData, "hostile.reg, line 1:"},
+      {"value", kGoodSpec, "3,1\r\n 1\r\n" + huge + "\r\n 2\r\n 4\r\n 3\r\n 6\r\n", "hostile.reg.dat, line 3:"},
+      {"value text", kGoodSpec, "3,1\r\n 1\r\n" + hugeText + "\r\n 2\r\n 4\r\n 3\r\n 6\r\n",
+       "hostile.reg.dat, line 3:"},
+      {"data counts", kGoodSpec, huge + "\r\n", "hostile.reg.dat, line 1:"},
+      {"many fields", std::string(10 << 20, ',') + "\r\nx\r\n", kGoodData, "hostile.reg, line 1:"},
+      {"many values", kGoodSpec, "3,1\r\n" + std::string(10 << 20, ',') + "\r\n 2\r\n 2\r\n 4\r\n 3\r\n 6\r\n",
+       "hostile.reg.dat, line 2:"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.what);
+    test::resetLargestAllocation();
+    const std::string message = refusal(row.spec, row.data);
+    // Reading a line costs a few times its own size, not a string per field of it.
+    EXPECT_LT(test::largestAllocation(), size_t{64} << 20);
+    EXPECT_NE(message.find(row.where), std::string::npos) << message.substr(0, 200);
+    EXPECT_LT(message.size(), 1000u);  // fit for a message box
+  }
+}
+
+// Names the writer cannot give back as they were are refused on reading; those it can
+// survive a save and a read.
+TEST(RegressionFileHostile, NamesWithQuotesAndCommas) {
+  struct Refused {
+    std::string header;
+    std::string names;
+    const char* where;
+  };
+  const Refused refused[] = {
+      {"3,1,#FALSE#,y\"z", "x\r\n", "hostile.reg, line 1:"},
+      {"3,1,#FALSE#, a\"b\"", "x\r\n", "hostile.reg, line 1:"},
+      {"3,1,#FALSE#,\"y\"", "\"a,b\"\r\n", "hostile.reg, line 2:"},
+      {"3,2,#FALSE#,\"y\"", "a\r\n\"b,c\"\r\n", "hostile.reg, line 3:"},
+      {"3,1,#FALSE#,\"y\"", "a,b\r\n", "hostile.reg, line 2:"},
+  };
+  for (const Refused& row : refused) {
+    SCOPED_TRACE(row.header + " / " + row.names);
+    const std::string message = refusal(row.header + "\r\n" + row.names, "3,1\r\n1\r\n2\r\n3\r\n4\r\n5\r\n6\r\n");
+    EXPECT_NE(message.find(row.where), std::string::npos) << message;
+  }
+
+  for (const char* name : {"a\"b", "a\"", "it's", "x;y", "\xc3\xa9t\xc3\xa9", "a b"}) {
+    SCOPED_TRACE(name);
+    RegressionProblem p;
+    p.m = 1;
+    p.N = 1;
+    p.dependentName = "y";
+    p.names = {name};
+    p.dimensionData();
+    p.X(1, 1) = 2;
+    p.X(2, 1) = -3;
+    std::string spec, data;
+    for (const std::string& l : SpecificationLines(p)) spec += l + "\r\n";
+    for (const std::string& l : DataLines(p)) data += l + "\r\n";
+    const RegressionProblem back = ParseRegressionFiles(kSpec, spec, data);
+    ASSERT_EQ(back.names.size(), 1u);
+    EXPECT_EQ(back.names[0], name);
+    EXPECT_EQ(back.X(2, 1), -3);
+  }
+}
+
+TEST(RegressionFileHostile, AMissingDataFileIsNamed) {
+  namespace fs = std::filesystem;
+  const fs::path dir = fs::temp_directory_path() / ("orvane-hostile-" + std::to_string(::getpid()));
+  fs::create_directories(dir);
+  const std::string spec = (dir / "pair.reg").string();
+  std::ofstream(spec, std::ios::binary) << kGoodSpec;
+  try {
+    ReadRegressionFiles(spec);
+    ADD_FAILURE() << "read without its data file";
+  } catch (const RegressionFileError& e) {
+    EXPECT_NE(std::string(e.what()).find(spec + ".dat"), std::string::npos) << e.what();
+  }
+  fs::create_directory(spec + ".dat");  // a folder where the data file should be
+  EXPECT_THROW(ReadRegressionFiles(spec), RegressionFileError);
+  fs::remove_all(dir);
+}
+
+}  // namespace
+}  // namespace orvane
