@@ -542,6 +542,22 @@ void PlotWindowTest::plotArrivingDuringAPlotIsQueued() {
   QVERIFY(window_->graphDrawn());
   QVERIFY(!window_->plotting());
 
+  // Plot pressed again while drawing: one more whole plot, never a nested one.
+  int pumps = 0;
+  std::function<void()> pressPlotOnce = [&] {
+    if (++pumps == 1) {
+      click("cmdPlot");
+      QVERIFY(window_->plotting());
+    }
+    dialogs_->duringPump = pressPlotOnce;
+  };
+  dialogs_->duringPump = pressPlotOnce;
+  const auto busyBefore = dialogs_->busyCalls().size();
+  click("cmdPlot");
+  dialogs_->duringPump = nullptr;
+  QCOMPARE(dialogs_->busyCalls().size() - busyBefore, size_t(4));
+  QVERIFY(!window_->plotting());
+
   // Closing during a plot: the window goes once the plot has ended.
   window_->show();
   QSignalSpy unloaded(window_.get(), &frmPlot::unloaded);

@@ -224,6 +224,43 @@ class RegressionWindowTest : public QObject {
     QVERIFY(!w.cmdEvaluations->isEnabled());
   }
 
+  void deletingEverySetLeavesAnEmptyGridThatStillWorks() {
+    MainWindow w;
+    QVERIFY(w.show());
+    w.setUp("1", "y", "x", "3");
+    frmEdit* editor = w.openEditor();
+    QVERIFY(editor);
+    typeCell(editor, 0, 0, "1");
+    for (int i = 0; i < 4; ++i) {  // the last press finds no set to delete
+      editor->MSFlexGridEdit->setCurrentIndex(editor->model()->index(0, 0));
+      editor->cmdDelete->click();
+    }
+    const RegressionProblem& p = w.window.workbench().problem;
+    QCOMPARE(p.N, 0);
+    QCOMPARE(w.txtN->text(), QStringLiteral("0"));
+    QCOMPARE(editor->model()->rowCount(), 0);
+
+    // Keys and the width toggle on an empty grid change nothing.
+    editor->cmdToggleWidth->click();
+    editor->MSFlexGridEdit->setFocus();
+    QTest::keyClick(editor->MSFlexGridEdit, '5');
+    QTest::keyClick(editor->MSFlexGridEdit, Qt::Key_Down);
+    QVERIFY(!editor->txtDataEntry->isVisible());
+    editor->cmdExit->click();
+    QCOMPARE(p.N, 0);
+
+    // Compute has nothing to fit: a listing line or a message, never a crash.
+    w.cmdCompute->click();
+    QVERIFY(!w.window.workbench().fitted);
+    QVERIFY(!w.cmdEvaluations->isEnabled());
+
+    // Add data brings sets back into the empty grid.
+    w.dialogs.queueInputBox("3");
+    w.cmdAddData->click();
+    QCOMPARE(p.N, 3);
+    QCOMPARE(w.openEditor()->model()->rowCount(), 3);
+  }
+
   void entryBoxKeepsOnlyNumberKeysAndMovesWithTheArrows() {
     MainWindow w;
     QVERIFY(w.show());
