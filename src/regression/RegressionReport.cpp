@@ -22,7 +22,7 @@ void printDataSet(PrinterPage& page, const RegressionProblem& p, int i) {
   for (int j = 1; j <= p.m; ++j) page.PrintLine(p.names[j - 1] + "=" + formatPrint(p.X(j, i)));
   page.Write(p.dependentName + "=" + formatPrint(p.X(p.m + 1, i)));
   if (p.computed) {
-    const double estimate = ComputeEstimate(p, i);
+    const double estimate = ComputeEstimates(p, i);
     page.Tab(34);
     page.Write(formatPrint(estimate));
     page.Tab(57);

@@ -94,7 +94,7 @@ void computeStatistics(RegressionProblem& p) {
 
   double estimates = 0, explained = 0, residual = 0, spread = 0;
   for (int i = 1; i <= p.N; ++i) {
-    const double e = ComputeEstimate(p, i);
+    const double e = ComputeEstimates(p, i);
     let(estimates, estimates + e);
     let(explained, explained + (mean - e) * (mean - e));
     let(residual, residual + (given[i] - e) * (given[i] - e));
@@ -130,7 +130,7 @@ FitOutcome Compute(RegressionProblem& problem) {
   return FitOutcome::Computed;
 }
 
-double ComputeEstimate(const RegressionProblem& problem, int i) {
+double ComputeEstimates(const RegressionProblem& problem, int i) {
   double estimate = problem.A[0];
   for (int j = 1; j <= problem.m; ++j) {
     const double next = estimate + problem.X(j, i) * problem.A[j];

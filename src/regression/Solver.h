@@ -28,7 +28,7 @@ FitOutcome Compute(RegressionProblem& problem);
 
 // The model's estimate for set i: A(0) + X(1,i)·A(1) + ... + X(m,i)·A(m), summed in that
 // order. An overflowing term ends the sum with what it held before.
-double ComputeEstimate(const RegressionProblem& problem, int i);
+double ComputeEstimates(const RegressionProblem& problem, int i);
 
 // The message line of a singular outcome.
 std::string SingularMessage(FitOutcome outcome);

@@ -145,7 +145,7 @@ TEST(NistReferenceFilip, IllConditionedFitComputesWithoutWarning) {
   const double ssr = certified(readText(dataDirectory() / "Filip.json"), "residual_ss").at(0);
   EXPECT_GE(p.statistics.residualSquares, ssr * (1 - 1e-9));
   EXPECT_LT(p.statistics.residualSquares, ssr * 1.4);
-  for (int i = 1; i <= p.N; ++i) ASSERT_TRUE(std::isfinite(ComputeEstimate(p, i)));
+  for (int i = 1; i <= p.N; ++i) ASSERT_TRUE(std::isfinite(ComputeEstimates(p, i)));
 }
 
 }  // namespace

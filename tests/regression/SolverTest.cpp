@@ -224,13 +224,13 @@ TEST(Solver, ResultsListing) {
 TEST(Solver, EstimatesSumInOrder) {
   RegressionProblem p = makeProblem(2, {{3, 4, 0}, {-1, 0.5, 0}});
   p.A = {1, 2, 3, 99};  // the spare element is never used
-  EXPECT_EQ(ComputeEstimate(p, 1), 1 + 3 * 2 + 4 * 3);
-  EXPECT_EQ(ComputeEstimate(p, 2), 1 - 2 + 1.5);
+  EXPECT_EQ(ComputeEstimates(p, 1), 1 + 3 * 2 + 4 * 3);
+  EXPECT_EQ(ComputeEstimates(p, 2), 1 - 2 + 1.5);
   // 1e308 + 1e308 overflows: the sum keeps what it held before that term.
   p.A = {1e308, 1, 1e308};
   p.X(1, 1) = 5;
   p.X(2, 1) = 1;
-  EXPECT_EQ(ComputeEstimate(p, 1), 1e308 + 5);
+  EXPECT_EQ(ComputeEstimates(p, 1), 1e308 + 5);
 }
 
 TEST(Solver, EstimateAtTypedPoint) {
