@@ -73,15 +73,6 @@ constexpr double kPoints[] = {0.0, 1.0, -2.5, 1e-300, 1e300, std::numeric_limits
 
 // ---- Files ----
 
-std::string joined(const std::vector<std::string>& lines) {
-  std::string text;
-  for (const std::string& line : lines) {
-    text += line;
-    text += "\r\n";
-  }
-  return text;
-}
-
 std::string trimmed(const std::string& name) {
   const size_t first = name.find_first_not_of(" \t");
   if (first == std::string::npos) return {};
@@ -177,15 +168,15 @@ std::string CheckRegressionFile(std::string_view input) {
 
   // Blanks around a name are not kept by the file (the window's names have none).
   for (std::string& name : problem.names) name = trimmed(name);
-  const std::string specText = joined(SpecificationLines(problem));
-  const std::string dataOut = joined(DataLines(problem));
+  const std::string specText = SpecificationText(problem);
+  const std::string dataOut = DataText(problem);
   RegressionProblem again;
   try {
     again = ParseRegressionFiles("fuzz.reg", specText, dataOut);
   } catch (const RegressionFileError& e) {
     return std::string("an accepted problem cannot be read back once written: ") + e.what();
   }
-  if (joined(SpecificationLines(again)) != specText || joined(DataLines(again)) != dataOut)
+  if (SpecificationText(again) != specText || DataText(again) != dataOut)
     return "writing and reading again changes the files";
   return "";
 }

@@ -9,19 +9,6 @@
 
 namespace orvane::fuzz {
 
-namespace {
-
-std::string joined(const std::vector<std::string>& lines) {
-  std::string text;
-  for (const std::string& line : lines) {
-    text += line;
-    text += "\r\n";
-  }
-  return text;
-}
-
-}  // namespace
-
 // A table the reader accepts is consistent and can be saved as a regression file pair
 // and read back.
 std::string CheckCsvProblem(std::string_view input) {
@@ -39,7 +26,7 @@ std::string CheckCsvProblem(std::string_view input) {
     for (int j = 1; j <= problem.m + 1; ++j)
       if (!std::isfinite(problem.X(j, i))) return "a value that is not finite accepted";
   try {
-    ParseRegressionFiles("fuzz.reg", joined(SpecificationLines(problem)), joined(DataLines(problem)));
+    ParseRegressionFiles("fuzz.reg", SpecificationText(problem), DataText(problem));
   } catch (const RegressionFileError& e) {
     return std::string("an accepted table cannot be saved and read back as a regression file pair: ") + e.what();
   }

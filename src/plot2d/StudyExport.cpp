@@ -1,13 +1,11 @@
 #include "plot2d/StudyExport.h"
 
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <initializer_list>
 
 #include "platform/Canvas.h"
 #include "platform/NumberText.h"
 #include "platform/RuntimeError.h"
+#include "platform/SafeFile.h"
 
 namespace orvane {
 
@@ -68,65 +66,32 @@ std::vector<std::string> studyExportLines(const StudyExportInput& in, const Stud
   return lines;
 }
 
-void writeLinesAtomically(const std::string& path, const std::vector<std::string>& lines) {
-  namespace fs = std::filesystem;
-  const std::string temp = path + ".orvane-tmp";
-  {
-    std::ofstream out(temp, std::ios::binary | std::ios::trunc);
-    if (out) {
-      for (const std::string& line : lines) out << line << "\r\n";
-      out.flush();
-    }
-    if (!out) {
-      std::error_code ignored;
-      fs::remove(temp, ignored);
-      throw RuntimeError(err::PathFileAccess, "Path/File access error: " + path);
-    }
-  }
-  std::error_code ec;
-  fs::rename(temp, path, ec);
-  if (ec) {
-    std::error_code ignored;
-    fs::remove(temp, ignored);
-    throw RuntimeError(err::PathFileAccess, "Path/File access error: " + path);
-  }
-}
-
 std::string exportBitmapName(const std::string& path) { return path + ".bmp"; }
-
-void savePictureAtomically(const Canvas& picture, const std::string& path) {
-  namespace fs = std::filesystem;
-  const std::string temp = path + ".orvane-tmp";
-  std::error_code ec;
-  if (picture.SavePicture(temp)) fs::rename(temp, path, ec);
-  else ec = std::make_error_code(std::errc::io_error);
-  if (ec) {
-    std::error_code ignored;
-    fs::remove(temp, ignored);
-    throw RuntimeError(err::PathFileAccess, "Path/File access error: " + path);
-  }
-}
 
 void exportStudy(const std::string& path, const StudyExportInput& input,
                  const StudyResults& results, Canvas& picture, bool graphDrawn, bool persist,
                  const std::function<void()>& replot) {
-  if (graphDrawn) {
-    if (persist) {
-      savePictureAtomically(picture, exportBitmapName(path));
-    } else {
+  try {
+    SafeSave save;
+    if (graphDrawn && persist) {
+      save.Picture(exportBitmapName(path), picture);
+    } else if (graphDrawn) {
       // The image is switched on and drawn again so that it holds the graph.
       picture.SetAutoRedraw(true);
       if (replot) replot();
       try {
-        savePictureAtomically(picture, exportBitmapName(path));
+        save.Picture(exportBitmapName(path), picture);
       } catch (...) {
         picture.SetAutoRedraw(false);
         throw;
       }
       picture.SetAutoRedraw(false);
     }
+    save.Lines(path, studyExportLines(input, results));
+    save.Commit();
+  } catch (const SaveError& e) {
+    throw RuntimeError(err::PathFileAccess, "Path/File access error: " + e.target());
   }
-  writeLinesAtomically(path, studyExportLines(input, results));
 }
 
 }  // namespace orvane

@@ -26,21 +26,13 @@ struct StudyExportInput {
 std::vector<std::string> studyExportLines(const StudyExportInput& input,
                                           const StudyResults& results);
 
-// Writes the lines with CR LF ends to a temporary file beside path and renames it over
-// path, so a failed save leaves the previous file as it was. RuntimeError 75 when the
-// file cannot be written.
-void writeLinesAtomically(const std::string& path, const std::vector<std::string>& lines);
-
 // The graph's bitmap beside the export file: the file's full name with ".bmp" added.
 std::string exportBitmapName(const std::string& path);
 
-// Saves the picture as a bitmap through a temporary file beside path, renamed over it.
-// RuntimeError 75 when it cannot be written; an earlier file at path is then kept.
-void savePictureAtomically(const Canvas& picture, const std::string& path);
-
 // The whole export: when a graph is drawn, the picture saved as the bitmap (switching
-// the image on and re-plotting through replot() when it is not persistent), then the
-// file. RuntimeError 75 when the bitmap or the file cannot be written.
+// the image on and re-plotting through replot() when it is not persistent), and the
+// file, both replacing earlier ones only once both are written. RuntimeError 75 when
+// either cannot be written; the earlier files are then kept.
 void exportStudy(const std::string& path, const StudyExportInput& input,
                  const StudyResults& results, Canvas& picture, bool graphDrawn, bool persist,
                  const std::function<void()>& replot);

@@ -1,16 +1,17 @@
 #include "regression/RegressionFile.h"
 
+#include <algorithm>
 #include <cmath>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string_view>
 
 #include "platform/NumberText.h"
 #include "platform/RuntimeError.h"
+#include "platform/SafeFile.h"
 
 namespace orvane {
 namespace {
+
+constexpr const char* kLineEnd = "\r\n";
 
 std::string quoted(const std::string& text) { return "\"" + text + "\""; }
 
@@ -31,25 +32,12 @@ std::string_view trim(std::string_view text) {
   return text;
 }
 
-std::vector<std::string> splitLines(const std::string& text) {
-  std::vector<std::string> lines;
-  size_t start = 0;
-  while (start < text.size()) {
-    size_t end = text.find('\n', start);
-    if (end == std::string::npos) end = text.size();
-    std::string line = text.substr(start, end - start);
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    lines.push_back(std::move(line));
-    start = end + 1;
-  }
-  return lines;
-}
-
 // Reads one file line by line, each line as the fields of one record; every failure
-// names the file, the line and what the line should have held.
+// names the file, the line and what the line should have held. Lines are taken from the
+// text as they are reached, so a file of millions of values costs no more than its text.
 class LineReader {
  public:
-  LineReader(std::string file, const std::string& text) : file_(std::move(file)), lines_(splitLines(text)) {}
+  LineReader(std::string file, std::string_view text) : file_(std::move(file)), text_(text) {}
 
   [[noreturn]] void fail(const std::string& expected) const {
     throw RegressionFileError(file_, current_, expected);
@@ -57,40 +45,48 @@ class LineReader {
 
   // The fields of the next line; exactly `count` of them.
   std::vector<std::string> record(size_t count, const std::string& expected) {
-    if (next_ >= lines_.size()) {
-      current_ = static_cast<int>(lines_.size()) + 1;
-      fail(expected + " (the file ends before it)");
-    }
-    current_ = static_cast<int>(next_) + 1;
     std::vector<std::string> fields;
-    if (!split(lines_[next_++], fields, count) || fields.size() != count) fail(expected);
+    if (!split(nextLine(expected), fields, count) || fields.size() != count) fail(expected);
     return fields;
   }
   std::string field(const std::string& expected) { return record(1, expected)[0]; }
   // A name line: read as a field, but a name the program itself wrote with a stray
   // quote in it ("x or "a"b) is taken as it stands rather than refused.
   std::string name(const std::string& expected) {
-    if (next_ < lines_.size()) {
-      const std::string& line = lines_[next_];
+    if (!atEnd()) {
+      const size_t start = pos_;
+      const std::string_view line = nextLine(expected);
       std::vector<std::string> fields;
-      if (line.find(',') == std::string::npos && (!split(line, fields, 1) || fields.size() != 1)) {
-        current_ = static_cast<int>(++next_);
+      if (line.find(',') == std::string_view::npos && (!split(line, fields, 1) || fields.size() != 1))
         return std::string(trim(line));
-      }
+      pos_ = start;
+      --current_;
     }
     return field(expected);
   }
 
+  // A value line: one number. The description is made only when the line is wrong.
+  template <typename Describe>
+  double value(Describe describe) {
+    std::vector<std::string> fields;
+    const std::string_view line = nextLine({}, describe);
+    double result = 0;
+    if (!split(line, fields, 1) || fields.size() != 1 || !parse(fields[0], result)) fail(describe());
+    return result;
+  }
+
   // How many lines are left to read.
-  size_t remaining() const { return lines_.size() - next_; }
+  size_t remaining() const {
+    const std::string_view rest = text_.substr(pos_);
+    const auto ends = static_cast<size_t>(std::count(rest.begin(), rest.end(), '\n'));
+    return ends + (!rest.empty() && rest.back() != '\n' ? 1 : 0);
+  }
   int lineNumber() const { return current_; }
 
   double number(const std::string& text, const std::string& expected) const {
-    try {
-      return parseStrict(text);
-    } catch (const RuntimeError&) {
-      fail(expected);
-    }
+    double result = 0;
+    if (!parse(text, result)) fail(expected);
+    return result;
   }
   int32_t count(const std::string& text, int32_t least, const std::string& expected) const {
     const double value = number(text, expected);
@@ -112,6 +108,34 @@ class LineReader {
   }
 
  private:
+  bool atEnd() const { return pos_ >= text_.size(); }
+
+  // The next line without its end; `expected` (or the description) names what is
+  // missing when the file ends first.
+  std::string_view nextLine(const std::string& expected) {
+    return nextLine(expected, [] { return std::string(); });
+  }
+  template <typename Describe>
+  std::string_view nextLine(const std::string& expected, Describe describe) {
+    ++current_;
+    if (atEnd()) fail((expected.empty() ? describe() : expected) + " (the file ends before it)");
+    size_t end = text_.find('\n', pos_);
+    if (end == std::string_view::npos) end = text_.size();
+    std::string_view line = text_.substr(pos_, end - pos_);
+    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+    pos_ = end + 1;
+    return line;
+  }
+
+  static bool parse(const std::string& text, double& result) {
+    try {
+      result = parseStrict(text);
+      return true;
+    } catch (const RuntimeError&) {
+      return false;
+    }
+  }
+
   // Fields end at a "," or at the line end; blanks around them are ignored; a quoted
   // text is taken without its quotes. False past `most` fields: a line of commas must
   // not become millions of strings.
@@ -138,48 +162,16 @@ class LineReader {
   }
 
   std::string file_;
-  std::vector<std::string> lines_;
-  size_t next_ = 0;
+  std::string_view text_;
+  size_t pos_ = 0;
   int current_ = 0;
 };
 
 std::string readWholeFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) throw RegressionFileError("Cannot open the file " + path);
-  std::ostringstream text;
-  text << in.rdbuf();
-  if (in.bad()) throw RegressionFileError("Cannot read the file " + path);
-  return text.str();
-}
-
-// Writes the lines to a temporary file beside the target; returns its name.
-std::string writeTemporary(const std::string& target, const std::vector<std::string>& lines) {
-  namespace fs = std::filesystem;
-  const std::string temporary = target + ".orvane-save~";
-  {
-    std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-    if (!out) throw RegressionFileError("Cannot write the file " + target);
-    for (const std::string& line : lines) out << line << "\r\n";
-    out.flush();
-    if (!out) {
-      out.close();
-      std::error_code ignored;
-      fs::remove(temporary, ignored);
-      throw RegressionFileError("Cannot write the file " + target);
-    }
-  }
-  return temporary;
-}
-
-void replaceWith(const std::string& temporary, const std::string& target) {
-  namespace fs = std::filesystem;
-  std::error_code error;
-  fs::rename(temporary, target, error);
-  if (error) {
-    std::error_code ignored;
-    fs::remove(temporary, ignored);
-    throw RegressionFileError("Cannot write the file " + target + ": " + error.message());
-  }
+  std::string reason;
+  std::optional<std::string> text = ReadWholeFile(path, &reason);
+  if (!text) throw RegressionFileError("Cannot read the file " + path + ": " + reason);
+  return std::move(*text);
 }
 
 }  // namespace
@@ -189,47 +181,40 @@ RegressionFileError::RegressionFileError(const std::string& file, int line, cons
 
 std::string DataFileName(const std::string& specificationFile) { return specificationFile + ".dat"; }
 
-std::vector<std::string> SpecificationLines(const RegressionProblem& p) {
-  std::vector<std::string> lines;
-  lines.push_back(std::to_string(p.N) + "," + std::to_string(p.m) + "," +
-                  (p.computed ? "#TRUE#" : "#FALSE#") + "," + quoted(p.dependentName));
-  for (const std::string& name : p.names) lines.push_back(name);
+std::string SpecificationText(const RegressionProblem& p) {
+  std::string text = std::to_string(p.N) + "," + std::to_string(p.m) + "," +
+                     (p.computed ? "#TRUE#" : "#FALSE#") + "," + quoted(p.dependentName) + kLineEnd;
+  for (const std::string& name : p.names) text += name + kLineEnd;
   if (p.computed) {
-    for (int j = 0; j <= p.m; ++j) lines.push_back(valueLine(p.A[j]));
-    lines.push_back(statisticsRecord(p.statistics));
+    for (int j = 0; j <= p.m; ++j) text += valueLine(p.A[j]) + kLineEnd;
+    text += statisticsRecord(p.statistics) + kLineEnd;
   }
-  return lines;
+  return text;
 }
 
-std::vector<std::string> DataLines(const RegressionProblem& p) {
-  std::vector<std::string> lines;
-  lines.reserve(static_cast<size_t>(p.N) * (p.m + 1) + 2);
-  lines.push_back(std::to_string(p.N) + "," + std::to_string(p.m));
+std::string DataText(const RegressionProblem& p) {
+  std::string text = std::to_string(p.N) + "," + std::to_string(p.m) + kLineEnd;
+  text.reserve(text.size() + static_cast<size_t>(p.N) * static_cast<size_t>(p.m + 1) * 20);
   for (int i = 1; i <= p.N; ++i)
     for (int j = 1; j <= p.m + 1; ++j)  // sets not yet dimensioned are zeros
-      lines.push_back(valueLine(i <= p.X.lastRow() && j <= p.X.lastColumn() ? p.X(j, i) : 0.0));
-  if (p.computed) lines.push_back(statisticsRecord(p.statistics));
-  return lines;
+      (text += valueLine(i <= p.X.lastRow() && j <= p.X.lastColumn() ? p.X(j, i) : 0.0)) += kLineEnd;
+  if (p.computed) text += statisticsRecord(p.statistics) + kLineEnd;
+  return text;
 }
 
 void WriteRegressionFiles(const std::string& specificationFile, const RegressionProblem& problem) {
-  namespace fs = std::filesystem;
   // Both files are written in full before either replaces its old version, so a failed
   // write leaves the previous pair as it was, not a new specification beside old data.
-  const std::string dataFile = DataFileName(specificationFile);
-  const std::string specificationTemporary = writeTemporary(specificationFile, SpecificationLines(problem));
-  std::string dataTemporary;
+  // The data file is renamed first: a directory or a locked file in its place fails
+  // there, while the specification file is still untouched.
   try {
-    dataTemporary = writeTemporary(dataFile, DataLines(problem));
-    // The data file goes first: a directory or a locked file in its place fails here,
-    // while the specification file is still untouched.
-    replaceWith(dataTemporary, dataFile);
-  } catch (...) {
-    std::error_code ignored;
-    fs::remove(specificationTemporary, ignored);
-    throw;
+    SafeSave save;
+    save.Text(DataFileName(specificationFile), DataText(problem));
+    save.Text(specificationFile, SpecificationText(problem));
+    save.Commit();
+  } catch (const SaveError& e) {
+    throw RegressionFileError("Cannot write the file " + e.target() + ": " + e.reason());
   }
-  replaceWith(specificationTemporary, specificationFile);
 }
 
 RegressionProblem ReadRegressionFiles(const std::string& specificationFile) {
@@ -293,9 +278,10 @@ RegressionProblem ParseRegressionFiles(const std::string& specificationFile,
   p.dimensionData();
   for (int i = 1; i <= p.N; ++i) {
     for (int j = 1; j <= p.m + 1; ++j) {
-      const std::string what = (j <= p.m ? "the value of " + p.names[j - 1] : "the value of " + p.dependentName) +
-                               " in data set " + std::to_string(i);
-      p.X(j, i) = data.number(data.field(what), what);
+      p.X(j, i) = data.value([&] {
+        return "the value of " + (j <= p.m ? p.names[j - 1] : p.dependentName) + " in data set " +
+               std::to_string(i);
+      });
     }
   }
   if (p.computed) p.statistics = data.statistics();

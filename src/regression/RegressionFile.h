@@ -5,7 +5,6 @@
 
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 #include "regression/RegressionProblem.h"
 
@@ -22,9 +21,9 @@ class RegressionFileError : public std::runtime_error {
 // The name of the data file that goes with a specification file.
 std::string DataFileName(const std::string& specificationFile);
 
-// The lines of the two files, without line ends.
-std::vector<std::string> SpecificationLines(const RegressionProblem& problem);
-std::vector<std::string> DataLines(const RegressionProblem& problem);
+// The texts of the two files, each line ended by CR LF.
+std::string SpecificationText(const RegressionProblem& problem);
+std::string DataText(const RegressionProblem& problem);
 
 // Writes both files, each to a temporary file beside it; only when both are complete
 // are they renamed over the targets, so a failed save leaves the previous pair as it was.

@@ -1,18 +1,16 @@
 #include "stereo/StereoExport.h"
 
-#include <cerrno>
 #include <cmath>
 #include <cstdint>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <initializer_list>
 #include <limits>
+#include <optional>
 #include <sstream>
 
 #include "platform/Canvas.h"
 #include "platform/NumberText.h"
 #include "platform/RuntimeError.h"
+#include "platform/SafeFile.h"
 
 namespace orvane {
 
@@ -97,20 +95,6 @@ std::string shown(std::string_view text) {
   constexpr size_t kLongest = 60;
   if (text.size() <= kLongest) return std::string(text);
   return std::string(text.substr(0, kLongest)) + "...";
-}
-
-std::vector<std::string> splitLines(const std::string& text) {
-  std::vector<std::string> lines;
-  size_t start = 0;
-  while (start < text.size()) {
-    size_t end = text.find('\n', start);
-    if (end == std::string::npos) end = text.size();
-    std::string line = text.substr(start, end - start);
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    lines.push_back(std::move(line));
-    start = end + 1;
-  }
-  return lines;
 }
 
 // Reads the records in order, each item straight into the fields, so that a fault
@@ -312,25 +296,12 @@ std::string FormatStereoFile(const StereoSettings& s, const std::vector<std::str
 
 void WriteStereoFile(const std::string& path, const StereoSettings& settings,
                      const std::vector<std::string>& constants) {
-  const std::string text = FormatStereoFile(settings, constants);
-  const std::string temp = path + ".part";
-  {
-    std::ofstream out(temp, std::ios::binary | std::ios::trunc);
-    if (out) out.write(text.data(), static_cast<std::streamsize>(text.size()));
-    if (out) out.flush();
-    if (!out) {
-      const std::string reason = std::strerror(errno);
-      std::error_code ignored;
-      std::filesystem::remove(temp, ignored);
-      throw RuntimeError(err::PathFileAccess, "Cannot write \"" + path + "\": " + reason);
-    }
-  }
-  std::error_code ec;
-  std::filesystem::rename(temp, path, ec);
-  if (ec) {
-    std::error_code ignored;
-    std::filesystem::remove(temp, ignored);
-    throw RuntimeError(err::PathFileAccess, "Cannot write \"" + path + "\": " + ec.message());
+  try {
+    SafeSave save;
+    save.Text(path, FormatStereoFile(settings, constants));
+    save.Commit();
+  } catch (const SaveError& e) {
+    throw RuntimeError(err::PathFileAccess, e.what());
   }
 }
 
@@ -341,34 +312,29 @@ void SaveStereoPictures(Canvas& left, Canvas& right, const std::string& path, bo
     right.SetAutoRedraw(true);
     if (replot) replot();
   }
-  // Both pictures go to temporary files first and are renamed over the targets only
-  // when both were written, so a failure leaves any previous pair as it was.
-  const std::string targets[2] = {path + "_left.bmp", path + "_right.bmp"};
-  const std::string temps[2] = {targets[0] + ".part", targets[1] + ".part"};
-  const bool leftSaved = left.SavePicture(temps[0]);
-  const bool rightSaved = leftSaved && right.SavePicture(temps[1]);
+  // Both pictures are written before either replaces a previous one.
+  try {
+    SafeSave save;
+    save.Picture(path + "_left.bmp", left);
+    save.Picture(path + "_right.bmp", right);
+    save.Commit();
+  } catch (const SaveError& e) {
+    if (!persist) {
+      left.SetAutoRedraw(false);
+      right.SetAutoRedraw(false);
+    }
+    throw RuntimeError(err::PathFileAccess, "Cannot write \"" + e.target() + "\"");
+  }
   if (!persist) {
     left.SetAutoRedraw(false);
     right.SetAutoRedraw(false);
-  }
-  auto fail = [&](const std::string& target) {
-    std::error_code ignored;
-    for (const std::string& temp : temps) std::filesystem::remove(temp, ignored);
-    throw RuntimeError(err::PathFileAccess, "Cannot write \"" + target + "\"");
-  };
-  if (!leftSaved) fail(targets[0]);
-  if (!rightSaved) fail(targets[1]);
-  for (int i = 0; i < 2; ++i) {
-    std::error_code ec;
-    std::filesystem::rename(temps[i], targets[i], ec);
-    if (ec) fail(targets[i]);
   }
 }
 
 StereoImport ParseStereoFile(const std::string& text, const std::string& name, const StereoFields& current) {
   StereoImport result;
   result.fields = current;
-  const std::vector<std::string> lines = splitLines(text);
+  const std::vector<std::string> lines = SplitLines(text);
   if (lines.empty() || splitRecord(lines[0], 1).front() != kStereoMagic) {
     result.status = ImportStatus::Incompatible;
     result.message = kIncompatibleFile;
@@ -387,17 +353,16 @@ StereoImport ParseStereoFile(const std::string& text, const std::string& name, c
 }
 
 StereoImport ReadStereoFile(const std::string& path, const StereoFields& current) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) {
+  std::string reason;
+  const std::optional<std::string> text = ReadWholeFile(path, &reason);
+  if (!text) {
     StereoImport result;
     result.fields = current;
     result.status = ImportStatus::Unreadable;
-    result.message = "Cannot open \"" + path + "\": " + std::strerror(errno) + ".";
+    result.message = "Cannot open \"" + path + "\": " + reason + ".";
     return result;
   }
-  std::ostringstream text;
-  text << in.rdbuf();
-  return ParseStereoFile(text.str(), path, current);
+  return ParseStereoFile(*text, path, current);
 }
 
 }  // namespace orvane

@@ -172,10 +172,7 @@ TEST(RegressionFileHostile, NamesWithQuotesAndCommas) {
     p.dimensionData();
     p.X(1, 1) = 2;
     p.X(2, 1) = -3;
-    std::string spec, data;
-    for (const std::string& l : SpecificationLines(p)) spec += l + "\r\n";
-    for (const std::string& l : DataLines(p)) data += l + "\r\n";
-    const RegressionProblem back = ParseRegressionFiles(kSpec, spec, data);
+    const RegressionProblem back = ParseRegressionFiles(kSpec, SpecificationText(p), DataText(p));
     ASSERT_EQ(back.names.size(), 1u);
     EXPECT_EQ(back.names[0], name);
     EXPECT_EQ(back.X(2, 1), -3);

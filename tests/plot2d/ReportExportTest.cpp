@@ -196,9 +196,9 @@ TEST_F(StudyExportTest, BitmapBesideTheFileWhenAGraphIsDrawn) {
   exportStudy(path, input_, StudyResults{}, picture, true, false,
               [&] { imageOnDuringReplot = picture.AutoRedraw(); });
   // Written beside the target and moved over it.
-  EXPECT_EQ(picture.saved, (std::vector<std::string>{path + ".bmp.orvane-tmp"}));
+  EXPECT_EQ(picture.saved, (std::vector<std::string>{path + ".bmp.part"}));
   EXPECT_EQ(read(path + ".bmp"), "BM");
-  EXPECT_FALSE(std::filesystem::exists(path + ".bmp.orvane-tmp"));
+  EXPECT_FALSE(std::filesystem::exists(path + ".bmp.part"));
   EXPECT_TRUE(imageOnDuringReplot);
   EXPECT_FALSE(picture.AutoRedraw());
 
@@ -219,13 +219,16 @@ TEST_F(StudyExportTest, BitmapBesideTheFileWhenAGraphIsDrawn) {
   EXPECT_FALSE(picture.AutoRedraw());
 }
 
-TEST_F(StudyExportTest, FailedSaveLeavesThePreviousFile) {
-  const std::filesystem::path path = dir_ / "study.dat";
-  writeLinesAtomically(path.string(), {"old"});
-  std::filesystem::create_directory(path.string() + ".orvane-tmp");  // blocks the temporary
-  EXPECT_THROW(writeLinesAtomically(path.string(), {"new"}), RuntimeError);
-  EXPECT_EQ(read(path), "old\r\n");
-  EXPECT_THROW(writeLinesAtomically((dir_ / "missing" / "x.dat").string(), {"new"}), RuntimeError);
+TEST_F(StudyExportTest, AFailedFileKeepsTheEarlierFileAndBitmap) {
+  const std::string path = (dir_ / "study.dat").string();
+  PictureLog picture;
+  exportStudy(path, input_, StudyResults{}, picture, true, true, {});
+  const std::string before = read(path);
+  std::filesystem::create_directory(path + ".part");  // the file's temporary cannot be made
+  EXPECT_THROW(exportStudy(path, input_, someResults(), picture, true, true, {}), RuntimeError);
+  EXPECT_EQ(read(path), before);
+  EXPECT_EQ(read(path + ".bmp"), "BM");
+  EXPECT_FALSE(std::filesystem::exists(path + ".bmp.part"));
   EXPECT_EQ(exportBitmapName("a/study.dat"), "a/study.dat.bmp");
 }
 

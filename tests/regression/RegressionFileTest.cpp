@@ -63,30 +63,30 @@ RegressionProblem sample() {
 
 TEST(RegressionFile, LinesBeforeAndAfterComputing) {
   RegressionProblem p = sample();
-  EXPECT_EQ(SpecificationLines(p), (std::vector<std::string>{"4,2,#FALSE#,\"yield\"", "x", "t"}));
+  EXPECT_EQ(SpecificationText(p), crlf({"4,2,#FALSE#,\"yield\"", "x", "t"}));
   const std::vector<std::string> data = {"4,2",  " 1",   " 0.5", " 3.5", " 2", "-1.25", "-3.5",
                                          " 3",   " 4",   " 0",   " 4.5", " 1E-07", " 12"};
-  EXPECT_EQ(DataLines(p), data);
+  EXPECT_EQ(DataText(p), crlf(data));
 
   p.computed = true;
   p.A = {-0.5, 2, 1e20, 7};
   p.statistics = {0.75, 1.5, 4.5, 3, -2.5e-5};
-  EXPECT_EQ(SpecificationLines(p), (std::vector<std::string>{"4,2,#TRUE#,\"yield\"", "x", "t", "-0.5", " 2",
-                                                            " 1E+20", "0.75,1.5,4.5,3,-2.5E-05"}));
+  EXPECT_EQ(SpecificationText(p),
+            crlf({"4,2,#TRUE#,\"yield\"", "x", "t", "-0.5", " 2", " 1E+20", "0.75,1.5,4.5,3,-2.5E-05"}));
   std::vector<std::string> computedData = data;
   computedData.push_back("0.75,1.5,4.5,3,-2.5E-05");
-  EXPECT_EQ(DataLines(p), computedData);
+  EXPECT_EQ(DataText(p), crlf(computedData));
 
   // One variable: exactly one name line.
   RegressionProblem one = makeProblem(1, {{1, 2}, {2, 3}, {3, 5}}, {"x"});
-  EXPECT_EQ(SpecificationLines(one), (std::vector<std::string>{"3,1,#FALSE#,\"y\"", "x"}));
+  EXPECT_EQ(SpecificationText(one), crlf({"3,1,#FALSE#,\"y\"", "x"}));
   // Saved before the sets exist: zeros, not a read outside the matrix.
   RegressionProblem bare;
   bare.m = 1;
   bare.N = 3;
   bare.names = {"x"};
   bare.dependentName = "y";
-  EXPECT_EQ(DataLines(bare), (std::vector<std::string>{"3,1", " 0", " 0", " 0", " 0", " 0", " 0"}));
+  EXPECT_EQ(DataText(bare), crlf({"3,1", " 0", " 0", " 0", " 0", " 0", " 0"}));
 }
 
 TEST(RegressionFile, RoundTripThroughDisk) {
@@ -100,8 +100,8 @@ TEST(RegressionFile, RoundTripThroughDisk) {
     }
     WriteRegressionFiles(spec, p);
     ASSERT_TRUE(fs::exists(dir.file("study.txt.dat")));
-    EXPECT_EQ(readText(spec), crlf(SpecificationLines(p)));
-    EXPECT_EQ(readText(spec + ".dat"), crlf(DataLines(p)));
+    EXPECT_EQ(readText(spec), SpecificationText(p));
+    EXPECT_EQ(readText(spec + ".dat"), DataText(p));
     EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), fs::directory_iterator()), 2)
         << "no temporary file left behind";
 
