@@ -4,6 +4,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include "BenchRun.h"
+
 #include <QGuiApplication>
 #include <cmath>
 #include <cstdio>
@@ -99,21 +101,6 @@ bool integralIsRight() {
   return true;
 }
 
-// Keeps the fastest repetition's time per iteration (ms) by benchmark name.
-class Recorder : public benchmark::ConsoleReporter {
- public:
-  std::map<std::string, double> ms;
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& r : runs) {
-      if (r.run_type != Run::RT_Iteration) continue;
-      const std::string name = r.run_name.function_name;
-      const double t = r.GetAdjustedRealTime();  // in the benchmark's unit, ms
-      if (!ms.count(name) || t < ms[name]) ms[name] = t;
-    }
-    ConsoleReporter::ReportRuns(runs);
-  }
-};
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -125,20 +112,12 @@ int main(int argc, char** argv) {
 
   benchmark::RegisterBenchmark("plot_600x400", plot600x400)->Unit(benchmark::kMillisecond);
   benchmark::RegisterBenchmark("integral_2p20", integral2p20)->Unit(benchmark::kMillisecond);
-  std::vector<char*> args(argv, argv + argc);
-  std::string repetitions = "--benchmark_repetitions=5";
-  bool given = false;
-  for (int i = 1; i < argc; ++i) given |= std::string(argv[i]).starts_with("--benchmark_repetitions");
-  if (!given) args.push_back(repetitions.data());
-  int count = static_cast<int>(args.size());
-  benchmark::Initialize(&count, args.data());
-  Recorder recorder;
-  benchmark::RunSpecifiedBenchmarks(&recorder);
-  benchmark::Shutdown();
+  const orvane::bench::FastestRuns runs =
+      orvane::bench::RunBenchmarks(argc, argv, {"--benchmark_repetitions=5"});
 
-  if (recorder.ms.count("plot_600x400"))
-    std::printf("figure plot2d.plot_600x400 %.2f ms\n", recorder.ms["plot_600x400"]);
-  if (recorder.ms.count("integral_2p20"))
-    std::printf("figure plot2d.integral_2p20 %.2f ms\n", recorder.ms["integral_2p20"]);
+  if (runs.has("plot_600x400"))
+    std::printf("figure plot2d.plot_600x400 %.2f ms\n", runs["plot_600x400"]);
+  if (runs.has("integral_2p20"))
+    std::printf("figure plot2d.integral_2p20 %.2f ms\n", runs["integral_2p20"]);
   return 0;
 }

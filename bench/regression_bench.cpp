@@ -7,6 +7,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include "BenchRun.h"
+
 #include <cstdio>
 #include <map>
 #include <random>
@@ -52,20 +54,6 @@ void fit(benchmark::State& state, int m) {
   state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(kSets));
 }
 
-class Recorder : public benchmark::ConsoleReporter {
- public:
-  std::map<std::string, double> ms;
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& r : runs) {
-      if (r.run_type != Run::RT_Iteration || r.error_occurred) continue;
-      const std::string name = r.run_name.function_name;
-      const double t = r.GetAdjustedRealTime();  // in the run's time unit, set to ms below
-      if (!ms.count(name) || t < ms[name]) ms[name] = t;
-    }
-    ConsoleReporter::ReportRuns(runs);
-  }
-};
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -75,13 +63,8 @@ int main(int argc, char** argv) {
   benchmark::RegisterBenchmark("fit_1e6_m5", [](benchmark::State& s) { fit(s, 5); })
       ->Unit(benchmark::kMillisecond)
       ->Repetitions(5);
-  benchmark::Initialize(&argc, argv);
-  Recorder recorder;
-  benchmark::RunSpecifiedBenchmarks(&recorder);
-  benchmark::Shutdown();
-  for (const char* name : {"fit_1e6_m1", "fit_1e6_m5"}) {
-    const auto found = recorder.ms.find(name);
-    if (found != recorder.ms.end()) std::printf("figure regression.%s.ms %.2f ms\n", name, found->second);
-  }
+  const orvane::bench::FastestRuns runs = orvane::bench::RunBenchmarks(argc, argv);
+  for (const char* name : {"fit_1e6_m1", "fit_1e6_m5"})
+    if (runs.has(name)) std::printf("figure regression.%s.ms %.2f ms\n", name, runs[name]);
   return 0;
 }

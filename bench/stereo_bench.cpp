@@ -4,6 +4,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include "BenchRun.h"
+
 #include <cstdio>
 #include <map>
 #include <string>
@@ -67,21 +69,6 @@ void plotZxyHigh(benchmark::State& state) {
   for (auto _ : state) w.plot();
 }
 
-// Keeps the fastest repetition's time per iteration, in milliseconds, by benchmark name.
-class Recorder : public benchmark::ConsoleReporter {
- public:
-  std::map<std::string, double> ms;
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& r : runs) {
-      if (r.run_type != Run::RT_Iteration) continue;
-      const std::string name = r.run_name.function_name;
-      const double t = r.GetAdjustedRealTime();
-      if (!ms.count(name) || t < ms[name]) ms[name] = t;
-    }
-    ConsoleReporter::ReportRuns(runs);
-  }
-};
-
 // A plot that drew nothing would be fast for the wrong reason.
 bool drawsTheSurface(const StereoFields& fields) {
   StereoWindow w(fields);
@@ -100,17 +87,9 @@ int main(int argc, char** argv) {
   if (!drawsTheSurface(withDots(0, 0)) || !drawsTheSurface(withDots(1, 1))) return 1;
   benchmark::RegisterBenchmark("plot_5000dots", plotDefault)->Unit(benchmark::kMillisecond);
   benchmark::RegisterBenchmark("plot_zxy_high_5000dots", plotZxyHigh)->Unit(benchmark::kMillisecond);
-  std::vector<char*> args(argv, argv + argc);
-  std::string repetitions = "--benchmark_repetitions=5";
-  bool given = false;
-  for (int i = 1; i < argc; ++i) given |= std::string(argv[i]).starts_with("--benchmark_repetitions");
-  if (!given) args.push_back(repetitions.data());
-  int count = static_cast<int>(args.size());
-  benchmark::Initialize(&count, args.data());
-  Recorder recorder;
-  benchmark::RunSpecifiedBenchmarks(&recorder);
-  benchmark::Shutdown();
+  const orvane::bench::FastestRuns runs =
+      orvane::bench::RunBenchmarks(argc, argv, {"--benchmark_repetitions=5"});
   for (const char* name : {"plot_5000dots", "plot_zxy_high_5000dots"})
-    if (recorder.ms.count(name)) std::printf("figure stereo.%s %.2f ms\n", name, recorder.ms[name]);
+    if (runs.has(name)) std::printf("figure stereo.%s %.2f ms\n", name, runs[name]);
   return 0;
 }
