@@ -540,44 +540,47 @@ StudyFieldTexts frmPlot::ReadSettings() {
 
 // ---- Study commands ----
 
-void frmPlot::cmdRoots_Click() {
-  Command command(*this);
+// One study command on f(x) as the fields give it, with the busy pointer shown; the
+// routine's result is returned for the window to show.
+template <typename Study>
+auto frmPlot::runStudy(Study study) {
   sh.ierr = 0;
   dialogs_.SetBusy(true);
-  lstRoots->clear();
   const StudyFieldTexts texts = ReadSettings();
   EngineFunction f(ScriptControl1, sh, texts.equation);
   DerivativeEvaluator d(f);
-  results_.roots = findRoots(d, texts);
-  for (const std::string& line : results_.roots.list) lstRoots->addItem(qs(line));
-  if (results_.roots.label) lblRoots->setText(qs(*results_.roots.label));
+  auto result = study(d, texts);
   dialogs_.SetBusy(false);
+  return result;
+}
+
+namespace {
+// A list's lines and its label; the label stays when the search ended in an error.
+template <typename Result>
+void showFound(QListWidget* list, QLabel* label, const Result& result) {
+  for (const std::string& line : result.list) list->addItem(qs(line));
+  if (result.label) label->setText(qs(*result.label));
+}
+}  // namespace
+
+void frmPlot::cmdRoots_Click() {
+  Command command(*this);
+  lstRoots->clear();
+  results_.roots = runStudy([](DerivativeEvaluator& d, const StudyFieldTexts& t) { return findRoots(d, t); });
+  showFound(lstRoots, lblRoots, results_.roots);
 }
 
 void frmPlot::cmdIntegrate_Click() {
   Command command(*this);
-  sh.ierr = 0;
-  dialogs_.SetBusy(true);
-  const StudyFieldTexts texts = ReadSettings();
-  EngineFunction f(ScriptControl1, sh, texts.equation);
-  DerivativeEvaluator d(f);
-  results_.integral = integrate(d, texts);
+  results_.integral = runStudy([](DerivativeEvaluator& d, const StudyFieldTexts& t) { return integrate(d, t); });
   if (results_.integral.label) lblIntegral->setText(qs(*results_.integral.label));
-  dialogs_.SetBusy(false);
 }
 
 void frmPlot::cmdExtrema_Click() {
   Command command(*this);
-  sh.ierr = 0;
-  dialogs_.SetBusy(true);
   lstExtrema->clear();
-  const StudyFieldTexts texts = ReadSettings();
-  EngineFunction f(ScriptControl1, sh, texts.equation);
-  DerivativeEvaluator d(f);
-  results_.extrema = findExtrema(d, texts);
-  for (const std::string& line : results_.extrema.list) lstExtrema->addItem(qs(line));
-  if (results_.extrema.label) lblExtrema->setText(qs(*results_.extrema.label));
-  dialogs_.SetBusy(false);
+  results_.extrema = runStudy([](DerivativeEvaluator& d, const StudyFieldTexts& t) { return findExtrema(d, t); });
+  showFound(lstExtrema, lblExtrema, results_.extrema);
 }
 
 void frmPlot::cmdDerVal_Click() {

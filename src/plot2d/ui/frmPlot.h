@@ -114,6 +114,8 @@ class frmPlot : public QWidget {
 
   // The settings reader: registers the user constants, then the study fields' texts.
   StudyFieldTexts ReadSettings();
+  template <typename Study>
+  auto runStudy(Study study);
   PlotSetupTexts plotSetupTexts() const;
   // The plot driver: draws the whole graph on the picture (not cleared first).
   void PlotDriver();
