@@ -123,7 +123,7 @@ class LineReader {
     if (end == std::string_view::npos) end = text_.size();
     std::string_view line = text_.substr(pos_, end - pos_);
     if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-    pos_ = end + 1;
+    pos_ = std::min(end + 1, text_.size());  // a last line may have no end
     return line;
   }
 
