@@ -1,5 +1,6 @@
 #include "platform/NumberText.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -22,11 +23,16 @@ std::string formatWithDigits(double value, int digits) {
   if (std::isinf(value)) return value < 0 ? "-1.#INF" : "1.#INF";
 
   // Round to the significant digits first: the rounded magnitude picks the notation.
+  // to_chars rounds exactly as printf does, without its locale and format parsing: a
+  // file of a million values is written mostly here.
   char buf[64];
-  std::snprintf(buf, sizeof buf, "%.*e", digits - 1, value);
-  const char* ep = std::strchr(buf, 'e');
-  const int exponent = std::atoi(ep + 1);
+  const char* const end = std::to_chars(buf, buf + sizeof buf, value, std::chars_format::scientific, digits - 1).ptr;
+  const char* const begin = buf;
+  const char* ep = std::find(begin, end, 'e');
+  int exponent = 0;
+  std::from_chars(ep + (ep[1] == '+' ? 2 : 1), end, exponent);
   std::string significand;
+  significand.reserve(static_cast<size_t>(digits));
   for (const char* p = buf; p != ep; ++p)
     if (*p >= '0' && *p <= '9') significand += *p;
   while (significand.size() > 1 && significand.back() == '0') significand.pop_back();
