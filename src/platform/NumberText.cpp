@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <string>
 
 #include "platform/RuntimeError.h"
@@ -13,6 +14,35 @@
 namespace orvane {
 
 namespace {
+
+// The significant digits of `value` rounded to `digits` of them, trailing zeros
+// dropped, and the decimal exponent of the first. The shortest text that reads back as
+// the value is taken when it has no more digits: it lies within half a unit in the last
+// place of the value, closer than half a step of `digits` digits (at most 15 for a
+// normal double), so it is the rounding. Otherwise to_chars rounds exactly as printf does.
+struct Significand {
+  char text[24];
+  int length = 0;
+  int exponent = 0;
+};
+
+Significand roundedDigits(double value, int digits) {
+  char buf[64];
+  const char* const begin = buf;
+  const char* end = std::to_chars(buf, buf + sizeof buf, value, std::chars_format::scientific).ptr;
+  const char* e = std::find(begin, end, 'e');
+  const bool subnormal = std::fabs(value) < std::numeric_limits<double>::min();  // coarser steps
+  if (subnormal || std::count_if(begin, e, [](char c) { return c >= '0' && c <= '9'; }) > digits) {
+    end = std::to_chars(buf, buf + sizeof buf, value, std::chars_format::scientific, digits - 1).ptr;
+    e = std::find(begin, end, 'e');
+  }
+  Significand r;
+  std::from_chars(e + (e[1] == '+' ? 2 : 1), end, r.exponent);
+  for (const char* p = begin; p != e; ++p)
+    if (*p >= '0' && *p <= '9') r.text[r.length++] = *p;
+  while (r.length > 1 && r.text[r.length - 1] == '0') --r.length;
+  return r;
+}
 
 // Shortest text of a value with at most `digits` significant digits: plain notation
 // while the decimal exponent lies in [-4, digits - 1], else a mantissa with an "E",
@@ -23,47 +53,48 @@ std::string formatWithDigits(double value, int digits) {
   if (std::isinf(value)) return value < 0 ? "-1.#INF" : "1.#INF";
 
   // Round to the significant digits first: the rounded magnitude picks the notation.
-  // to_chars rounds exactly as printf does, without its locale and format parsing: a
-  // file of a million values is written mostly here.
-  char buf[64];
-  const char* const end = std::to_chars(buf, buf + sizeof buf, value, std::chars_format::scientific, digits - 1).ptr;
-  const char* const begin = buf;
-  const char* ep = std::find(begin, end, 'e');
-  int exponent = 0;
-  std::from_chars(ep + (ep[1] == '+' ? 2 : 1), end, exponent);
-  std::string significand;
-  significand.reserve(static_cast<size_t>(digits));
-  for (const char* p = buf; p != ep; ++p)
-    if (*p >= '0' && *p <= '9') significand += *p;
-  while (significand.size() > 1 && significand.back() == '0') significand.pop_back();
-
-  std::string out = value < 0 ? "-" : "";
+  const Significand d = roundedDigits(value, digits);
+  const std::string_view significand(d.text, static_cast<size_t>(d.length));
+  const int exponent = d.exponent;
+  char out[48];
+  size_t n = 0;
+  const auto put = [&](std::string_view part) {
+    part.copy(out + n, part.size());
+    n += part.size();
+  };
+  const auto zeros = [&](size_t count) {
+    std::fill_n(out + n, count, '0');
+    n += count;
+  };
+  if (value < 0) put("-");
   if (exponent >= -4 && exponent < digits) {
     if (exponent < 0) {
-      out += "0.";
-      out.append(static_cast<size_t>(-exponent - 1), '0');
-      out += significand;
+      put("0.");
+      zeros(static_cast<size_t>(-exponent - 1));
+      put(significand);
     } else {
       const size_t intLen = static_cast<size_t>(exponent) + 1;
       if (significand.size() <= intLen) {
-        out += significand;
-        out.append(intLen - significand.size(), '0');
+        put(significand);
+        zeros(intLen - significand.size());
       } else {
-        out += significand.substr(0, intLen);
-        out += '.';
-        out += significand.substr(intLen);
+        put(significand.substr(0, intLen));
+        put(".");
+        put(significand.substr(intLen));
       }
     }
-    return out;
+    return std::string(out, n);
   }
-  out += significand[0];
+  put(significand.substr(0, 1));
   if (significand.size() > 1) {
-    out += '.';
-    out += significand.substr(1);
+    put(".");
+    put(significand.substr(1));
   }
   char expText[16];
-  std::snprintf(expText, sizeof expText, "E%c%02d", exponent < 0 ? '-' : '+', std::abs(exponent));
-  return out + expText;
+  const int expLength =
+      std::snprintf(expText, sizeof expText, "E%c%02d", exponent < 0 ? '-' : '+', std::abs(exponent));
+  put(std::string_view(expText, static_cast<size_t>(expLength)));
+  return std::string(out, n);
 }
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
@@ -179,6 +210,13 @@ double parseStrict(std::string_view text) {
   while (last > first && isBlank(text[last - 1])) --last;
   const std::string_view body = text.substr(first, last - first);
   double value = 0;
+  // Plain decimal numbers, as files hold them by the million, read straight through;
+  // anything else (a "+" or "D", a radix literal, an exponent out of range) takes the
+  // full way below.
+  if (!body.empty() && body.find_first_not_of("0123456789.eE-") == std::string_view::npos) {
+    const auto [end, error] = std::from_chars(body.data(), body.data() + body.size(), value);
+    if (error == std::errc() && end == body.data() + body.size()) return value;
+  }
   size_t used = 0;
   if (radixLiteral(body, value, used)) {
     if (used == body.size() && used > 2) return value;

@@ -16,7 +16,11 @@ constexpr const char* kLineEnd = "\r\n";
 std::string quoted(const std::string& text) { return "\"" + text + "\""; }
 
 // A value line holding a number: a blank where a minus sign would stand.
-std::string valueLine(double value) { return (value < 0 ? "" : " ") + formatGeneral(value); }
+void appendValueLine(std::string& text, double value) {
+  if (!(value < 0)) text += ' ';
+  text += formatGeneral(value);
+  text += kLineEnd;
+}
 
 std::string statisticsRecord(const FitStatistics& s) {
   return formatGeneral(s.correlation) + "," + formatGeneral(s.standardError) + "," +
@@ -68,9 +72,13 @@ class LineReader {
   // A value line: one number. The description is made only when the line is wrong.
   template <typename Describe>
   double value(Describe describe) {
-    std::vector<std::string> fields;
     const std::string_view line = nextLine({}, describe);
     double result = 0;
+    if (line.find_first_of("\",") == std::string_view::npos) {  // the usual bare number
+      if (!parse(trim(line), result)) fail(describe());
+      return result;
+    }
+    std::vector<std::string> fields;
     if (!split(line, fields, 1) || fields.size() != 1 || !parse(fields[0], result)) fail(describe());
     return result;
   }
@@ -127,7 +135,7 @@ class LineReader {
     return line;
   }
 
-  static bool parse(const std::string& text, double& result) {
+  static bool parse(std::string_view text, double& result) {
     try {
       result = parseStrict(text);
       return true;
@@ -186,7 +194,7 @@ std::string SpecificationText(const RegressionProblem& p) {
                      (p.computed ? "#TRUE#" : "#FALSE#") + "," + quoted(p.dependentName) + kLineEnd;
   for (const std::string& name : p.names) text += name + kLineEnd;
   if (p.computed) {
-    for (int j = 0; j <= p.m; ++j) text += valueLine(p.A[j]) + kLineEnd;
+    for (int j = 0; j <= p.m; ++j) appendValueLine(text, p.A[j]);
     text += statisticsRecord(p.statistics) + kLineEnd;
   }
   return text;
@@ -197,7 +205,7 @@ std::string DataText(const RegressionProblem& p) {
   text.reserve(text.size() + static_cast<size_t>(p.N) * static_cast<size_t>(p.m + 1) * 20);
   for (int i = 1; i <= p.N; ++i)
     for (int j = 1; j <= p.m + 1; ++j)  // sets not yet dimensioned are zeros
-      (text += valueLine(i <= p.X.lastRow() && j <= p.X.lastColumn() ? p.X(j, i) : 0.0)) += kLineEnd;
+      appendValueLine(text, i <= p.X.lastRow() && j <= p.X.lastColumn() ? p.X(j, i) : 0.0);
   if (p.computed) text += statisticsRecord(p.statistics) + kLineEnd;
   return text;
 }
