@@ -47,16 +47,20 @@ Significand roundedDigits(double value, int digits) {
 // Shortest text of a value with at most `digits` significant digits: plain notation
 // while the decimal exponent lies in [-4, digits - 1], else a mantissa with an "E",
 // a sign and at least two exponent digits.
-std::string formatWithDigits(double value, int digits) {
-  if (value == 0) return "0";
-  if (std::isnan(value)) return "-1.#IND";
-  if (std::isinf(value)) return value < 0 ? "-1.#INF" : "1.#INF";
+// Writes the text into `out` (room for 48 characters) and returns its length.
+size_t formatInto(char* out, double value, int digits) {
+  const auto whole = [out](std::string_view text) {
+    text.copy(out, text.size());
+    return text.size();
+  };
+  if (value == 0) return whole("0");
+  if (std::isnan(value)) return whole("-1.#IND");
+  if (std::isinf(value)) return whole(value < 0 ? "-1.#INF" : "1.#INF");
 
   // Round to the significant digits first: the rounded magnitude picks the notation.
   const Significand d = roundedDigits(value, digits);
   const std::string_view significand(d.text, static_cast<size_t>(d.length));
   const int exponent = d.exponent;
-  char out[48];
   size_t n = 0;
   const auto put = [&](std::string_view part) {
     part.copy(out + n, part.size());
@@ -83,7 +87,7 @@ std::string formatWithDigits(double value, int digits) {
         put(significand.substr(intLen));
       }
     }
-    return std::string(out, n);
+    return n;
   }
   put(significand.substr(0, 1));
   if (significand.size() > 1) {
@@ -94,7 +98,12 @@ std::string formatWithDigits(double value, int digits) {
   const int expLength =
       std::snprintf(expText, sizeof expText, "E%c%02d", exponent < 0 ? '-' : '+', std::abs(exponent));
   put(std::string_view(expText, static_cast<size_t>(expLength)));
-  return std::string(out, n);
+  return n;
+}
+
+std::string formatWithDigits(double value, int digits) {
+  char out[48];
+  return std::string(out, formatInto(out, value, digits));
 }
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
@@ -179,6 +188,11 @@ double toDouble(const std::string& number) {
 }  // namespace
 
 std::string formatGeneral(double value) { return formatWithDigits(value, 15); }
+
+void appendGeneral(std::string& text, double value) {
+  char out[48];
+  text.append(out, formatInto(out, value, 15));
+}
 
 std::string formatSingle(float value) { return formatWithDigits(static_cast<double>(value), 7); }
 

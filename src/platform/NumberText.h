@@ -12,6 +12,8 @@ namespace orvane {
 // 1E-04 <= |v| < 1E+15, else exponent form "1E-05", "1.5E+20", "-2.5E-07"; -0 is "0".
 // No leading zero is dropped: 0.5 is "0.5", not ".5".
 std::string formatGeneral(double value);
+// The same appended to `text`, for files of many numbers.
+void appendGeneral(std::string& text, double value);
 
 // The same form for a single-precision value: up to 7 significant digits.
 std::string formatSingle(float value);

@@ -18,7 +18,7 @@ std::string quoted(const std::string& text) { return "\"" + text + "\""; }
 // A value line holding a number: a blank where a minus sign would stand.
 void appendValueLine(std::string& text, double value) {
   if (!(value < 0)) text += ' ';
-  text += formatGeneral(value);
+  appendGeneral(text, value);
   text += kLineEnd;
 }
 
