@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "engine/Evaluator.h"
 #include "engine/Lexer.h"
 #include "engine/VbMath.h"
 #include "platform/RuntimeError.h"
@@ -156,27 +157,42 @@ bool fusePair(Op op, Instr& left, const Instr& right) {
   Instr in;
   if (leftVar && rightVar && (op == Op::Add || op == Op::Sub || op == Op::Mul)) {
     in.op = op == Op::Add ? Op::VarAddVar : op == Op::Sub ? Op::VarSubVar : Op::VarMulVar;
-    in.fields = {left.field, right.field};
+    in.fields = {left.field, right.field, 0};
   } else if (leftVar && rightConst && (op == Op::Add || op == Op::Sub || op == Op::Mul)) {
     in.op = op == Op::Mul ? Op::VarMulConst : Op::VarAddConst;
-    in.withConst = {left.field, op == Op::Sub ? -right.value : right.value};
+    in.withConst = {left.field, op == Op::Sub ? -right.value : right.value, 0};
   } else if (leftVar && rightConst && op == Op::Div) {
     in.op = Op::VarDivConst;
-    in.withConst = {left.field, right.value};
+    in.withConst = {left.field, right.value, 0};
   } else if (leftConst && rightVar && op == Op::Div) {
     in.op = Op::ConstDivVar;
-    in.withConst = {right.field, left.value};
+    in.withConst = {right.field, left.value, 0};
   } else if (leftVar && rightConst && op == Op::Pow && (right.value == 2 || right.value == 3)) {
     in.op = right.value == 2 ? Op::VarSquare : Op::VarCube;
-    in.withConst = {left.field, 0};
+    in.withConst = {left.field, 0, 0};
   } else if (leftConst && rightVar && (op == Op::Add || op == Op::Sub || op == Op::Mul)) {
     in.op = op == Op::Add ? Op::VarAddConst : op == Op::Sub ? Op::ConstSubVar : Op::VarMulConst;
-    in.withConst = {right.field, left.value};
+    in.withConst = {right.field, left.value, 0};
   } else {
     return false;
   }
   left = in;
   return true;
+}
+
+// The built-in that reads its argument straight from a field, if there is one.
+bool fieldForm(Op op, Op& fused) {
+  switch (op) {
+    case Op::Abs: fused = Op::AbsVar; return true;
+    case Op::Atn: fused = Op::AtnVar; return true;
+    case Op::Cos: fused = Op::CosVar; return true;
+    case Op::Exp: fused = Op::ExpVar; return true;
+    case Op::Log: fused = Op::LogVar; return true;
+    case Op::Sin: fused = Op::SinVar; return true;
+    case Op::Sqr: fused = Op::SqrVar; return true;
+    case Op::Tan: fused = Op::TanVar; return true;
+    default: return false;
+  }
 }
 
 enum class Type : uint8_t { Number, Text };
@@ -210,6 +226,7 @@ class Parser {
       toNumber(value, first);
     }
     emit(Op::Return, cur_, 0);
+    if (options_.optimize) pairSinCos();
     program_->plain = program_->maxTextDepth == 0 && !program_->lateBound && !options_.statements &&
                       program_->maxDepth + 2 <= PlainStackDepth;
     return std::move(program_);
@@ -292,10 +309,20 @@ class Parser {
     return o.start + 1 == program_->code.size() && program_->code[o.start].op == Op::Const;
   }
 
+  bool isSingleField(const Operand& o) const {
+    return o.start + 1 == program_->code.size() && program_->code[o.start].op == Op::LoadDouble;
+  }
+
   Operand unary(Op op, Operand o, const Token& at) {
     double r;
     if (options_.optimize && isSingleConst(o) && foldUnary(op, last().value, r)) {
       last().value = r;
+      return o;
+    }
+    Op fused;
+    if (options_.optimize && isSingleField(o) && fieldForm(op, fused)) {
+      last().op = fused;  // the field stays where LoadDouble held it
+      program_->positions.back() = {at.line, at.column};
       return o;
     }
     emit(op, at, 0);
@@ -325,6 +352,15 @@ class Parser {
         --depth_;
         return {left.start, Type::Number};
       }
+      if (left.start + 2 == code.size() && (op == Op::Add || op == Op::Sub) && code.back().op == Op::Const) {
+        double addend = op == Op::Sub ? -code.back().value : code.back().value;  // exactly a + (-c)
+        if (fuseAddend(code[left.start], addend, {at.line, at.column})) {
+          code.pop_back();
+          program_->positions.pop_back();
+          --depth_;
+          return {left.start, Type::Number};
+        }
+      }
       Instr& in = code.back();
       Op fused;
       bool constant = in.op == Op::Const;
@@ -340,6 +376,47 @@ class Parser {
     }
     emit(op, at, -1);
     return {left.start, Type::Number};
+  }
+
+  // Sin(x) and Cos(x) in one formula share one computation: the first computes both and
+  // keeps the other for the second. Only across code that cannot change the field (no
+  // calls, no stores) and only for the first such pair.
+  void pairSinCos() {
+    auto& code = program_->code;
+    for (size_t i = 0; i < code.size(); ++i) {
+      if (code[i].op != Op::SinVar && code[i].op != Op::CosVar) continue;
+      Op other = code[i].op == Op::SinVar ? Op::CosVar : Op::SinVar;
+      for (size_t j = i + 1; j < code.size(); ++j) {
+        const Instr& in = code[j];
+        if (in.op == Op::Call || in.op == Op::CallVar || in.op == Op::StoreDouble || in.op == Op::StoreInt ||
+            in.op == Op::StoreName)
+          return;
+        if (in.op == other && in.field == code[i].field) {
+          code[i].op = code[i].op == Op::SinVar ? Op::SinKeepCos : Op::CosKeepSin;
+          code[j].op = Op::PushKept;
+          return;
+        }
+      }
+    }
+  }
+
+  // a*x+b, x*y+c: the constant joins the pushed product, which is the last instruction
+  // but one. The product keeps its position for its errors.
+  bool fuseAddend(Instr& product, double addend, SourcePos at) {
+    if (product.op == Op::VarMulConst) {
+      product.op = Op::VarMulConstAddConst;
+      product.withConst.addend = addend;
+    } else if (product.op == Op::VarMulVar) {
+      product.op = Op::VarMulVarAddConst;
+      product.fields.addend = addend;
+    } else {
+      return false;
+    }
+    auto& positions = program_->positions;
+    product.index = static_cast<int32_t>(program_->inner.size());
+    program_->inner.push_back(positions[positions.size() - 2]);
+    positions[positions.size() - 2] = at;
+    return true;
   }
 
   // top * (x+c), top + x*c, top - x*c: the operator takes the pushed pair as its right
@@ -521,8 +598,16 @@ class Parser {
     if (cur_.kind == Tok::LParen) {
       int count = arguments();
       if (b.kind == K::Function && count == 1) {
+        if (options_.optimize && isSingleField({start, Type::Number})) {
+          Instr& in = last();
+          double* argument = in.field;
+          in.op = Op::CallVar;
+          in.call = {b.function, b.self, argument};
+          program_->positions.back() = {at.line, at.column};
+          return {start, Type::Number};
+        }
         emit(Op::Call, at, 0);
-        last().call = {b.function, b.self};
+        last().call = {b.function, b.self, nullptr};
         return {start, Type::Number};
       }
       int32_t number = b.kind == K::Function ? err::WrongArguments
@@ -607,7 +692,9 @@ class Parser {
 }  // namespace
 
 std::unique_ptr<Program> compile(std::string_view text, const Scope& scope, CompileOptions options) {
-  return Parser(text, scope, options).run();
+  std::unique_ptr<Program> program = Parser(text, scope, options).run();
+  prepare(*program);
+  return program;
 }
 
 }  // namespace orvane

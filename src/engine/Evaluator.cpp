@@ -1,5 +1,6 @@
 #include "engine/Evaluator.h"
 
+#include <cmath>
 #include <memory>
 #include <new>
 #include <string>
@@ -92,16 +93,31 @@ int32_t storeName(Variables& variables, const std::string& key, double value) no
   }
 }
 
+// Each loop's handler table, given to prepare() by the loop itself (the addresses of its
+// labels exist only inside it).
+template <bool General>
+const void* const* handlerTable = nullptr;
+
 // The evaluation loop. The plain instance serves formulas of numbers and bound names
 // only (the sampling loops); the general one adds texts, late names and statements.
 template <bool General>
-int32_t run(const Program& p, Variables& variables, double& result, int32_t& faultAt, double* stack) noexcept {
+Evaluation run(const Program& p, Variables& variables) noexcept {
   const Instr* const code = p.code.data();
   const Instr* ip = code;
   int32_t error = 0;
+  // The stack lives on the native stack unless the program is too deep for it.
+  double local[PlainStackDepth];
+  std::unique_ptr<double[]> heap;
+  double* stack = local;
+  if (General && p.maxDepth + 2 > PlainStackDepth) {
+    heap.reset(new (std::nothrow) double[static_cast<size_t>(p.maxDepth) + 2]);
+    if (!heap) return {0, OutOfMemory, 0};
+    stack = heap.get();
+  }
   Texts texts;
   double* sp = stack;  // the entries below the top; the top itself lives in `top`
   double top = 0;
+  double kept = 0;     // the second of a Sin/Cos pair, until PushKept
 
 #define PUSH(v)  \
   do {           \
@@ -114,9 +130,9 @@ int32_t run(const Program& p, Variables& variables, double& result, int32_t& fau
     goto fault;           \
   }
 // Threaded dispatch (labels as values, a GNU extension of GCC and Clang): every handler
-// jumps straight to the next instruction's handler, which predicts far better than one
-// shared switch jump.
-#define NEXT goto* labels[static_cast<int>((++ip)->op)]
+// jumps straight to the next instruction's handler, held in the instruction, which
+// predicts far better than one shared switch jump.
+#define NEXT goto*(++ip)->handler
 #define CASE(name) op_##name:
 #define CHECKED(expr)     \
   {                       \
@@ -133,6 +149,19 @@ int32_t run(const Program& p, Variables& variables, double& result, int32_t& fau
     FAIL_IF(e);            \
     NEXT;                  \
   }
+// An inner operation and the outer one that takes its result, both failing as overflow.
+#define PAIR(innerExpr, outerExpr)              \
+  {                                             \
+    double inner = (innerExpr);                 \
+    double outer = (outerExpr);                 \
+    if (!std::isfinite(outer)) [[unlikely]] {   \
+      if (!std::isfinite(inner)) goto innerFault; \
+      error = err::Overflow;                    \
+      goto fault;                               \
+    }                                           \
+    top = outer;                                \
+    NEXT;                                       \
+  }
 #define GENERAL_ONLY(body)     \
   if constexpr (General) {     \
     body                       \
@@ -146,7 +175,11 @@ int32_t run(const Program& p, Variables& variables, double& result, int32_t& fau
       ORVANE_ENGINE_OPS(ORVANE_ENGINE_OP_LABEL)
 #undef ORVANE_ENGINE_OP_LABEL
   };
-  goto* labels[static_cast<int>(ip->op)];
+  if (p.code.empty()) [[unlikely]] {  // prepare() asking for the table
+    handlerTable<General> = labels;
+    return {};
+  }
+  goto* ip->handler;
   CASE(Const) PUSH(ip->value); NEXT;
   CASE(LoadDouble) PUSH(*ip->field); NEXT;
   CASE(LoadInt) PUSH(*ip->intField); NEXT;
@@ -218,31 +251,32 @@ int32_t run(const Program& p, Variables& variables, double& result, int32_t& fau
     double v = *ip->withConst.field;
     CHECKED(vb::checked(v * v * v, e));
   }
-  CASE(MulVarAddConst) {
-    int32_t e = 0;
-    double right = vb::add(*ip->withConst.field, ip->withConst.value, e);
-    if (e) [[unlikely]] goto innerFault;
-    CHECKED(vb::mul(top, right, e));
-  }
-  CASE(AddVarMulConst) {
-    int32_t e = 0;
-    double right = vb::mul(*ip->withConst.field, ip->withConst.value, e);
-    if (e) [[unlikely]] goto innerFault;
-    CHECKED(vb::add(top, right, e));
-  }
-  CASE(SubVarMulConst) {
-    int32_t e = 0;
-    double right = vb::mul(*ip->withConst.field, ip->withConst.value, e);
-    if (e) [[unlikely]] goto innerFault;
-    CHECKED(vb::sub(top, right, e));
-  }
+  // The fused pairs test only their result: a non-finite operand never gives a finite
+  // sum or product, so a finite result means the inner operation succeeded too.
+  CASE(MulVarAddConst) PAIR(*ip->withConst.field + ip->withConst.value, top * inner);
+  CASE(AddVarMulConst) PAIR(*ip->withConst.field * ip->withConst.value, top + inner);
+  CASE(SubVarMulConst) PAIR(*ip->withConst.field * ip->withConst.value, top - inner);
+  CASE(VarMulConstAddConst) PUSH(0); PAIR(*ip->withConst.field * ip->withConst.value, inner + ip->withConst.addend);
+  CASE(VarMulVarAddConst) PUSH(0); PAIR(*ip->fields.left * *ip->fields.right, inner + ip->fields.addend);
+
+  CASE(AbsVar) PUSH(vb::abs(*ip->field)); NEXT;
+  CASE(AtnVar) PUSH(vb::atn(*ip->field)); NEXT;
+  CASE(CosVar) PUSH(vb::cos(*ip->field)); NEXT;
+  CASE(SinVar) PUSH(vb::sin(*ip->field)); NEXT;
+  CASE(ExpVar) PUSH(0); CHECKED(vb::exp(*ip->field, e));
+  CASE(LogVar) PUSH(0); CHECKED(vb::log(*ip->field, e));
+  CASE(SqrVar) PUSH(0); CHECKED(vb::sqr(*ip->field, e));
+  CASE(TanVar) PUSH(0); CHECKED(vb::tan(*ip->field, e));
+  CASE(SinKeepCos) PUSH(0); vb::sinCos(*ip->field, top, kept); NEXT;
+  CASE(CosKeepSin) PUSH(0); vb::sinCos(*ip->field, kept, top); NEXT;
+  CASE(PushKept) PUSH(kept); NEXT;
+  CASE(CallVar) PUSH(0); CHECKED(ip->call.function(*ip->call.self, *ip->call.argument, e));
 
   CASE(Fail)
     error = ip->error;
     goto fault;
   CASE(Return)
-    result = top;
-    return 0;
+    return {top, 0, 0};
 
   CASE(LoadName)
     GENERAL_ONLY({
@@ -316,31 +350,40 @@ int32_t run(const Program& p, Variables& variables, double& result, int32_t& fau
 #undef FAIL_IF
 #undef CHECKED
 #undef BINARY
+#undef PAIR
 #undef GENERAL_ONLY
 #undef NEXT
 #undef CASE
 
 fault:
-  faultAt = static_cast<int32_t>(ip - code);
-  return error;
+  return {0, error, static_cast<int32_t>(ip - code)};
 innerFault:
   // Only the inner operations of fused pairs come here; they fail as overflow.
-  faultAt = -1 - ip->index;
-  return err::Overflow;
+  return {0, err::Overflow, -1 - ip->index};
+}
+
+template <bool General>
+const void* const* handlers() noexcept {
+  Program none;
+  Variables variables;
+  run<General>(none, variables);
+  return handlerTable<General>;
 }
 
 }  // namespace
 
-int32_t execute(const Program& p, Variables& variables, double& result, int32_t& faultAt) noexcept {
-  double local[PlainStackDepth];
-  if (p.plain) return run<false>(p, variables, result, faultAt, local);
-  if (p.maxDepth + 2 <= PlainStackDepth) return run<true>(p, variables, result, faultAt, local);
-  std::unique_ptr<double[]> heap(new (std::nothrow) double[static_cast<size_t>(p.maxDepth) + 2]);
-  if (!heap) {
-    faultAt = 0;
-    return OutOfMemory;
-  }
-  return run<true>(p, variables, result, faultAt, heap.get());
+void prepare(Program& p) noexcept {
+  static const void* const* const plain = handlers<false>();
+  static const void* const* const general = handlers<true>();
+  const void* const* table = p.plain ? plain : general;
+  for (Instr& in : p.code) in.handler = table[static_cast<int>(in.op)];
+}
+
+// Both are tail calls: a sampled formula costs one call into the loop.
+Evaluation execute(const Program& p, Variables& variables) noexcept {
+  if (p.plain) [[likely]]
+    return run<false>(p, variables);
+  return run<true>(p, variables);
 }
 
 RuntimeError describeFault(const Program& p, int32_t number, int32_t faultAt) {

@@ -11,10 +11,21 @@
 
 namespace orvane {
 
-// 0 and the expression's value in `result` on success; else the error number, with
-// the failing instruction in `faultAt` (negative: the inner operator of a fused pair,
-// for describeFault). Statements may create variables.
-int32_t execute(const Program& program, Variables& variables, double& result, int32_t& faultAt) noexcept;
+// Binds each instruction to its handler in the loop that will run the program; the
+// compiler calls it last, and execute() needs it.
+void prepare(Program& program) noexcept;
+
+// How a run ended: error 0 and the expression's value, or the error number with the
+// failing instruction in `faultAt` (negative: the inner operator of a fused pair, for
+// describeFault). Returned in registers, so the loop keeps no pointers to its caller.
+struct Evaluation {
+  double value;
+  int32_t error;
+  int32_t faultAt;
+};
+
+// Runs a prepared program. Statements may create variables.
+Evaluation execute(const Program& program, Variables& variables) noexcept;
 
 // The error as the user sees it: number, description and the instruction's position.
 RuntimeError describeFault(const Program& program, int32_t number, int32_t faultAt);

@@ -1,6 +1,5 @@
 #include "engine/ExpressionEngine.h"
 
-#include <cstring>
 #include <new>
 #include <optional>
 
@@ -13,24 +12,6 @@ namespace {
 
 constexpr int32_t OutOfMemory = 7;
 constexpr size_t MaxCachedTexts = 4096;
-
-// Equality of two texts, inlined: formulas are short, and a library call costs more
-// than the comparison on the per-point path.
-inline bool sameText(std::string_view a, std::string_view b) {
-  size_t n = a.size();
-  if (n != b.size()) return false;
-  const char* p = a.data();
-  const char* q = b.data();
-  for (; n >= 8; n -= 8, p += 8, q += 8) {
-    uint64_t x, y;
-    std::memcpy(&x, p, 8);
-    std::memcpy(&y, q, 8);
-    if (x != y) return false;
-  }
-  for (; n > 0; --n, ++p, ++q)
-    if (*p != *q) return false;
-  return true;
-}
 
 bool isIdentifier(std::string_view name) {
   auto letter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
@@ -67,23 +48,26 @@ void ExpressionEngine::ExecuteStatement(std::string_view text) { run(text, true)
 
 void ExpressionEngine::AddCode(std::string_view text) { run(text, false); }
 
-double ExpressionEngine::Eval(std::string_view text) {
-  if (lastProgram_ && sameText(text, lastText_)) [[likely]] {
-    double result;
-    int32_t faultAt = 0;
-    if (int32_t number = execute(*lastProgram_, scope_.variables, result, faultAt)) [[unlikely]]
-      raise(describeFault(*lastProgram_, number, faultAt));
-    return result;
-  }
-  double result;
+double ExpressionEngine::evalText(std::string_view text) {
+  double result = 0;
   std::optional<RuntimeError> error;
   if (evaluate(text, result, error)) throw *error;
   return result;
 }
 
-int32_t ExpressionEngine::TryEval(std::string_view text, double& result) noexcept {
-  std::optional<RuntimeError> error;
-  return evaluate(text, result, error);
+void ExpressionEngine::raiseFault(int32_t number, int32_t faultAt) {
+  raise(describeFault(*lastProgram_, number, faultAt));
+}
+
+void ExpressionEngine::reportFault(const Program& program, int32_t number, int32_t faultAt,
+                                   std::optional<RuntimeError>* error) noexcept {
+  try {
+    std::optional<RuntimeError> local;
+    std::optional<RuntimeError>& slot = error ? *error : local;
+    slot.emplace(describeFault(program, number, faultAt));
+    report(*slot);
+  } catch (const std::bad_alloc&) {
+  }
 }
 
 void ExpressionEngine::Reset() {
@@ -133,16 +117,12 @@ int32_t ExpressionEngine::evaluate(std::string_view text, double& result,
       return OutOfMemory;
     }
   }
-  int32_t faultAt = 0;
-  int32_t number = execute(*program, scope_.variables, result, faultAt);
-  if (number) [[unlikely]] {
-    try {
-      error.emplace(describeFault(*program, number, faultAt));
-      report(*error);
-    } catch (const std::bad_alloc&) {
-    }
-  }
-  return number;
+  Evaluation outcome = execute(*program, scope_.variables);
+  if (outcome.error) [[unlikely]]
+    reportFault(*program, outcome.error, outcome.faultAt, &error);
+  else
+    result = outcome.value;
+  return outcome.error;
 }
 
 void ExpressionEngine::run(std::string_view text, bool cached) {
@@ -159,11 +139,9 @@ void ExpressionEngine::run(std::string_view text, bool cached) {
     raise(e);
   }
   uint64_t created = scope_.variables.created();
-  double unused;
-  int32_t faultAt = 0;
-  int32_t number = execute(*program, scope_.variables, unused, faultAt);
+  Evaluation ran = execute(*program, scope_.variables);
   std::optional<RuntimeError> error;
-  if (number) error.emplace(describeFault(*program, number, faultAt));
+  if (ran.error) error.emplace(describeFault(*program, ran.error, ran.faultAt));
   if (scope_.variables.created() != created) {
     // Texts compiled while a name was still undefined look it up on every run; now
     // that it exists, compile them again so they bind it by address.

@@ -5,12 +5,14 @@
 // RuntimeError.
 
 #include <cstdint>
+#include <cstring>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "engine/Evaluator.h"
 #include "engine/Program.h"
 #include "engine/ScriptObject.h"
 #include "platform/RuntimeError.h"
@@ -34,8 +36,17 @@ class ExpressionEngine {
   // nothing defines creates a script variable holding a Double.
   void ExecuteStatement(std::string_view text);
 
-  // The value of an expression; in it "=" compares.
-  double Eval(std::string_view text);
+  // The value of an expression; in it "=" compares. The repeated text of a sampling
+  // loop runs inline, straight into the evaluator.
+  double Eval(std::string_view text) {
+    if (lastProgram_ && sameText(text, lastText_)) [[likely]] {
+      Evaluation outcome = execute(*lastProgram_, scope_.variables);
+      if (outcome.error) [[unlikely]]
+        raiseFault(outcome.error, outcome.faultAt);
+      return outcome.value;
+    }
+    return evalText(text);
+  }
 
   // Statements, one per line; the whole text is checked before any of it runs.
   void AddCode(std::string_view text);
@@ -49,7 +60,18 @@ class ExpressionEngine {
 
   // Eval without exceptions for sampling loops: 0 and the value, or the error number
   // (the handler has been called). Allocates nothing once the text is compiled.
-  int32_t TryEval(std::string_view text, double& result) noexcept;
+  int32_t TryEval(std::string_view text, double& result) noexcept {
+    if (lastProgram_ && sameText(text, lastText_)) [[likely]] {
+      Evaluation outcome = execute(*lastProgram_, scope_.variables);
+      if (outcome.error) [[unlikely]]
+        reportFault(*lastProgram_, outcome.error, outcome.faultAt);
+      else
+        result = outcome.value;
+      return outcome.error;
+    }
+    std::optional<RuntimeError> error;
+    return evaluate(text, result, error);
+  }
 
   // Constant folding and fused instructions; off only to cross-check them in tests.
   void SetOptimize(bool on);
@@ -57,6 +79,33 @@ class ExpressionEngine {
  private:
   using Cache = NameMap<std::unique_ptr<Program>>;
 
+  // Equality of two texts, inlined: formulas are short, and a library call costs more
+  // than the comparison on the per-point path.
+  static bool sameText(std::string_view a, std::string_view b) {
+    size_t n = a.size();
+    if (n != b.size()) return false;
+    const char* p = a.data();
+    const char* q = b.data();
+    if (n < 8) {
+      for (; n > 0; --n, ++p, ++q)
+        if (*p != *q) return false;
+      return true;
+    }
+    // Whole words, the last one overlapping its predecessor.
+    auto word = [](const char* c) {
+      uint64_t w;
+      std::memcpy(&w, c, 8);
+      return w;
+    };
+    for (size_t i = 0; i + 8 < n; i += 8)
+      if (word(p + i) != word(q + i)) return false;
+    return word(p + n - 8) == word(q + n - 8);
+  }
+
+  double evalText(std::string_view text);
+  [[noreturn]] void raiseFault(int32_t number, int32_t faultAt);
+  void reportFault(const Program& program, int32_t number, int32_t faultAt,
+                   std::optional<RuntimeError>* error = nullptr) noexcept;
   const Program& compiled(Cache& cache, std::string_view text, bool statements);
   int32_t evaluate(std::string_view text, double& result, std::optional<RuntimeError>& error) noexcept;
   void run(std::string_view text, bool cached);

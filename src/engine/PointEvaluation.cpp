@@ -14,11 +14,6 @@ void place(Class1& object, double first, double second, SurfaceVariables variabl
   }
 }
 
-double checkedResult(Class1& object, double value) {
-  if (object.ierr != 0) throw RuntimeError(object.ierr);
-  return value;
-}
-
 int32_t tryEval(ExpressionEngine& engine, Class1& object, std::string_view formula, double& result) noexcept {
   object.ierr = 0;
   if (int32_t number = engine.TryEval(formula, result)) return number;
@@ -34,18 +29,7 @@ void RegisterMathObject(ExpressionEngine& engine, Class1& object) {
   engine.ExecuteStatement("e = Exp(1)");
 }
 
-double EvaluateAt(ExpressionEngine& engine, Class1& object, std::string_view formula, double x) {
-  object.x = x;
-  object.ierr = 0;
-  return checkedResult(object, engine.Eval(formula));
-}
-
-double EvaluateAt(ExpressionEngine& engine, Class1& object, std::string_view formula, double first, double second,
-                  SurfaceVariables variables) {
-  place(object, first, second, variables);
-  object.ierr = 0;
-  return checkedResult(object, engine.Eval(formula));
-}
+void RaiseObjectError(const Class1& object) { throw RuntimeError(object.ierr); }
 
 int32_t TryEvaluateAt(ExpressionEngine& engine, Class1& object, std::string_view formula, double x,
                       double& result) noexcept {

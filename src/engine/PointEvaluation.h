@@ -19,9 +19,34 @@ void RegisterMathObject(ExpressionEngine& engine, Class1& object);
 enum class SurfaceVariables { XY, UV };
 
 // The formula's value at x; RuntimeError from the engine or with the number in ierr.
-double EvaluateAt(ExpressionEngine& engine, Class1& object, std::string_view formula, double x);
-double EvaluateAt(ExpressionEngine& engine, Class1& object, std::string_view formula, double first,
-                  double second, SurfaceVariables variables = SurfaceVariables::XY);
+// Inline, as is the engine's repeated-text path: a sampling loop then makes one call
+// per point, into the evaluator.
+[[noreturn]] void RaiseObjectError(const Class1& object);
+
+inline double EvaluateAt(ExpressionEngine& engine, Class1& object, std::string_view formula, double x) {
+  object.x = x;
+  object.ierr = 0;
+  double value = engine.Eval(formula);
+  if (object.ierr != 0) [[unlikely]]
+    RaiseObjectError(object);
+  return value;
+}
+
+inline double EvaluateAt(ExpressionEngine& engine, Class1& object, std::string_view formula, double first,
+                         double second, SurfaceVariables variables = SurfaceVariables::XY) {
+  if (variables == SurfaceVariables::XY) {
+    object.x = first;
+    object.y = second;
+  } else {
+    object.u = first;
+    object.v = second;
+  }
+  object.ierr = 0;
+  double value = engine.Eval(formula);
+  if (object.ierr != 0) [[unlikely]]
+    RaiseObjectError(object);
+  return value;
+}
 
 // The same without exceptions, for sampling loops: 0 and the value, else the error
 // number (the engine's handler has seen engine errors; ierr errors are not its own).

@@ -37,6 +37,13 @@ namespace orvane {
   X(VarDivConst) X(ConstDivVar) X(VarSquare) X(VarCube)                                   \
   /* The top with such a pushed pair: *(x+c), +x*c, -x*c (polynomial shapes). */          \
   X(MulVarAddConst) X(AddVarMulConst) X(SubVarMulConst)                                   \
+  /* Push a product plus a constant: a*x+b, x*y+c. */                                       \
+  X(VarMulConstAddConst) X(VarMulVarAddConst)                                             \
+  /* Push a function of a field: Sin(x), Exp(x), Tanh(x). */                                \
+  X(AbsVar) X(AtnVar) X(CosVar) X(ExpVar) X(LogVar) X(SinVar) X(SqrVar) X(TanVar)         \
+  X(CallVar)                                                                              \
+  /* Sin and Cos of the same field, both from one computation; the second is kept. */      \
+  X(SinKeepCos) X(CosKeepSin) X(PushKept)                                                 \
   /* Texts (only for concatenation and comparison). */                                    \
   X(NumberToText) X(TextToNumber) X(Concat) X(CompareText) X(CompareMixed)                \
   /* Statements. */                                                                       \
@@ -55,6 +62,7 @@ enum class Op : uint8_t {
 enum class Compare : uint8_t { Eq, Ne, Lt, Gt, Le, Ge };
 
 struct Instr {
+  const void* handler = nullptr;  // where the evaluator runs `op`, set by prepare() (Evaluator.h)
   Op op = Op::Return;
   uint8_t compare = 0;   // Compare kind; for CompareMixed bit 7 set = number on the left
   int32_t index = -1;    // name or text index; inner position of a fused pair
@@ -66,14 +74,17 @@ struct Instr {
     struct {
       ScriptFunction function;
       ScriptObject* self;
+      double* argument;  // CallVar: the field passed
     } call;
     struct {
       double* field;
       double value;
+      double addend;  // the ...AddConst forms: the constant added last
     } withConst;
     struct {
       double* left;
       double* right;
+      double addend;
     } fields;
   };
   Instr() : value(0) {}

@@ -119,6 +119,12 @@ inline double exp(double a, int32_t& error) { return checked(std::exp(a), error)
 inline double atn(double a) { return std::atan(a); }
 inline double sin(double a) { return std::sin(a); }
 inline double cos(double a) { return std::cos(a); }
+// Both at once: compilers turn the pair into one library call that shares the argument
+// reduction, and its results are those of sin and cos themselves.
+inline void sinCos(double a, double& s, double& c) {
+  s = std::sin(a);
+  c = std::cos(a);
+}
 inline double tan(double a, int32_t& error) { return checked(std::tan(a), error); }
 inline double abs(double a) { return std::fabs(a); }
 inline double sgn(double a) { return a > 0 ? 1.0 : (a < 0 ? -1.0 : 0.0); }
