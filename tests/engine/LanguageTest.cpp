@@ -11,332 +11,109 @@ namespace {
 
 TEST(Language, PrecedenceAndAssociativity) {
   checkValues({
-      {"-2^2", -4},
-      {"2^3^2", 64},
-      {"2^-1", 0.5},
-      {"2^-1^2", 0.25},            // negation takes only the operand after ^
-      {"-x^2", -9, 3},
-      {"x-1", 2, 3},
-      {"1-x", -2, 3},
-      {"x/4", 0.75, 3},
-      {"6/x", 2, 3},
-      {"x^x", 27, 3},
-      {"2^x*x", 24, 3},
-      {"x*x+x", 12, 3},
-      {"2^2*3", 12},
-      {"2*-3", -6},
-      {"1 - -1", 2},
-      {"--3", 3},
-      {"+3", 3},
-      {"2+3*4", 14},
-      {"(2+3)*4", 20},
-      {"10-4-3", 3},
-      {"64/4/2", 8},
-      {"7\\2*3", 1},                // \ is looser than *
-      {"10 \\ 3 Mod 2", 1},         // and tighter than Mod
-      {"7 Mod 4 * 2", 7},
-      {"5 Mod 3 + 1", 3},
-      {"1 + 2 & 3", 33},            // & is looser than +
-      {"Not 0", -1},
-      {"Not Not 5", 5},
-      {"Not 1 = 2", -1},            // Not is looser than =
-      {"1 < 2 = True", -1},
-      {"2 < 3 < 1", -1},
-      {"1 Or 2 And 0", 1},
-      {"True And False Or True", -1},
-      {"3 Xor 5 Eqv 6", -1},
-      {"0 Imp 0 Xor 1", -1},
+      {"-2^2", -4}, {"2^3^2", 64}, {"2^-1", 0.5}, {"2^-1^2", 0.25},  // negation takes only the operand after ^
+      {"-x^2", -9, 3}, {"2^2*3", 12}, {"2*-3", -6}, {"1 - -1", 2}, {"--3", 3}, {"+3", 3}, {"2+3*4", 14},
+      {"(2+3)*4", 20}, {"10-4-3", 3}, {"64/4/2", 8},
+      {"7\\2*3", 1}, {"10 \\ 3 Mod 2", 1}, {"7 Mod 4 * 2", 7},  // * above \ above Mod
+      {"5 Mod 3 + 1", 3}, {"1 + 2 & 3", 33}, {"Not 0", -1}, {"Not Not 5", 5},
+      {"Not 1 = 2", -1}, {"1 < 2 = True", -1}, {"2 < 3 < 1", -1}, {"1 Or 2 And 0", 1},
+      {"True And False Or True", -1}, {"3 Xor 5 Eqv 6", -1}, {"0 Imp 0 Xor 1", -1},
+      // Shapes the optimizer fuses into single instructions.
+      {"x-1", 2, 3}, {"1-x", -2, 3}, {"6/x", 2, 3}, {"x^x", 27, 3}, {"2^x*x", 24, 3}, {"(x-1)*x*(x+1)", 24, 3},
+      {"1.5+2*x-0.5*x", 6, 3}, {"x^3-2*x+1", 22, 3}, {"x-x", 0, 3}, {"x+x*x", 12, 3}, {"3*(x+2)", 15, 3},
+      {"x*3+x^2", 18, 3}, {"(x-1)*(x-2)*(x-4)", -2, 3}, {"1/(x+1)", 0.25, 3}, {"x/4+8/x", 4.5, 2},
+      // Names ignore case.
+      {"SIN(0) + cos(0) + ExP(0)", 2}, {"X*2", 3, 1.5}, {"HALFPI*2 - Pi", 0}, {"3 MOD 2", 1}, {"true", -1},
+      {"sh.X + SH.y", 1.5, 1.5}, {"asin(1) - HalfPi", 0},
   });
 }
 
-// The shapes the optimizer fuses into single instructions give what the plain code gives.
-TEST(Language, FusedShapes) {
+TEST(Language, LiteralsAndTexts) {
   checkValues({
-      {"(x-1)*x*(x+1)", 24, 3},
-      {"1.5+2*x-0.5*x", 6, 3},
-      {"x^3-2*x+1", 22, 3},
-      {"2-x", -1, 3},
-      {"x-x", 0, 3},
-      {"x+x*x", 12, 3},
-      {"3*(x+2)", 15, 3},
-      {"x*3+x^2", 18, 3},
-      {"(x-1)*(x-2)*(x-4)", -2, 3},
-      {"1/(x+1)", 0.25, 3},
-      {"x/4+8/x", 4.5, 2},
-  });
-}
-
-TEST(Language, NamesIgnoreCase) {
-  checkValues({
-      {"SIN(0) + cos(0) + ExP(0)", 2},
-      {"X*2", 3, 1.5},
-      {"HALFPI*2 - Pi", 0},
-      {"3 MOD 2", 1},
-      {"true", -1},
-      {"nOt 0", -1},
-      {"sh.X + SH.y", 1.5, 1.5},
-      {"asin(1) - HalfPi", 0},
-  });
-}
-
-TEST(Language, Literals) {
-  checkValues({
-      {"12", 12},
-      {"1.5", 1.5},
-      {".5", 0.5},
-      {"1.", 1},
-      {"1E-3", 0.001},
-      {"1.5e+20", 1.5e20},
-      {"2E3", 2000},
-      {"1E-400", 0},
-      {"  7  ", 7},
-      {"&H1F", 31},
-      {"&hff", 255},
-      {"&HFFFF", -1},
-      {"&H8000", -32768},
-      {"&H10000", 65536},
-      {"&HFFFFFFFF", -1},
-      {"&O17", 15},
-      {"True", -1},
-      {"False", 0},
-      {"1 ' a comment", 1},
-  });
-}
-
-TEST(Language, TextsForConcatenationAndComparison) {
-  checkValues({
-      {"\"ab\" & \"cd\" = \"abcd\"", -1},
-      {"\"a\" + \"b\" = \"ab\"", -1},
-      {"\"a\"\"b\" <> \"ab\"", -1},
-      {"\"abc\" < \"abd\"", -1},
-      {"\"B\" < \"a\"", -1},     // binary comparison
-      {"1 & 2", 12},
-      {"2.5 & \"\"", 2.5},
-      {"-x & \"\"", -0.5, 0.5},
-      {"\"12\" + 1", 13},
-      {"1 + \"2\"", 3},
-      {"\"2\" - 1", 1},
-      {"\"3\" * \"4\"", 12},
-      {"\"1.5\"", 1.5},
-      {"1 < \"a\"", -1},         // a number sorts before a text
-      {"\"a\" > 1", -1},
-      {"\"10\" = 10", -1},        // a numeric text compares by value
-      {"Sqr(\"16\")", 4},
+      {"12", 12}, {"1.5", 1.5}, {".5", 0.5}, {"1.", 1}, {"1E-3", 0.001}, {"1.5e+20", 1.5e20}, {"1E-400", 0},
+      {"  7  ", 7}, {"&H1F", 31}, {"&hff", 255}, {"&HFFFF", -1}, {"&H8000", -32768}, {"&H10000", 65536},
+      {"&HFFFFFFFF", -1}, {"&O17", 15}, {"True", -1}, {"False", 0}, {"1 ' a comment", 1},
+      {"\"ab\" & \"cd\" = \"abcd\"", -1}, {"\"a\" + \"b\" = \"ab\"", -1}, {"\"a\"\"b\" <> \"ab\"", -1},
+      {"\"abc\" < \"abd\"", -1}, {"\"B\" < \"a\"", -1}, {"1 & 2", 12}, {"2.5 & \"\"", 2.5},
+      {"-x & \"\"", -0.5, 0.5}, {"\"12\" + 1", 13}, {"1 + \"2\"", 3}, {"\"2\" - 1", 1}, {"\"3\" * \"4\"", 12},
+      {"\"1.5\"", 1.5}, {"1 < \"a\"", -1}, {"\"a\" > 1", -1}, {"\"10\" = 10", -1}, {"Sqr(\"16\")", 4},
   });
 }
 
 TEST(Language, BuiltinsAtOrdinaryAndBoundaryArguments) {
-  const double pi = 3.141592653589793;
   checkValues({
-      {"Abs(-2.5)", 2.5},
-      {"Abs(3)", 3},
-      {"Atn(1)*4", pi},
-      {"Cos(0)", 1},
-      {"Sin(0)", 0},
-      {"Tan(0)", 0},
-      {"Sin(x)^2 + Cos(x)^2", 1, 0.3},
-      {"Exp(0)", 1},
-      {"Exp(1)", 2.718281828459045},
-      {"Exp(-1000)", 0},
-      {"Fix(-2.5)", -2},
-      {"Int(-2.5)", -3},
-      {"Fix(2.7)", 2},
-      {"Int(2.7)", 2},
-      {"Log(1)", 0},
-      {"Log(Exp(2))", 2},
-      {"Round(2.5)", 2},
-      {"Round(3.5)", 4},
-      {"Round(-2.5)", -2},
-      {"Round(0.5)", 0},
-      {"Round(1.2345, 2)", 1.23},
-      {"Round(123.456, 0)", 123},
-      {"Round(x, 1)", 0.7, 0.66},
-      {"Sgn(-3)", -1},
-      {"Sgn(0)", 0},
-      {"Sgn(2)", 1},
-      {"Sqr(16)", 4},
-      {"Sqr(0)", 0},
-      {"CDbl(3)", 3},
-      {"CDbl(\"2.5\")", 2.5},
-      {"CInt(2.5)", 2},
-      {"CInt(3.5)", 4},
-      {"CInt(-32768)", -32768},
-      {"CInt(32767.4)", 32767},
-      {"CLng(2.5)", 2},
-      {"CLng(2147483647)", 2147483647},
-      {"CLng(-2147483648.4)", -2147483648.0},
-      {"CSng(0.1)", static_cast<double>(0.1f)},
-      {"CBool(5)", -1},
-      {"CBool(0)", 0},
-      {"2^0.5", std::sqrt(2.0)},
-      {"(-2)^3", -8},
-      {"x^3", 0.125, 0.5},
-      {"0^0", 1},
-      {"7 \\ 2", 3},
-      {"-7 \\ 2", -3},
-      {"7.5 \\ 2", 4},             // operands round half to even first
-      {"6.5 \\ 2", 3},
-      {"7 Mod 3", 1},
-      {"-7 Mod 3", -1},
-      {"7 Mod -3", 1},
-      {"5.5 Mod 2", 0},
-      {"-2147483648 \\ -1", 2147483648.0},
-      {"-2147483648 Mod -1", 0},
-      {"2147483647 + 1", 2147483648.0},
-      {"3 And 5", 1},
-      {"3 Or 5", 7},
-      {"3 Xor 5", 6},
-      {"0 Eqv 0", -1},
-      {"-1 Imp 0", 0},
+      {"Abs(-2.5)", 2.5}, {"Atn(1)*4", M_PI}, {"Cos(0)", 1}, {"Sin(0)", 0}, {"Tan(0)", 0},
+      {"Sin(x)^2 + Cos(x)^2", 1, 0.3}, {"Exp(1)", M_E}, {"Exp(-1000)", 0}, {"Fix(-2.5)", -2}, {"Int(-2.5)", -3},
+      {"Int(2.7)", 2}, {"Log(1)", 0}, {"Log(Exp(2))", 2}, {"Round(2.5)", 2}, {"Round(3.5)", 4},
+      {"Round(-2.5)", -2}, {"Round(0.5)", 0}, {"Round(1.2345, 2)", 1.23}, {"Round(123.456, 0)", 123},
+      {"Round(x, 1)", 0.7, 0.66}, {"Sgn(-3)", -1}, {"Sgn(0)", 0}, {"Sgn(2)", 1}, {"Sqr(16)", 4}, {"Sqr(0)", 0},
+      {"CDbl(\"2.5\")", 2.5}, {"CInt(2.5)", 2}, {"CInt(3.5)", 4}, {"CInt(-32768)", -32768},
+      {"CInt(32767.4)", 32767}, {"CLng(2.5)", 2}, {"CLng(2147483647)", 2147483647},
+      {"CLng(-2147483648.4)", -2147483648.0}, {"CSng(0.1)", static_cast<double>(0.1f)}, {"CBool(5)", -1},
+      {"CBool(0)", 0}, {"2^0.5", std::sqrt(2.0)}, {"(-2)^3", -8}, {"x^3", 0.125, 0.5}, {"0^0", 1},
+      {"7 \\ 2", 3}, {"-7 \\ 2", -3}, {"7.5 \\ 2", 4}, {"6.5 \\ 2", 3},  // operands round half to even
+      {"7 Mod 3", 1}, {"-7 Mod 3", -1}, {"7 Mod -3", 1}, {"5.5 Mod 2", 0}, {"-2147483648 \\ -1", 2147483648.0},
+      {"-2147483648 Mod -1", 0}, {"2147483647 + 1", 2147483648.0}, {"3 And 5", 1}, {"3 Or 5", 7},
+      {"3 Xor 5", 6}, {"0 Eqv 0", -1}, {"-1 Imp 0", 0},
   });
 }
 
 TEST(Language, RunTimeErrorsCarryNumberAndPosition) {
   checkErrors({
-      {"Sqr(-1)", 5, 1},
-      {"1 + Sqr(-1)", 5, 5},
-      {"Log(0)", 5, 1},
-      {"Log(-x)", 5, 1},
-      {"(-8)^(1/3)", 5, 5},
-      {"0^-1", 5, 2},
-      {"Round(1, -1)", 5, 1},
-      {"Exp(1000)", 6, 1},
-      {"1E308*10", 6, 6},
-      {"-1E308-1E308", 6, 7},
-      {"0/0", 6, 2},
-      {"(x+2)^2000", 6, 6},
-      {"1/0", 11, 2},
-      {"x/0", 11, 2},
-      {"1\\0", 11, 2},
-      {"1 Mod 0", 11, 3},
-      {"1 Mod 0.4", 11, 3},          // 0.4 rounds to 0
-      {"CInt(32768)", 6, 1},
-      {"CInt(-32769)", 6, 1},
-      {"CLng(2147483648)", 6, 1},
-      {"CSng(1E39)", 6, 1},
-      {"2147483648 And 1", 6, 12},
-      {"Not 1E10", 6, 1},
-      {"\"abc\" * 2", 13, 7},
-      {"\"abc\"", 13, 1},
-      {"foo", 500, 1},
-      {"x + Foo", 500, 5},
-      {"1 + foo(2)", 13, 5},
-      {"x(1)", 13, 1},
-      {"Sin", 450, 1},
-      {"Sin()", 450, 1},
-      {"Sin(1, 2)", 450, 1},
-      {"Round(1, 2, 3)", 450, 1},
-      {"Asin(1, 2)", 450, 1},
-      {"Asin", 450, 1},
-      {"sh", 438, 1},
-      {"sh.foo", 438, 4},
-      {"zz.x", 424, 1},
-      {"1/0 + foo(1)", 11, 2},        // evaluated left to right
-  });
-}
-
-// Fused instructions keep the position of the operator that failed, inner or outer.
-TEST(Language, ErrorsInsideFusedInstructions) {
-  checkErrors({
-      {"2*(x+1E308)", 6, 5, 1, 1E308},
-      {"1E308*(x+1)", 6, 6, 1, 1},
-      {"1+x*1E308", 6, 4, 1, 1E10},
-      {"1E308+x*10", 6, 6, 1, 1E307},
-      {"-1E308-x*10", 6, 7, 1, 1E307},
-      {"x^2", 6, 2, 1, 1E200},
-      {"1+x^3", 6, 4, 1, 1E200},
-      {"x*x", 6, 2, 1, 1E200},
-      {"x+x", 6, 2, 1, 1E308},
-      {"x-(-x)", 6, 2, 1, 1E308},
-      {"1E308-(-x)", 6, 6, 1, 1E308},
-      {"5/x", 11, 2, 1, 0},
-      {"x/0", 11, 2, 1, 1},
-      {"x/0", 6, 2, 1, 0},   // 0/0 is overflow
+      {"Sqr(-1)", 5, 1}, {"1 + Sqr(-1)", 5, 5}, {"Log(0)", 5, 1}, {"Log(-x)", 5, 1}, {"(-8)^(1/3)", 5, 5},
+      {"0^-1", 5, 2}, {"Round(1, -1)", 5, 1}, {"Exp(1000)", 6, 1}, {"1E308*10", 6, 6}, {"-1E308-1E308", 6, 7},
+      {"0/0", 6, 2}, {"(x+2)^2000", 6, 6}, {"1/0", 11, 2}, {"1\\0", 11, 2}, {"1 Mod 0", 11, 3},
+      {"1 Mod 0.4", 11, 3}, {"CInt(32768)", 6, 1}, {"CInt(-32769)", 6, 1}, {"CLng(2147483648)", 6, 1},
+      {"CSng(1E39)", 6, 1}, {"2147483648 And 1", 6, 12}, {"Not 1E10", 6, 1}, {"\"abc\" * 2", 13, 7},
+      {"\"abc\"", 13, 1}, {"foo", 500, 1}, {"x + Foo", 500, 5}, {"1 + foo(2)", 13, 5}, {"x(1)", 13, 1},
+      {"Sin", 450, 1}, {"Sin()", 450, 1}, {"Sin(1, 2)", 450, 1}, {"Round(1, 2, 3)", 450, 1},
+      {"Asin(1, 2)", 450, 1}, {"Asin", 450, 1}, {"sh", 438, 1}, {"sh.foo", 438, 4}, {"zz.x", 424, 1},
+      {"1/0 + foo(1)", 11, 2},  // left to right
+      // Fused instructions keep the position of the operator that failed, inner or outer.
+      {"2*(x+1E308)", 6, 5, 1, 1E308}, {"1E308*(x+1)", 6, 6, 1, 1}, {"1+x*1E308", 6, 4, 1, 1E10},
+      {"1E308+x*10", 6, 6, 1, 1E307}, {"-1E308-x*10", 6, 7, 1, 1E307}, {"x^2", 6, 2, 1, 1E200},
+      {"1+x^3", 6, 4, 1, 1E200}, {"x*x", 6, 2, 1, 1E200}, {"x+x", 6, 2, 1, 1E308}, {"x-(-x)", 6, 2, 1, 1E308},
+      {"1E308-(-x)", 6, 6, 1, 1E308}, {"5/x", 11, 2, 1, 0}, {"x/0", 11, 2, 1, 1}, {"x/0", 6, 2, 1, 0},
       {"1+x/1E-300", 6, 4, 1, 1E10},
   });
 }
 
 TEST(Language, SyntaxErrorsCarryNumberAndPosition) {
   checkErrors({
-      {"", 1023, 1},
-      {"   ", 1023, 4},
-      {"*", 1023, 1},
-      {"1+", 1023, 3},
-      {"-", 1023, 2},
-      {"Not", 1023, 4},
-      {"^2", 1023, 1},
-      {"1 = = 2", 1023, 5},
-      {"1 2", 1025, 3},
-      {"2a", 1025, 2},
-      {"1.5.5", 1025, 4},
-      {"(1+2))", 1025, 6},
-      {"x = 1 : 2", 1025, 7},
-      {"(1", 1006, 3},
-      {"Sin(1", 1006, 6},
-      {"Round(1 2)", 1006, 9},
-      {"sh.", 1010, 4},
-      {"1 $ 2", 1032, 3},
-      {"1 + \xC3\xA9", 1032, 5},
-      {"\"\xC3\xA9\xC3\xA9\" & $", 1032, 8},   // columns count characters, not bytes
-      {"\"abc", 1033, 1},
-      {"1E999", 6, 1},
-      {"1000000000000000000000000000000000000000e300", 6, 1},
-      {"&HFFFFFFFFF", 6, 1},
-      {"&H", 1031, 1},
-      {"1 +\n 2", 1023, 4},
+      {"", 1023, 1}, {"   ", 1023, 4}, {"*", 1023, 1}, {"1+", 1023, 3}, {"-", 1023, 2}, {"Not", 1023, 4},
+      {"^2", 1023, 1}, {"1 = = 2", 1023, 5}, {"1 2", 1025, 3}, {"2a", 1025, 2}, {"1.5.5", 1025, 4},
+      {"(1+2))", 1025, 6}, {"x = 1 : 2", 1025, 7}, {"(1", 1006, 3}, {"Sin(1", 1006, 6},
+      {"Round(1 2)", 1006, 9}, {"sh.", 1010, 4}, {"1 $ 2", 1032, 3}, {"1 + \xC3\xA9", 1032, 5},
+      {"\"\xC3\xA9\xC3\xA9\" & $", 1032, 8},  // columns count characters, not bytes
+      {"\"abc", 1033, 1}, {"1E999", 6, 1}, {"1000000000000000000000000000000000000000e300", 6, 1},
+      {"&HFFFFFFFFF", 6, 1}, {"&H", 1031, 1}, {"1 +\n 2", 1023, 4},
   });
 }
 
 TEST(Language, LimitsGiveCleanErrors) {
-  const std::string deep = std::string(100000, '(') + "1" + std::string(100000, ')');
-  const std::string negations = std::string(100000, '-') + "1";
-  std::string nots;
-  for (int i = 0; i < 100000; ++i) nots += "Not ";
-  nots += "0";
-  std::string calls;
-  for (int i = 0; i < 100000; ++i) calls += "Sin(";
-  for (const std::string* text : {&deep, &negations, const_cast<const std::string*>(&nots),
-                                  const_cast<const std::string*>(&calls)})
-    EXPECT_EQ(evalEveryWay(*text, 0).number, 28);
+  std::string nots, calls, sum = "1", nested = "x";
+  for (int i = 0; i < 100000; ++i) nots += "Not ", calls += "Sin(";
+  for (const std::string& text : {std::string(100000, '(') + "1" + std::string(100000, ')'),
+                                  std::string(100000, '-') + "1", nots + "0", calls})
+    EXPECT_EQ(evalEveryWay(text, 0).number, 28);
 
-  // A long flat chain needs no depth at all.
-  std::string sum = "1";
-  for (int i = 1; i < 100000; ++i) sum += "+1";
-  Outcome o = evalEveryWay(sum, 0);
-  EXPECT_EQ(o.number, 0);
-  EXPECT_EQ(o.value, 100000);
-
-  // Nesting within the limit evaluates, including a deep right-leaning chain.
-  std::string nested = "x";
+  for (int i = 1; i < 100000; ++i) sum += "+1";  // a long flat chain needs no depth
+  EXPECT_EQ(evalEveryWay(sum, 0).value, 100000);
   for (int i = 0; i < 300; ++i) nested = "(1+" + nested + ")";
   EXPECT_EQ(evalEveryWay(nested, 0.5).value, 300.5);
-
   EXPECT_EQ(evalEveryWay(std::string(300, 'a'), 0).number, 1030);
 }
 
 TEST(Language, DescriptionsNameTheOffendingName) {
-  struct Row {
-    const char* text;
-    const char* description;
+  const struct { const char *text, *description; } rows[] = {
+      {"Sqr(-1)", "Invalid procedure call or argument"}, {"1E308*10", "Overflow"}, {"1/0", "Division by zero"},
+      {"\"a\"*1", "Type mismatch"}, {"Foo", "Variable is undefined: 'Foo'"}, {"Foo(1)", "Type mismatch: 'Foo'"},
+      {"Sin(1,2)", "Wrong number of arguments or invalid property assignment: 'Sin'"},
+      {"sh.Foo", "Object doesn't support this property or method: 'sh.Foo'"}, {"1 +", "Expected expression"},
+      {"(1", "Expected ')'"}, {"1 1", "Expected end of statement"}, {"#", "Invalid character"},
+      {"\"a", "Unterminated string constant"}, {"&H", "Invalid number"},
   };
-  for (const Row& row : {
-           Row{"Sqr(-1)", "Invalid procedure call or argument"},
-           Row{"1E308*10", "Overflow"},
-           Row{"1/0", "Division by zero"},
-           Row{"\"a\"*1", "Type mismatch"},
-           Row{"Foo", "Variable is undefined: 'Foo'"},
-           Row{"Foo(1)", "Type mismatch: 'Foo'"},
-           Row{"Sin(1,2)", "Wrong number of arguments or invalid property assignment: 'Sin'"},
-           Row{"sh.Foo", "Object doesn't support this property or method: 'sh.Foo'"},
-           Row{"1 +", "Expected expression"},
-           Row{"(1", "Expected ')'"},
-           Row{"1 1", "Expected end of statement"},
-           Row{"#", "Invalid character"},
-           Row{"\"a", "Unterminated string constant"},
-           Row{"&H", "Invalid number"},
-       }) {
-    EXPECT_EQ(evalEveryWay(row.text, 0).description, row.description) << row.text;
-  }
+  for (const auto& row : rows) EXPECT_EQ(evalEveryWay(row.text, 0).description, row.description) << row.text;
 }
 
 }  // namespace

@@ -11,28 +11,17 @@
 namespace orvane {
 namespace {
 
-// 200 x 100 pixels at 96 dpi: 3000 x 1500 twips.
+// 200 x 100 pixels at 96 dpi: 3000 x 1500 twips; characters 8 x 16 pixels.
 RecordingCanvas makeCanvas() { return RecordingCanvas(200, 100, 96, 8, 16); }
 
-TEST(Canvas, DefaultScaleIsTwipsOfTheSurface) {
+TEST(Canvas, ScalesConvertBetweenUnits) {
   RecordingCanvas canvas = makeCanvas();
-  EXPECT_FLOAT_EQ(canvas.ScaleWidth(), 3000);
+  EXPECT_FLOAT_EQ(canvas.ScaleWidth(), 3000);  // twips by default
   EXPECT_FLOAT_EQ(canvas.ScaleHeight(), 1500);
-  EXPECT_DOUBLE_EQ(canvas.toPixelX(1440), 96);
   EXPECT_DOUBLE_EQ(canvas.toPixelY(15), 1);
 
-  canvas.Scale(0, 0, 1, 1);
-  canvas.ScaleTwips();
-  EXPECT_FLOAT_EQ(canvas.ScaleLeft(), 0);
-  EXPECT_FLOAT_EQ(canvas.ScaleWidth(), 3000);
-}
-
-TEST(Canvas, UserScaleConvertsBetweenUnits) {
-  RecordingCanvas canvas = makeCanvas();
   canvas.Scale(-10, 10, 10, -10);  // y grows upward
-  EXPECT_FLOAT_EQ(canvas.ScaleWidth(), 20);
   EXPECT_FLOAT_EQ(canvas.ScaleHeight(), -20);
-
   const struct {
     float x, y;
     double px, py;
@@ -41,30 +30,32 @@ TEST(Canvas, UserScaleConvertsBetweenUnits) {
     EXPECT_DOUBLE_EQ(canvas.toPixelX(p.x), p.px) << p.x;
     EXPECT_DOUBLE_EQ(canvas.toPixelY(p.y), p.py) << p.y;
   }
-
   // The clipboard copy's way of finding the client area works under any scale.
   EXPECT_FLOAT_EQ(canvas.ScaleX(canvas.ScaleWidth(), ScaleUnit::User, ScaleUnit::Pixels), 200);
   EXPECT_FLOAT_EQ(canvas.ScaleY(canvas.ScaleHeight(), ScaleUnit::User, ScaleUnit::Pixels), 100);
-  EXPECT_FLOAT_EQ(canvas.ScaleY(100, ScaleUnit::Pixels, ScaleUnit::User), -20);
-  EXPECT_FLOAT_EQ(canvas.ScaleX(1440, ScaleUnit::Twips, ScaleUnit::Pixels), 96);
   EXPECT_FLOAT_EQ(canvas.ScaleX(96, ScaleUnit::Pixels, ScaleUnit::Twips), 1440);
   EXPECT_FLOAT_EQ(canvas.ScaleX(10, ScaleUnit::User, ScaleUnit::Twips), 1500);
   EXPECT_FLOAT_EQ(canvas.ScaleY(1500, ScaleUnit::Twips, ScaleUnit::User), -20);
+  canvas.ScaleTwips();
+  EXPECT_FLOAT_EQ(canvas.ScaleLeft(), 0);
+  EXPECT_FLOAT_EQ(canvas.ScaleWidth(), 3000);
+
+  RecordingCanvas empty(0, 0);  // an empty surface converts to zero, not infinity
+  EXPECT_EQ(empty.toPixelX(100), 0);
+  EXPECT_EQ(empty.ScaleX(5, ScaleUnit::Pixels, ScaleUnit::User), 0);
+  empty.Print("x");
+  EXPECT_TRUE(std::isfinite(empty.CurrentY()));
 }
 
 TEST(Canvas, DegenerateScaleIsAnErrorAndKeepsTheOldOne) {
   RecordingCanvas canvas = makeCanvas();
   canvas.Scale(0, 0, 4, 2);
-  const float nan = std::numeric_limits<float>::quiet_NaN();
-  const float inf = std::numeric_limits<float>::infinity();
+  const float nan = std::numeric_limits<float>::quiet_NaN(), inf = std::numeric_limits<float>::infinity();
   const struct {
     float x1, y1, x2, y2;
     int32_t error;
-  } cases[] = {{1, 0, 1, 5, err::InvalidCall},
-               {0, 3, 5, 3, err::InvalidCall},
-               {nan, 0, 1, 1, err::Overflow},
-               {0, 0, inf, 1, err::Overflow},
-               {-3e38f, 0, 3e38f, 1, err::Overflow}};
+  } cases[] = {{1, 0, 1, 5, err::InvalidCall}, {0, 3, 5, 3, err::InvalidCall}, {nan, 0, 1, 1, err::Overflow},
+               {0, 0, inf, 1, err::Overflow},  {-3e38f, 0, 3e38f, 1, err::Overflow}};
   for (const auto& c : cases) {
     try {
       canvas.Scale(c.x1, c.y1, c.x2, c.y2);
@@ -77,24 +68,13 @@ TEST(Canvas, DegenerateScaleIsAnErrorAndKeepsTheOldOne) {
   EXPECT_FLOAT_EQ(canvas.ScaleHeight(), 2);
 }
 
-TEST(Canvas, EmptySurfaceConvertsToZeroInsteadOfInfinity) {
-  RecordingCanvas canvas(0, 0);
-  EXPECT_FLOAT_EQ(canvas.ScaleWidth(), 0);
-  EXPECT_EQ(canvas.toPixelX(100), 0);
-  EXPECT_EQ(canvas.ScaleX(5, ScaleUnit::Pixels, ScaleUnit::User), 0);
-  canvas.Print("x");  // no division by zero
-  EXPECT_TRUE(std::isfinite(canvas.CurrentY()));
-}
-
 TEST(Canvas, SceneRecordsPrimitivesAndMovesTheCurrentPoint) {
   RecordingCanvas canvas = makeCanvas();
   canvas.Scale(-10, 10, 10, -10);
   canvas.SetForeColor(colors::Blue);
-
   canvas.Line(-10, 0, 10, 0, colors::Red);
-  EXPECT_FLOAT_EQ(canvas.CurrentX(), 10);
-  canvas.LineTo(0, 5);      // from the end of the last line, in ForeColor
-  canvas.LineStep(1, 1);    // relative end point
+  canvas.LineTo(0, 5);    // from the end of the last line, in ForeColor
+  canvas.LineStep(1, 1);  // relative end point
   EXPECT_FLOAT_EQ(canvas.CurrentX(), 1);
   EXPECT_FLOAT_EQ(canvas.CurrentY(), 6);
   canvas.PSet(2, 3);
@@ -109,22 +89,22 @@ TEST(Canvas, SceneRecordsPrimitivesAndMovesTheCurrentPoint) {
   canvas.SetDrawStyle(DrawStyle::Solid);
   canvas.Line(2, 2, 3, 3, colors::Yellow, LineKind::FilledBox);
   EXPECT_FLOAT_EQ(canvas.CurrentX(), 3);
-
-  const std::vector<std::string> expected = {
-      "line (-10,0)-(10,0) #0000FF",
-      "line (10,0)-(0,5) #FF0000",
-      "line (0,5)-(1,6) #FF0000",
-      "pset (2,3) #FF0000",
-      "circle (-4,-4) r=0.5 #FF00FF fill #FF00FF",
-      "box (-1,-1)-(1,1) #00FF00 dot",
-      "fbox (2,2)-(3,3) #00FFFF",
-  };
-  EXPECT_EQ(canvas.describeAll(), expected);
+  canvas.SetBackColor(colors::Yellow);
+  EXPECT_FLOAT_EQ(canvas.CurrentX(), 3);  // a new background keeps the point, Cls resets it
+  canvas.Cls();
+  EXPECT_FLOAT_EQ(canvas.CurrentX(), 0);
+  EXPECT_FLOAT_EQ(canvas.CurrentY(), 0);
+  EXPECT_TRUE(canvas.SavePicture("out.bmp"));
+  EXPECT_EQ(canvas.describeAll(),
+            (std::vector<std::string>{"line (-10,0)-(10,0) #0000FF", "line (10,0)-(0,5) #FF0000",
+                                      "line (0,5)-(1,6) #FF0000", "pset (2,3) #FF0000",
+                                      "circle (-4,-4) r=0.5 #FF00FF fill #FF00FF", "box (-1,-1)-(1,1) #00FF00 dot",
+                                      "fbox (2,2)-(3,3) #00FFFF", "cls #00FFFF", "cls #00FFFF", "save \"out.bmp\""}));
 }
 
 TEST(Canvas, PrintMovesDownTheScreenWhicheverWayYGrows) {
-  RecordingCanvas canvas = makeCanvas();  // characters 8 x 16 pixels
-  canvas.Scale(-10, 10, 10, -10);         // 0.1 unit a pixel across, 0.2 down
+  RecordingCanvas canvas = makeCanvas();
+  canvas.Scale(-10, 10, 10, -10);  // 0.1 unit a pixel across, 0.2 down
   canvas.SetCurrentX(0);
   canvas.SetCurrentY(0);
   canvas.Print("ab");
@@ -143,24 +123,9 @@ TEST(Canvas, PrintMovesDownTheScreenWhicheverWayYGrows) {
   EXPECT_FLOAT_EQ(canvas.TextHeight("1"), -1.4f);
   canvas.SetFont("Arial", 10);
   EXPECT_EQ(canvas.FontPixelHeight(), 0);
-
   ASSERT_EQ(canvas.count(CanvasCall::Kind::Text), 2u);
   EXPECT_EQ(canvas.describe(0), "text (0,0) \"ab\" #000000");
   EXPECT_EQ(canvas[1].text, "c");
-}
-
-TEST(Canvas, ClearAndBackColorRecordAClearAndResetThePoint) {
-  RecordingCanvas canvas = makeCanvas();
-  canvas.PSet(100, 200);
-  canvas.SetBackColor(colors::Yellow);
-  EXPECT_FLOAT_EQ(canvas.CurrentX(), 100);  // a new background keeps the point
-  canvas.Cls();
-  EXPECT_FLOAT_EQ(canvas.CurrentX(), 0);
-  EXPECT_FLOAT_EQ(canvas.CurrentY(), 0);
-  EXPECT_TRUE(canvas.SavePicture("out.bmp"));
-  const std::vector<std::string> expected = {"pset (100,200) #000000", "cls #00FFFF",
-                                             "cls #00FFFF", "save \"out.bmp\""};
-  EXPECT_EQ(canvas.describeAll(), expected);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <limits>
 
 #include "platform/RuntimeError.h"
@@ -9,79 +10,51 @@
 namespace orvane {
 namespace {
 
-TEST(NumberText, GeneralFormChoosesNotationAndDigits) {
+int32_t errorOf(const std::function<void()>& call) {
+  try {
+    call();
+  } catch (const RuntimeError& e) {
+    return e.number();
+  }
+  return 0;
+}
+
+TEST(NumberText, GeneralSingleAndPrintForms) {
   const struct {
     double value;
     const char* text;
-  } cases[] = {
-      {0.0, "0"},
-      {-0.0, "0"},
-      {0.5, "0.5"},
-      {-0.5, "-0.5"},
-      {1.0 / 3.0, "0.333333333333333"},
-      {-2.0 / 3.0, "-0.666666666666667"},
-      {0.1 + 0.2, "0.3"},
-      {0.0001, "0.0001"},
-      {0.00012345, "0.00012345"},
-      {1E-05, "1E-05"},
-      {-2.5E-07, "-2.5E-07"},
-      {123456789012345.0, "123456789012345"},
-      {1E+15, "1E+15"},
-      {999999999999999.9, "1E+15"},  // rounding to 15 digits moves it to exponent form
-      {1.5E+20, "1.5E+20"},
-      {-1.5E+20, "-1.5E+20"},
-      {1E+100, "1E+100"},
-      {2.5, "2.5"},
-      {-37.0, "-37"},
-      {100.0, "100"},
-  };
-  for (const auto& c : cases) EXPECT_EQ(formatGeneral(c.value), c.text) << c.value;
-}
+  } general[] = {{0.0, "0"},          {-0.0, "0"},      {-0.5, "-0.5"}, {1.0 / 3.0, "0.333333333333333"},
+                 {-2.0 / 3.0, "-0.666666666666667"}, {0.1 + 0.2, "0.3"}, {0.0001, "0.0001"},
+                 {0.00012345, "0.00012345"},           {1E-05, "1E-05"}, {-2.5E-07, "-2.5E-07"},
+                 {123456789012345.0, "123456789012345"}, {1E+15, "1E+15"},
+                 {999999999999999.9, "1E+15"},  // rounding to 15 digits moves it to exponent form
+                 {1.5E+20, "1.5E+20"}, {-1.5E+20, "-1.5E+20"}, {1E+100, "1E+100"}, {-37.0, "-37"}, {100.0, "100"}};
+  for (const auto& c : general) EXPECT_EQ(formatGeneral(c.value), c.text) << c.value;
 
-TEST(NumberText, SingleFormKeepsSevenDigits) {
   const struct {
     float value;
     const char* text;
-  } cases[] = {
-      {0.1f, "0.1"},
-      {1.0f / 3.0f, "0.3333333"},
-      {16777216.0f, "1.677722E+07"},
-      {1234567.0f, "1234567"},
-      {-0.00001f, "-1E-05"},
-      {2.5f, "2.5"},
-  };
-  for (const auto& c : cases) EXPECT_EQ(formatSingle(c.value), c.text) << c.value;
-}
+  } single[] = {{0.1f, "0.1"},         {1.0f / 3.0f, "0.3333333"}, {16777216.0f, "1.677722E+07"},
+                {1234567.0f, "1234567"}, {-0.00001f, "-1E-05"},    {2.5f, "2.5"}};
+  for (const auto& c : single) EXPECT_EQ(formatSingle(c.value), c.text) << c.value;
 
-TEST(NumberText, PrintFormPadsSign) {
-  EXPECT_EQ(formatPrint(3), " 3 ");
-  EXPECT_EQ(formatPrint(-2.5), "-2.5 ");
-  EXPECT_EQ(formatPrint(0), " 0 ");
-  EXPECT_EQ(formatPrint(-0.0), " 0 ");
-  EXPECT_EQ(formatPrint(1E-05), " 1E-05 ");
+  const struct {
+    double value;
+    const char* text;
+  } print[] = {{3, " 3 "}, {-2.5, "-2.5 "}, {-0.0, " 0 "}, {1E-05, " 1E-05 "}};
+  for (const auto& c : print) EXPECT_EQ(formatPrint(c.value), c.text) << c.value;
 }
 
 TEST(NumberText, LeadingNumberTakesTheNumericPrefix) {
   const struct {
     const char* text;
     double value;
-  } cases[] = {
-      {"2abc", 2},   {"1e", 1},       {"e5", 0},       {"-", 0},     {".5", 0.5},
-      {"", 0},       {"  7", 7},      {"&H1F", 31},    {"&HFFFF", -1}, {"-3.5x", -3.5},
-      {"1.5E3", 1500}, {"1e-2z", 0.01}, {"1 2", 12},    {"+4", 4},    {"..5", 0},
-      {"5.", 5},     {"abc", 0},
-  };
+  } cases[] = {{"2abc", 2},   {"1e", 1},       {"e5", 0},   {"-", 0},   {".5", 0.5},   {"", 0},
+               {"  7", 7},    {"&H1F", 31},    {"&HFFFF", -1}, {"-3.5x", -3.5}, {"1.5E3", 1500},
+               {"1e-2z", 0.01}, {"1 2", 12},   {"+4", 4},   {"..5", 0}, {"5.", 5},     {"abc", 0},
+               {"1e-999", 0}};
   for (const auto& c : cases) EXPECT_DOUBLE_EQ(leadingNumber(c.text), c.value) << c.text;
-}
-
-TEST(NumberText, LeadingNumberOutOfRangeIsOverflow) {
-  try {
-    leadingNumber("1e999");
-    FAIL() << "no error";
-  } catch (const RuntimeError& e) {
-    EXPECT_EQ(e.number(), err::Overflow);
-  }
-  EXPECT_EQ(leadingNumber("1e-999"), 0.0);
+  EXPECT_EQ(errorOf([] { (void)leadingNumber("1e999"); }), err::Overflow);
 }
 
 TEST(NumberText, ParseStrictAcceptsOnlyWholeNumbers) {
@@ -89,60 +62,24 @@ TEST(NumberText, ParseStrictAcceptsOnlyWholeNumbers) {
   EXPECT_DOUBLE_EQ(parseStrict("-1.25E+2"), -125);
   EXPECT_DOUBLE_EQ(parseStrict(".5"), 0.5);
   EXPECT_DOUBLE_EQ(parseStrict("&H10"), 16);
-
-  const struct {
-    const char* text;
-    int32_t error;
-  } bad[] = {
-      {"", err::TypeMismatch},    {"   ", err::TypeMismatch}, {"abc", err::TypeMismatch},
-      {"12a", err::TypeMismatch}, {"1e", err::TypeMismatch},  {"-", err::TypeMismatch},
-      {"1 2", err::TypeMismatch}, {"&H", err::TypeMismatch},  {"1e999", err::Overflow},
-  };
-  for (const auto& c : bad) {
-    try {
-      parseStrict(c.text);
-      ADD_FAILURE() << "no error for \"" << c.text << "\"";
-    } catch (const RuntimeError& e) {
-      EXPECT_EQ(e.number(), c.error) << c.text;
-    }
-  }
+  for (const char* text : {"", "   ", "abc", "12a", "1e", "-", "1 2", "&H"})
+    EXPECT_EQ(errorOf([&] { (void)parseStrict(text); }), err::TypeMismatch) << text;
+  EXPECT_EQ(errorOf([] { (void)parseStrict("1e999"); }), err::Overflow);
 }
 
-TEST(NumberText, RoundsHalfToEven) {
-  const struct {
-    double value, rounded;
-  } cases[] = {{0.5, 0},   {1.5, 2},   {2.5, 2},   {3.5, 4},    {-2.5, -2},
-               {-1.5, -2}, {2.4, 2},   {2.6, 3},   {-2.6, -3},  {1e300, 1e300}};
+TEST(NumberText, RoundsHalfToEvenAndConvertsToIntegersWithinRange) {
+  const struct { double value, rounded; } cases[] = {{0.5, 0},   {1.5, 2},  {2.5, 2},   {3.5, 4},     {-2.5, -2},
+               {-1.5, -2}, {2.4, 2},  {2.6, 3},   {-2.6, -3},   {1e300, 1e300}};
   for (const auto& c : cases) EXPECT_EQ(roundHalfEven(c.value), c.rounded) << c.value;
-}
 
-TEST(NumberText, IntegerConversionsOverflowAtTheirLimits) {
   EXPECT_EQ(toInt16(32767.4), 32767);
   EXPECT_EQ(toInt16(-32768.5), -32768);  // half to even stays in range
   EXPECT_EQ(toInt32(2147483647.0), 2147483647);
   EXPECT_EQ(toInt32(-2147483648.0), std::numeric_limits<int32_t>::min());
   EXPECT_EQ(toInt32(2.5), 2);
-
-  const double overflow16[] = {32767.5, -32769.0, 1e10,
-                               std::numeric_limits<double>::quiet_NaN()};
-  for (double v : overflow16) {
-    try {
-      toInt16(v);
-      ADD_FAILURE() << "no overflow for " << v;
-    } catch (const RuntimeError& e) {
-      EXPECT_EQ(e.number(), err::Overflow);
-    }
-  }
-  const double overflow32[] = {2147483647.5, -2147483649.0,
-                               std::numeric_limits<double>::infinity()};
-  for (double v : overflow32) {
-    try {
-      toInt32(v);
-      ADD_FAILURE() << "no overflow for " << v;
-    } catch (const RuntimeError& e) {
-      EXPECT_EQ(e.number(), err::Overflow);
-    }
-  }
+  const double nan = std::numeric_limits<double>::quiet_NaN(), inf = std::numeric_limits<double>::infinity();
+  for (double v : {32767.5, -32769.0, 1e10, nan}) EXPECT_EQ(errorOf([&] { (void)toInt16(v); }), err::Overflow) << v;
+  for (double v : {2147483647.5, -2147483649.0, inf}) EXPECT_EQ(errorOf([&] { (void)toInt32(v); }), err::Overflow) << v;
 }
 
 }  // namespace

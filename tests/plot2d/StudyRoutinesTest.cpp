@@ -1,24 +1,25 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "platform/NumberText.h"
 #include "platform/RuntimeError.h"
 #include "plot2d/ExtremaFinder.h"
 #include "plot2d/Integrator.h"
 #include "plot2d/RootFinder.h"
-#include "Plot2dTestSupport.h"
+#include "Plot2dTestDoubles.h"
 
 namespace orvane {
 namespace {
 
 constexpr double pi = std::numbers::pi;
+using Fn = std::function<double(double)>;
 
-StudySettings study(double lower, double upper, int32_t n, double err, int32_t maxcy) {
+StudySettings study(double lower, double upper, int32_t n, double err = 1e-10, int32_t maxcy = 50) {
   StudySettings s;
   s.xlower = lower;
   s.xupper = upper;
@@ -28,67 +29,52 @@ StudySettings study(double lower, double upper, int32_t n, double err, int32_t m
   return s;
 }
 
-struct RootCase {
-  const char* name;
-  std::function<double(double)> f;
-  StudySettings s;
-  std::vector<std::string> list;
-  std::optional<std::string> label;
-  int32_t error;
-};
+Fn failAbove(double at, int32_t number, double offset = 0) {
+  return [=](double x) -> double {
+    if (x > at) throw RuntimeError(number);
+    return x - offset;
+  };
+}
 
 TEST(RootFinder, Cases) {
-  const RootCase cases[] = {
-      {"two roots of x^2-2", [](double x) { return x * x - 2; }, study(-2, 2, 100, 1e-10, 50),
-       {"-1.4142135623731", "1.4142135623731"}, "2 roots", 0},
-      {"zero grid point taken without Newton", [](double x) { return x; },
-       study(-1, 1, 2, 1e-10, 50), {"0"}, "1 roots", 0},
-      {"double root has no sign change", [](double x) { return x * x; },
-       study(-1, 1, 3, 1e-10, 50), {}, "0 roots", 0},
-      {"root at xupper is never sampled", [](double x) { return x - 1; },
-       study(-1, 1, 2, 1e-10, 50), {}, "0 roots", 0},
-      {"pole on the grid is skipped", testing::reciprocal, study(-1, 1, 2, 1e-10, 50), {},
-       "0 roots", 0},
-      {"pole inside a bracket is no root", testing::reciprocal, study(-1, 1, 3, 1e-10, 50), {},
-       "0 roots", 0},
-      {"Newton cut short by the iteration limit", [](double x) { return x * x - 2; },
-       study(0, 2, 2, 1e-15, 1), {}, "0 roots", 0},
-      {"other error ends the search, label kept",
-       [](double x) {
-         if (x > 0.6) throw RuntimeError(err::TypeMismatch);
-         return x - 0.25;
-       },
-       study(-1, 1, 8, 1e-10, 50), {"0.25"}, std::nullopt, err::TypeMismatch},
-      {"inverted interval has no grid", [](double x) { return x; }, study(1, -1, 4, 1e-10, 50),
-       {}, "0 roots", 0},
-      {"no subintervals ends before the scan", [](double x) { return x; },
-       study(-1, 1, 0, 1e-10, 50), {}, std::nullopt, err::DivisionByZero},
+  const Fn line = [](double x) { return x; }, x2m2 = [](double x) { return x * x - 2; };
+  const struct {
+    const char* name;
+    Fn f;
+    StudySettings s;
+    std::vector<std::string> list;
+    std::optional<std::string> label;
+    int32_t error;
+  } cases[] = {
+      {"two roots of x^2-2", x2m2, study(-2, 2, 100), {"-1.4142135623731", "1.4142135623731"}, "2 roots", 0},
+      {"zero on the grid taken as is", line, study(-1, 1, 2), {"0"}, "1 roots", 0},
+      {"double root: no sign change", [](double x) { return x * x; }, study(-1, 1, 3), {}, "0 roots", 0},
+      {"root at xupper never sampled", [](double x) { return x - 1; }, study(-1, 1, 2), {}, "0 roots", 0},
+      {"pole on the grid skipped", testing::reciprocal, study(-1, 1, 2), {}, "0 roots", 0},
+      {"pole inside a bracket is no root", testing::reciprocal, study(-1, 1, 3), {}, "0 roots", 0},
+      {"Newton cut short", x2m2, study(0, 2, 2, 1e-15, 1), {}, "0 roots", 0},
+      {"other error ends the search, label kept", failAbove(0.6, err::TypeMismatch, 0.25),
+       study(-1, 1, 8), {"0.25"}, std::nullopt, err::TypeMismatch},
+      {"inverted interval", line, study(1, -1, 4), {}, "0 roots", 0},
+      {"no subintervals", line, study(-1, 1, 0), {}, std::nullopt, err::DivisionByZero},
   };
-  for (const RootCase& c : cases) {
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
     LambdaFunction f(c.f);
     DerivativeEvaluator d(f);
     const RootResult r = findRoots(d, c.s);
-    EXPECT_EQ(r.list, c.list) << c.name;
-    EXPECT_EQ(r.label, c.label) << c.name;
-    EXPECT_EQ(r.error, c.error) << c.name;
-    EXPECT_EQ(r.roots.size(), c.list.size()) << c.name;
+    EXPECT_EQ(r.list, c.list);
+    EXPECT_EQ(r.label, c.label);
+    EXPECT_EQ(r.error, c.error);
+    EXPECT_EQ(r.roots.size(), c.list.size());
+    EXPECT_EQ(d.steps().h, 1e-5);  // its own step, whatever the plot used
   }
 }
 
-TEST(RootFinder, UsesItsOwnSteps) {
-  LambdaFunction f([](double x) { return x; });
-  DerivativeEvaluator d(f);
-  d.prepareForPlot(1);
-  findRoots(d, study(-1, 1, 2, 1e-10, 5));
-  EXPECT_EQ(d.steps().h, 1e-5);
-  EXPECT_EQ(d.steps().h2, 2e-5);
-}
-
 TEST(RootFinder, StopsAtTheTableSize) {
-  // sin has a root at every multiple of pi: 300 of them here.
-  LambdaFunction f([](double x) { return std::sin(x); });
+  LambdaFunction f([](double x) { return std::sin(x); });  // 300 roots in the interval
   DerivativeEvaluator d(f);
-  const RootResult r = findRoots(d, study(0.5, 300 * pi + 0.5, 8192, 1e-9, 50));
+  const RootResult r = findRoots(d, study(0.5, 300 * pi + 0.5, 8192, 1e-9));
   EXPECT_EQ(r.error, err::SubscriptOutOfRange);
   EXPECT_FALSE(r.label.has_value());
   EXPECT_EQ(r.roots.size(), 255u);
@@ -96,120 +82,96 @@ TEST(RootFinder, StopsAtTheTableSize) {
   EXPECT_NEAR(r.roots.back(), 255 * pi, 1e-8);
 }
 
-struct ExtremaCase {
-  const char* name;
-  std::function<double(double)> f;
-  StudySettings s;
-  std::vector<Extremum> expected;
-  std::optional<std::string> label;
-};
-
 TEST(ExtremaFinder, Cases) {
-  auto parabola = [](double lift) {
-    return [lift](double x) { return (x - 1) * (x - 1) + lift; };
+  auto parabola = [](double lift) { return [lift](double x) { return (x - 1) * (x - 1) + lift; }; };
+  const struct {
+    const char* name;
+    Fn f;
+    StudySettings s;
+    std::vector<Extremum> expected;
+  } cases[] = {
+      {"x^3-3x: the zeros of the three-point slope (h = 0.0045), 1 - h^2/6 from +-1",
+       [](double x) { return x * x * x - 3 * x; }, study(-2, 2, 64, 1e-9),
+       {{-std::sqrt(1 - 0.0045 * 0.0045 / 3), true, false}, {std::sqrt(1 - 0.0045 * 0.0045 / 3), false, false}}},
+      {"sin over two periods", [](double x) { return std::sin(x); }, study(0, 4 * pi, 128, 1e-9),
+       {{pi / 2, true, false}, {1.5 * pi, false, false}, {2.5 * pi, true, false}, {3.5 * pi, false, false}}},
+      {"cos: zero slope on the grid", [](double x) { return std::cos(x); }, study(0, 6, 64, 1e-9),
+       {{0, true, false}, {pi, false, false}}},
+      {"x^2 touching the axis: possible root", [](double x) { return x * x; }, study(-1, 2, 16, 1e-9),
+       {{0, false, true}}},
+      {"just inside the tolerance", parabola(0.0079), study(0, 3, 16, 1e-9), {{1, false, true}}},
+      {"just outside the tolerance", parabola(0.0081), study(0, 3, 16, 1e-9), {{1, false, false}}},
+      {"a pole is no extremum", testing::reciprocal, study(-1, 1, 4, 1e-9), {}},
+      {"a straight line has none", [](double x) { return 2 * x + 1; }, study(-1, 1, 8, 1e-9), {}},
   };
-  const ExtremaCase cases[] = {
-      {"sin over one period", [](double x) { return std::sin(x); }, study(0, 2 * pi, 64, 1e-9, 50),
-       {{pi / 2, true, false}, {3 * pi / 2, false, false}}, "2 extrema"},
-      {"cos: a zero slope on the grid", [](double x) { return std::cos(x); },
-       study(0, 6, 64, 1e-9, 50), {{0, true, false}, {pi, false, false}}, "2 extrema"},
-      {"touching the axis is a possible root", parabola(0), study(0, 3, 16, 1e-9, 50),
-       {{1, false, true}}, "1 extrema"},
-      {"just inside the tolerance", parabola(0.0079), study(0, 3, 16, 1e-9, 50),
-       {{1, false, true}}, "1 extrema"},
-      {"just outside the tolerance", parabola(0.0081), study(0, 3, 16, 1e-9, 50),
-       {{1, false, false}}, "1 extrema"},
-      {"a pole is no extremum", testing::reciprocal, study(-1, 1, 4, 1e-9, 50), {}, "0 extrema"},
-      {"a straight line has none", [](double x) { return 2 * x + 1; }, study(-1, 1, 8, 1e-9, 50),
-       {}, "0 extrema"},
-  };
-  for (const ExtremaCase& c : cases) {
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
     LambdaFunction f(c.f);
     DerivativeEvaluator d(f);
     const ExtremaResult r = findExtrema(d, c.s);
-    EXPECT_EQ(r.label, c.label) << c.name;
-    ASSERT_EQ(r.extrema.size(), c.expected.size()) << c.name;
+    EXPECT_EQ(r.label, std::to_string(c.expected.size()) + " extrema");
+    ASSERT_EQ(r.extrema.size(), c.expected.size());
+    ASSERT_EQ(r.list.size(), c.expected.size());
     for (size_t i = 0; i < c.expected.size(); ++i) {
-      EXPECT_NEAR(r.extrema[i].x, c.expected[i].x, 1e-7) << c.name << " #" << i;
-      EXPECT_EQ(r.extrema[i].isMaximum, c.expected[i].isMaximum) << c.name << " #" << i;
-      EXPECT_EQ(r.extrema[i].possibleRoot, c.expected[i].possibleRoot) << c.name << " #" << i;
+      EXPECT_NEAR(r.extrema[i].x, c.expected[i].x, 1e-7) << i;
+      EXPECT_EQ(r.extrema[i].isMaximum, c.expected[i].isMaximum) << i;
+      EXPECT_EQ(r.extrema[i].possibleRoot, c.expected[i].possibleRoot) << i;
+      EXPECT_EQ(r.list[i], extremumListText(r.extrema[i])) << i;
     }
-    EXPECT_EQ(r.list.size(), c.expected.size()) << c.name;
   }
-}
-
-TEST(ExtremaFinder, ListsAndCounts) {
-  LambdaFunction f([](double x) { return std::sin(x); });
-  DerivativeEvaluator d(f);
-  const ExtremaResult r = findExtrema(d, study(0, 4 * pi, 128, 1e-9, 50));
-  ASSERT_EQ(r.maxima().size(), 2u);
-  ASSERT_EQ(r.minima().size(), 2u);
-  EXPECT_NEAR(r.maxima()[1], 2.5 * pi, 1e-7);
-  EXPECT_EQ(r.possibleRootCount(), 0);
-  EXPECT_EQ(r.list[0], "Max " + formatGeneral(r.extrema[0].x));
   EXPECT_EQ(extremumListText({1, false, true}), "Min 1 (possible root)");
+  EXPECT_EQ(extremumListText({-2.5, true, false}), "Max -2.5");
 }
-
-struct IntegralCase {
-  const char* name;
-  std::function<double(double)> f;
-  StudySettings s;
-  std::optional<std::string> label;
-  bool computed;
-};
 
 TEST(Integrator, Cases) {
-  auto throwing = [](int32_t number) {
-    return [number](double x) -> double {
-      if (x > 0.4) throw RuntimeError(number);
-      return x;
-    };
-  };
-  const IntegralCase cases[] = {
-      {"cubic: Simpson and Boole agree at once", [](double x) { return x * x * x; },
-       study(0, 2, 1, 0.01, 10), "4", true},
-      {"x^5 refined up to the minimum panels", [](double x) { return std::pow(x, 5); },
-       study(0, 1, 8, 1e-12, 10), "0.166666666666667", true},
+  const Fn line = [](double x) { return x; };
+  const struct {
+    const char* name;
+    Fn f;
+    StudySettings s;
+    std::optional<std::string> label;
+    bool computed;
+  } cases[] = {
+      {"x^3 on [0, 2]", [](double x) { return x * x * x; }, study(0, 2, 1, 0.01, 10), "4", true},
+      {"x^5 on [0, 1]", [](double x) { return std::pow(x, 5); }, study(0, 1, 8, 1e-12, 10),
+       "0.166666666666667", true},
       {"no halving allowed", [](double x) { return std::sin(x); }, study(0, 1, 2, 1e-12, 0),
        "No convergence", false},
-      {"minimum panels out of reach", [](double x) { return x; }, study(0, 1, 64, 1, 3),
-       "No convergence", false},
-      {"empty interval", [](double x) { return x; }, study(1, 1, 2, 0.01, 5), "0", true},
+      {"minimum panels out of reach", line, study(0, 1, 64, 1, 3), "No convergence", false},
+      {"empty interval", line, study(1, 1, 2, 0.01, 5), "0", true},
       {"pole at a node", testing::reciprocal, study(-1, 1, 4, 0.01, 5), "division by zero", false},
-      {"invalid argument", throwing(err::InvalidCall), study(0, 1, 4, 0.01, 5),
+      {"invalid argument", failAbove(0.4, err::InvalidCall), study(0, 1, 4, 0.01, 5),
        "Invalid procedure call or argument", false},
-      {"already reported script error", throwing(err::AlreadyReported), study(0, 1, 4, 0.01, 5),
+      {"already reported script error", failAbove(0.4, err::AlreadyReported), study(0, 1, 4, 0.01, 5),
        "Invalid procedure call or argument", false},
-      {"overflow", throwing(err::Overflow), study(0, 1, 4, 0.01, 5), "overflow", false},
-      {"other errors leave the label", throwing(err::TypeMismatch), study(0, 1, 4, 0.01, 5),
+      {"overflow", failAbove(0.4, err::Overflow), study(0, 1, 4, 0.01, 5), "overflow", false},
+      {"other errors leave the label", failAbove(0.4, err::TypeMismatch), study(0, 1, 4, 0.01, 5),
        std::nullopt, false},
   };
-  for (const IntegralCase& c : cases) {
+  for (const auto& c : cases) {
     LambdaFunction f(c.f);
     DerivativeEvaluator d(f);
     const IntegralResult r = integrate(d, c.s);
     EXPECT_EQ(r.label, c.label) << c.name;
     EXPECT_EQ(r.computed, c.computed) << c.name;
   }
+  LambdaFunction e([](double x) { return std::exp(x); });
+  DerivativeEvaluator d(e);
+  EXPECT_NEAR(integrate(d, study(0, 1, 4, 1e-10, 20)).value, std::exp(1.0) - 1, 1e-10);
 }
 
-TEST(Integrator, ConvergesOnSmoothFunctions) {
-  LambdaFunction f([](double x) { return std::exp(x); });
-  DerivativeEvaluator d(f);
-  const IntegralResult r = integrate(d, study(0, 1, 4, 1e-10, 20));
-  ASSERT_TRUE(r.computed);
-  EXPECT_NEAR(r.value, std::exp(1.0) - 1, 1e-10);
-}
-
-TEST(Integrator, ReusesEveryValue) {
+TEST(Integrator, RefinesByHalvingAndReusesEveryValue) {
   // Each halving evaluates only the new odd nodes: 5 values, then 4, 8 and 16 more.
   testing::LoggedFunction f([](double x) { return x * x; });
   DerivativeEvaluator d(f);
   integrate(d, study(0, 1, 32, 1e-12, 3));
   EXPECT_EQ(f.calls.size(), 5u + 4 + 8 + 16);
-  std::vector<double> sorted = f.calls;
-  std::sort(sorted.begin(), sorted.end());
-  EXPECT_EQ(std::adjacent_find(sorted.begin(), sorted.end()), sorted.end());
+  std::sort(f.calls.begin(), f.calls.end());
+  EXPECT_EQ(std::adjacent_find(f.calls.begin(), f.calls.end()), f.calls.end());
+  testing::LoggedFunction x5([](double x) { return std::pow(x, 5); });
+  DerivativeEvaluator d5(x5);
+  integrate(d5, study(0, 1, 8, 1e-12, 10));
+  EXPECT_EQ(x5.calls.size(), 5u + 4 + 8);  // refined to 8 panels, no further
 }
 
 TEST(StudyCommands, ReadTheFieldsInsideTheTrap) {

@@ -8,16 +8,13 @@
 
 namespace orvane::testing {
 
-// A problem with m variables named x1..xm (or the given names) and one row per set:
-// {x1, ..., xm, y}. X is dimensioned exactly to N.
+// A problem with m variables named x1..xm (or the given names), one row {x1..xm, y} per set.
 inline RegressionProblem makeProblem(int m, const std::vector<std::vector<double>>& sets,
-                                     std::vector<std::string> names = {},
-                                     std::string dependent = "y") {
+                                     std::vector<std::string> names = {}, std::string dependent = "y") {
   RegressionProblem p;
   p.m = m;
   p.N = static_cast<int>(sets.size());
-  if (names.empty())
-    for (int j = 1; j <= m; ++j) names.push_back("x" + std::to_string(j));
+  for (int j = static_cast<int>(names.size()) + 1; j <= m; ++j) names.push_back("x" + std::to_string(j));
   p.names = std::move(names);
   p.dependentName = std::move(dependent);
   p.dimensionData();
@@ -26,7 +23,7 @@ inline RegressionProblem makeProblem(int m, const std::vector<std::vector<double
   return p;
 }
 
-// Sets of one column of the matrix, rows 1..N.
+// Column j of the matrix, rows 1..N.
 inline std::vector<double> column(const RegressionProblem& p, int j) {
   std::vector<double> values;
   for (int i = 1; i <= p.N; ++i) values.push_back(p.X(j, i));

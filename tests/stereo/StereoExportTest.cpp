@@ -13,14 +13,14 @@ namespace orvane {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::TableReader;
+using Lines = std::vector<std::string>;
 
 class StereoFileTest : public ::testing::Test {
  protected:
   void SetUp() override {
+    const auto* info = ::testing::UnitTest::GetInstance();
     dir_ = fs::temp_directory_path() /
-           ("stereo_export_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) + "_" +
-            ::testing::UnitTest::GetInstance()->current_test_info()->name());
+           ("stereo_export_" + std::to_string(info->random_seed()) + "_" + info->current_test_info()->name());
     fs::create_directories(dir_);
   }
   void TearDown() override { fs::remove_all(dir_); }
@@ -31,34 +31,19 @@ class StereoFileTest : public ::testing::Test {
     s << in.rdbuf();
     return s.str();
   }
-  static void put(const std::string& p, const std::string& text) {
-    std::ofstream(p, std::ios::binary) << text;
-  }
+  static void put(const std::string& p, const std::string& text) { std::ofstream(p, std::ios::binary) << text; }
 
   fs::path dir_;
 };
 
-const char* const kDefaultFile =
-    "\"STEREO\",0\r\n"
-    "\"(x-1)*x*(x+1)*(y-1)*y*(y+1)*5\"\r\n"
-    "1,0,1,5000,5\r\n"
-    "0,0,0\r\n"
-    "-2.5,2.5,-2,2,-1.5,1.5\r\n"
-    "-1,1,-1,1\r\n"
-    "4,4,1,1\r\n"
-    "1,1,1,0,0,0,0,0,0\r\n"
-    "0,0\r\n"
-    " 0 \r\n";
-
 TEST_F(StereoFileTest, DefaultSettingsWriteTheseExactLines) {
-  EXPECT_EQ(FormatStereoFile(StereoSettings{}, {}), kDefaultFile);
+  const char* const expected =
+      "\"STEREO\",0\r\n\"(x-1)*x*(x+1)*(y-1)*y*(y+1)*5\"\r\n1,0,1,5000,5\r\n0,0,0\r\n-2.5,2.5,-2,2,-1.5,1.5\r\n"
+      "-1,1,-1,1\r\n4,4,1,1\r\n1,1,1,0,0,0,0,0,0\r\n0,0\r\n 0 \r\n";
   WriteStereoFile(path("plot.txt"), StereoSettings{}, {});
-  EXPECT_EQ(slurp(path("plot.txt")), kDefaultFile);
+  EXPECT_EQ(slurp(path("plot.txt")), expected);
   EXPECT_FALSE(fs::exists(path("plot.txt.part")));
-}
-
-TEST_F(StereoFileTest, ParametricSurfaceWritesTheEquationLineAndConstants) {
-  StereoSettings s;
+  StereoSettings s;  // parametric: the x and y equations on line 2, quotes doubled
   s.parametric = true;
   s.equationX = "Cos(u)";
   s.equationY = "say \"hi\"";
@@ -70,44 +55,46 @@ TEST_F(StereoFileTest, ParametricSurfaceWritesTheEquationLineAndConstants) {
 }
 
 TEST_F(StereoFileTest, ExportThenImportRestoresEverySetting) {
-  StereoFields f;
-  f.parametric = true;
-  f.equationX = "u*Cos(v)";
-  f.equationY = "u*Sin(v)";
-  f.equationZ = "u, v";  // a comma inside a quoted string
-  f.rangelxu = "0.25";
-  f.rangegxu = "pi/2";
-  f.spacexu = "7";
-  f.segsyv = "3";
-  f.windowlz = "-4";
-  f.xrot = "30";
-  f.ztr = "-0.5";
-  f.stereo = "1.5";
-  f.reduce = "0.75";
-  f.ndots = "1234";
-  f.grid = "0";
-  f.xorigin = "0.1";
-  f.divz = "0.2";
-  f.background = kBackgroundBlack;
-  f.xder = "1";
-  f.yder = "1";
-  TableReader reader;
-  const StereoSettings written = ReadPlotSettings(f, reader).settings;
-  WriteStereoFile(path("round.dup"), written, {"a=2.37", "k = 3"});
+  for (bool parametric : {true, false}) {
+    SCOPED_TRACE(parametric ? "parametric" : "explicit");
+    StereoFields f;
+    f.parametric = parametric;
+    f.equationX = "u*Cos(v)";
+    f.equationY = "u*Sin(v)";
+    f.equationZ = "u, v";  // a comma inside a quoted string
+    f.rangelxu = "0.25";
+    f.rangegxu = "pi/2";
+    f.spacexu = "7";
+    f.segsyv = "3";
+    f.windowlz = "-4";
+    f.xrot = "30";
+    f.ztr = "-0.5";
+    f.stereo = "1.5";
+    f.reduce = "0.75";
+    f.ndots = "1234";
+    f.grid = "0";
+    f.xorigin = "0.1";
+    f.divz = "0.2";
+    f.background = kBackgroundBlack;
+    f.xder = f.yder = "1";
+    testing::TableReader reader;
+    const StereoSettings written = ReadPlotSettings(f, reader).settings;
+    const Lines constants = {"a=2.37", "k = 3"};
+    WriteStereoFile(path("round.dup"), written, constants);
 
-  const StereoImport back = ReadStereoFile(path("round.dup"), StereoFields{});
-  ASSERT_EQ(back.status, ImportStatus::Ok) << back.message;
-  EXPECT_EQ(back.constants, (std::vector<std::string>{"a=2.37", "k = 3"}));
-  EXPECT_TRUE(back.fields.parametric);
-  EXPECT_EQ(back.fields.equationX, "u*Cos(v)");
-  EXPECT_EQ(back.fields.equationZ, "u, v");
-  EXPECT_EQ(back.fields.rangegxu, "1.570796");
-  EXPECT_EQ(back.fields.xder, "1");
-  EXPECT_EQ(back.fields.yder, "1");
-  EXPECT_EQ(back.fields.background, kBackgroundBlack);
-  // Read again, the fields give the very same settings.
-  const StereoSettings reread = ReadPlotSettings(back.fields, reader).settings;
-  EXPECT_EQ(FormatStereoFile(reread, back.constants), FormatStereoFile(written, {"a=2.37", "k = 3"}));
+    const StereoImport back = ReadStereoFile(path("round.dup"), StereoFields{});
+    ASSERT_EQ(back.status, ImportStatus::Ok) << back.message;
+    EXPECT_EQ(back.constants, constants);
+    EXPECT_EQ(back.fields.parametric, parametric);
+    EXPECT_EQ(back.fields.equationX, parametric ? "u*Cos(v)" : "v");  // explicit: untouched
+    EXPECT_EQ(back.fields.equationZ, "u, v");
+    EXPECT_EQ(back.fields.rangegxu, "1.570796");
+    EXPECT_EQ(back.fields.xder + back.fields.yder, "11");
+    EXPECT_EQ(back.fields.background, kBackgroundBlack);
+    // Read again, the fields give the very same settings.
+    EXPECT_EQ(FormatStereoFile(ReadPlotSettings(back.fields, reader).settings, back.constants),
+              FormatStereoFile(written, constants));
+  }
 }
 
 TEST_F(StereoFileTest, AnythingWithoutTheMagicIsIncompatibleAndChangesNothing) {
@@ -126,62 +113,51 @@ TEST_F(StereoFileTest, AnythingWithoutTheMagicIsIncompatibleAndChangesNothing) {
   EXPECT_NE(missing.message.find("none.txt"), std::string::npos);
 }
 
-TEST_F(StereoFileTest, ExplicitFileHasNoEquationLineAndUnquotedMagicIsAccepted) {
+TEST_F(StereoFileTest, ExplicitFileWithUnquotedMagicAndBareLineEnds) {
   const std::string text =
-      "STEREO,0\n\"x*y\"\n2,0,0.5,10,3\n1,2,3\n-1,1,-2,2,-3,3\n0,1,0,2\n5,6,2,3\n1,1,1,10,20,30,1,2,3\n1,3\n1\nc=1\n";
+      "STEREO,0\n\"x*y\"\n2,0,0.5,10,3\n1,2,3\n-1,1,-2,2,-3,3\n0,1,0,2\n5,6,2,3\n1,1,1,10,20,30,1,2,3\n"
+      "1,3\n1\nc=1\n";
   const StereoImport r = ParseStereoFile(text, "plain.dup", StereoFields{});
   ASSERT_EQ(r.status, ImportStatus::Ok) << r.message;
-  EXPECT_EQ(r.fields.equationZ, "x*y");
-  EXPECT_EQ(r.fields.equationX, "v");  // untouched
-  EXPECT_EQ(r.fields.reduce, "0.5");
-  EXPECT_EQ(r.fields.grid, "3");
-  EXPECT_EQ(r.fields.zorigin, "3");
-  EXPECT_EQ(r.fields.segsyv, "3");
-  EXPECT_EQ(r.fields.zrot, "30");
-  EXPECT_EQ(r.fields.xder, "2");  // selector 3: Zxx
-  EXPECT_EQ(r.fields.yder, "0");
-  EXPECT_EQ(r.constants, std::vector<std::string>{"c=1"});
+  const StereoFields& f = r.fields;
+  EXPECT_EQ(Lines({f.equationZ, f.reduce, f.grid, f.zorigin, f.segsyv, f.zrot, f.xder, f.yder}),
+            Lines({"x*y", "0.5", "3", "3", "3", "30", "2", "0"}));  // selector 3: Zxx
+  EXPECT_EQ(r.constants, Lines{"c=1"});
 }
 
 TEST_F(StereoFileTest, AShortOrMalformedFileNamesTheLineAndKeepsWhatWasRead) {
   const std::string head = "\"STEREO\",0\r\n\"x*y\"\r\n2,0,0.5,10,3\r\n1,2,3\r\n";
-  struct Row {
+  const std::string body = head + "-1,1,-2,2,-3,3\r\n0,1,0,2\r\n5,6,2,3\r\n1,1,1,0,0,0,0,0,0\r\n";
+  const struct {
     std::string text;
     int line;
-    const char* expectedWords;
+    const char* words;
   } rows[] = {
-      {head, 5, "the viewing window"},                                   // ends early
-      {head + "-1,1,-2,2\r\n", 5, "(6 values), found 4"},                // short record
-      {head + "-1,1,-2,abc,-3,3\r\n", 5, "found \"abc\""},                // text for a number
-      {head + "-1,1,-2,2,-3,3\r\n0,1,0,2\r\n5,6,2,3\r\n1,1,1,0,0,0,0,0,0\r\n0,9\r\n", 9, "0 to 5"},
-      {head + "-1,1,-2,2,-3,3\r\n0,1,0,2\r\n5,6,2,3\r\n1,1,1,0,0,0,0,0,0\r\n0,0\r\n 2 \r\na=1\r\n", 12,
-       "constant 2 of 2"},
+      {head, 5, "the viewing window"},                         // ends early
+      {head + "-1,1,-2,2\r\n", 5, "(6 values), found 4"},      // short record
+      {head + "-1,1,-2,abc,-3,3\r\n", 5, "found \"abc\""},     // text for a number
+      {body + "0,9\r\n", 9, "0 to 5"},
+      {body + "0,0\r\n 2 \r\na=1\r\n", 12, "constant 2 of 2"},
   };
-  for (const Row& r : rows) {
-    StereoFields current;
-    current.windowly = "-9";
+  StereoFields current;
+  current.windowgy = "77";
+  for (const auto& r : rows) {
     const StereoImport imp = ParseStereoFile(r.text, "/tmp/short.dup", current);
-    EXPECT_EQ(imp.status, ImportStatus::Malformed) << r.text;
-    EXPECT_EQ(imp.line, r.line) << imp.message;
-    EXPECT_NE(imp.message.find("/tmp/short.dup"), std::string::npos) << imp.message;
-    EXPECT_NE(imp.message.find("line " + std::to_string(r.line)), std::string::npos) << imp.message;
-    EXPECT_NE(imp.message.find(r.expectedWords), std::string::npos) << imp.message;
+    SCOPED_TRACE(imp.message);
+    EXPECT_EQ(imp.status, ImportStatus::Malformed);
+    EXPECT_EQ(imp.line, r.line);
+    for (const std::string& words : Lines{"/tmp/short.dup", "line " + std::to_string(r.line), r.words})
+      EXPECT_NE(imp.message.find(words), std::string::npos) << words;
     // Lines 1 to 4 were read before the fault.
-    EXPECT_EQ(imp.fields.equationZ, "x*y");
-    EXPECT_EQ(imp.fields.stereo, "2");
-    EXPECT_EQ(imp.fields.ndots, "10");
-    EXPECT_EQ(imp.fields.yorigin, "2");
+    EXPECT_EQ(Lines({imp.fields.equationZ, imp.fields.stereo, imp.fields.ndots, imp.fields.yorigin}),
+              Lines({"x*y", "2", "10", "2"}));
   }
   // Within the faulty record, the values before the bad one are in place, not after it.
-  StereoFields before;
-  before.windowgy = "77";
-  const StereoImport partial = ParseStereoFile(rows[2].text, "f", before);
-  EXPECT_EQ(partial.fields.windowly, "-2");
-  EXPECT_EQ(partial.fields.windowgy, "77");
-  EXPECT_EQ(partial.fields.windowlz, "-1.5");
+  const StereoImport partial = ParseStereoFile(rows[2].text, "f", current);
+  EXPECT_EQ(Lines({partial.fields.windowly, partial.fields.windowgy, partial.fields.windowlz}),
+            Lines({"-2", "77", "-1.5"}));
   // The constant read before the missing one is returned for registration.
-  const StereoImport constants = ParseStereoFile(rows[4].text, "f", StereoFields{});
-  EXPECT_EQ(constants.constants, std::vector<std::string>{"a=1"});
+  EXPECT_EQ(ParseStereoFile(rows[4].text, "f", StereoFields{}).constants, Lines{"a=1"});
 }
 
 TEST_F(StereoFileTest, AFailedWriteLeavesThePreviousFileIntact) {
@@ -192,46 +168,36 @@ TEST_F(StereoFileTest, AFailedWriteLeavesThePreviousFileIntact) {
   EXPECT_THROW(WriteStereoFile(path("no/such/dir/x.dup"), StereoSettings{}, {}), RuntimeError);
 }
 
-TEST_F(StereoFileTest, PicturesAreRedrawnIntoPersistentImagesWhenPersistIsOff) {
-  struct Row {
-    bool persist;
-    int replots;
-  } rows[] = {{true, 0}, {false, 1}};
-  for (const Row& r : rows) {
+TEST_F(StereoFileTest, PicturesAreSavedFromPersistentImages) {
+  for (bool persist : {true, false}) {
     testing::StereoPicture left, right;
     left.name = "L";
     right.name = "R";
-    left.SetAutoRedraw(r.persist);
-    right.SetAutoRedraw(r.persist);
+    left.SetAutoRedraw(persist);
+    right.SetAutoRedraw(persist);
     int replots = 0;
-    SaveStereoPictures(left, right, path("plot.dup"), r.persist, [&] { ++replots; });
-    EXPECT_EQ(replots, r.replots);
-    EXPECT_EQ(slurp(path("plot.dup_left.bmp")), "L");
-    EXPECT_EQ(slurp(path("plot.dup_right.bmp")), "R");
+    SaveStereoPictures(left, right, path("plot.dup"), persist, [&] { ++replots; });
+    EXPECT_EQ(replots, persist ? 0 : 1);  // redrawn into images when not persistent
+    EXPECT_EQ(slurp(path("plot.dup_left.bmp")) + slurp(path("plot.dup_right.bmp")), "LR");
     EXPECT_FALSE(fs::exists(path("plot.dup_left.bmp.part")));
     EXPECT_EQ(left.persistentAtSave, std::vector<bool>{true});
     EXPECT_EQ(right.persistentAtSave, std::vector<bool>{true});
-    EXPECT_EQ(left.AutoRedraw(), r.persist);
-    EXPECT_EQ(right.AutoRedraw(), r.persist);
+    EXPECT_TRUE(left.AutoRedraw() == persist && right.AutoRedraw() == persist);
   }
-}
-
-// The right picture fails: neither bitmap of the earlier pair is touched.
-TEST_F(StereoFileTest, AFailedPictureLeavesThePreviousPairIntact) {
+  // The right picture fails: neither bitmap of the earlier pair is touched.
   put(path("p_left.bmp"), "old left");
   put(path("p_right.bmp"), "old right");
   testing::StereoPicture left, right;
   right.saveFails = true;
   try {
     SaveStereoPictures(left, right, path("p"), false, nullptr);
-    FAIL() << "no error raised";
+    ADD_FAILURE() << "no error raised";
   } catch (const RuntimeError& e) {
     EXPECT_EQ(e.number(), err::PathFileAccess);
     EXPECT_NE(std::string(e.description()).find("p_right.bmp"), std::string::npos);
   }
   EXPECT_FALSE(right.AutoRedraw());
-  EXPECT_EQ(slurp(path("p_left.bmp")), "old left");
-  EXPECT_EQ(slurp(path("p_right.bmp")), "old right");
+  EXPECT_EQ(slurp(path("p_left.bmp")) + "|" + slurp(path("p_right.bmp")), "old left|old right");
   EXPECT_FALSE(fs::exists(path("p_left.bmp.part")));
   EXPECT_THROW(SaveStereoPictures(left, left, path("no/such/dir/p"), true, nullptr), RuntimeError);
 }

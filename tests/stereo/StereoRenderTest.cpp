@@ -11,15 +11,15 @@
 namespace orvane {
 namespace {
 
-using testing::LambdaSurface;
 using testing::callsOf;
 using K = CanvasCall::Kind;
 
 constexpr float kTol = 1e-5f;
 
+// A 2 x 2 mesh of the flat surface z = 0 on the default window.
 struct Fixture {
   StereoSettings s;
-  LambdaSurface surface;
+  testing::LambdaSurface surface;
   SurfaceParameters uv;
   DotGenerator random{7};
   std::vector<Point3> marks;
@@ -45,27 +45,24 @@ TEST(DrawSurfaceMesh, TwoByTwoGridOnBothPicturesLeftShifted) {
     ASSERT_EQ(r.size(), 12u);
     const Color expected = background == kBackgroundWhite ? Rgb(0, 0, 0) : Rgb(255, 255, 255);
     for (size_t i = 0; i < l.size(); ++i) {
-      EXPECT_EQ(l[i].color, expected);
-      EXPECT_EQ(r[i].color, expected);
+      EXPECT_TRUE(l[i].color == expected && r[i].color == expected) << i;
       EXPECT_NEAR(l[i].y1, r[i].y1, kTol);  // the vertical is shared
     }
-    // First segment, (-1,-1,0) to (-1,0,0): depth 1 from the centre plane.
+    // First segment, (-1,-1,0) to (-1,0,0): depth 1 from the centre plane; the left
+    // picture adds depth * stereo shift 0.16.
     EXPECT_NEAR(r[0].x1, -0.2f, kTol);
     EXPECT_NEAR(r[0].y1, 0.6f, kTol);
     EXPECT_NEAR(r[0].x2, 0.8f, kTol);
-    EXPECT_NEAR(l[0].x1, -0.04f, kTol);  // + depth * stereo shift 0.16
+    EXPECT_NEAR(l[0].x1, -0.04f, kTol);
     EXPECT_NEAR(l[0].x2, 0.96f, kTol);
-    // A segment in the centre plane, (0,-1,0) to (0,0,0): no parallax.
-    EXPECT_NEAR(l[2].x1, -1, kTol);
+    EXPECT_NEAR(l[2].x1, -1, kTol);  // (0,-1,0) is in the centre plane: no parallax
     EXPECT_NEAR(r[2].x1, -1, kTol);
-    // Last segment, of the curve y = 1: (0,1,0) to (1,1,0).
-    EXPECT_NEAR(r[11].x1, 1, kTol);
-    EXPECT_NEAR(r[11].x2, 0.2f, kTol);
+    EXPECT_NEAR(r[11].x2, 0.2f, kTol);  // last segment, of the curve y = 1, ends at (1,1,0)
     EXPECT_NEAR(l[11].x2, 0.04f, kTol);
   }
 }
 
-TEST(DrawSurfaceMesh, APoleBreaksTheCurvesThroughItOnly) {
+TEST(DrawSurfaceMesh, APoleBreaksTheCurvesThroughItOnlyAndRotationTurnsPoints) {
   Fixture f;
   f.surface.formulas[f.s.equationZ] = [](double x, double y, double, double) {
     if (x == 0 && y == 0) throw RuntimeError(err::DivisionByZero);
@@ -76,102 +73,73 @@ TEST(DrawSurfaceMesh, APoleBreaksTheCurvesThroughItOnly) {
   const auto r = callsOf(f.right, K::Line);
   EXPECT_EQ(r.size(), 8u);
   EXPECT_EQ(callsOf(f.left, K::Line).size(), 8u);
-  // The pole projects to (0, 0.5) in the right picture; no segment reaches it.
-  for (const auto& c : r) {
+  for (const auto& c : r) {  // the pole projects to (0, 0.5); no segment reaches it
     EXPECT_FALSE(std::fabs(c.x1) < kTol && std::fabs(c.y1 - 0.5f) < kTol);
     EXPECT_FALSE(std::fabs(c.x2) < kTol && std::fabs(c.y2 - 0.5f) < kTol);
   }
-}
-
-TEST(DrawSurfaceMesh, RotatedPathRotatesEveryPoint) {
-  Fixture f;
-  f.s.spacexu = f.s.spaceyv = 1;
-  f.s.drxu = f.s.dryv = f.s.stepxu = f.s.stepyv = 2;
-  f.s.zrot = 90;  // (x, y) -> (-y, x)
-  f.scale();
-  DrawSurfaceMesh(f.left, f.right, f.plot());
-  const auto r = callsOf(f.right, K::Line);
-  ASSERT_EQ(r.size(), 4u);
-  // (-1,-1,0) turns to (1,-1,0): depth -1, so hR = -1 - 0.8, v = -0.6.
-  EXPECT_NEAR(r[0].x1, -1.8f, kTol);
-  EXPECT_NEAR(r[0].y1, -0.6f, kTol);
+  Fixture g;
+  g.s.spacexu = g.s.spaceyv = 1;
+  g.s.drxu = g.s.dryv = g.s.stepxu = g.s.stepyv = 2;
+  g.s.zrot = 90;  // (x, y) -> (-y, x)
+  g.scale();
+  DrawSurfaceMesh(g.left, g.right, g.plot());
+  const auto turned = callsOf(g.right, K::Line);
+  ASSERT_EQ(turned.size(), 4u);
+  EXPECT_NEAR(turned[0].x1, -1.8f, kTol);  // (-1,-1,0) turns to (1,-1,0): depth -1
+  EXPECT_NEAR(turned[0].y1, -0.6f, kTol);
 }
 
 TEST(DrawStereoPlot, FrameReferenceLinesAxesAndMarksInOrder) {
   Fixture f;
   f.s.lines = false;
-  f.s.divx = f.s.divy = f.s.divz = 10;  // no marks inside the window: only the axes
+  f.s.divx = f.s.divy = f.s.divz = 10;  // no division marks inside the window
   f.marks = {{0, 1, 0.25f}};
   int pumps = 0;
   StereoPlot plot = f.plot();
   plot.pump = [&] { ++pumps; };
   DrawStereoPlot(f.left, f.right, plot);
   EXPECT_EQ(pumps, 1);
-  for (RecordingCanvas* pic : {&f.left, &f.right}) {
-    const auto& c = pic->calls();
-    ASSERT_EQ(c.size(), 1u + 8 + 3 + 2);
-    // Border, inset by one device unit on the right and bottom.
-    EXPECT_EQ(c[0].kind, K::Box);
-    EXPECT_EQ(c[0].color, Rgb(192, 192, 0));
-    EXPECT_NEAR(c[0].x1, -2, kTol);
-    EXPECT_NEAR(c[0].y1, -1.5f + 3.0f / 400, kTol);
-    EXPECT_NEAR(c[0].x2, 2 - 4.0f / 400, kTol);
-    EXPECT_NEAR(c[0].y2, 1.5f, kTol);
-    // Dotted reference lines: vertical, then horizontal.
-    const float ys[] = {-1.2f, -0.4f, 0.4f, 1.2f}, zs[] = {-0.9f, -0.3f, 0.3f, 0.9f};
-    for (int i = 0; i < 4; ++i) {
-      EXPECT_EQ(c[1 + i].drawStyle, DrawStyle::Dot);
-      EXPECT_EQ(c[1 + i].color, Rgb(0, 192, 192));
-      EXPECT_NEAR(c[1 + i].x1, ys[i], kTol);
-      EXPECT_NEAR(c[1 + i].x2, ys[i], kTol);
-      EXPECT_NEAR(c[5 + i].y1, zs[i], kTol);
-      EXPECT_NEAR(c[5 + i].x1, -2, kTol);
-      EXPECT_NEAR(c[5 + i].x2, 2, kTol);
-    }
-    // Three solid axes in the axes colour.
-    for (int i = 9; i < 12; ++i) {
-      EXPECT_EQ(c[i].kind, K::Line);
-      EXPECT_EQ(c[i].drawStyle, DrawStyle::Solid);
-      EXPECT_EQ(c[i].color, Rgb(0, 128, 0));
-    }
-    // The origin mark, then the data mark, both filled.
-    EXPECT_EQ(c[12].kind, K::Circle);
-    EXPECT_EQ(c[12].color, Rgb(255, 0, 0));
-    EXPECT_EQ(c[12].fillStyle, FillStyle::Solid);
-    EXPECT_NEAR(c[12].radius, 4.0f / 100, kTol);
-    EXPECT_EQ(c[13].kind, K::Circle);
-    EXPECT_EQ(c[13].color, Rgb(0, 0, 255));
-    EXPECT_EQ(c[13].fillColor, Rgb(0, 0, 255));
-    EXPECT_NEAR(c[13].x1, 1, kTol);  // in the centre plane: same place in both pictures
-    EXPECT_NEAR(c[13].y1, 0.25f, kTol);
-    EXPECT_NEAR(c[13].radius, 4.0f / 200, kTol);
-    EXPECT_EQ(pic->FillStyle(), FillStyle::Transparent);
-    EXPECT_EQ(pic->DrawStyle(), DrawStyle::Solid);
-  }
-  // The x axis runs through the depth: its ends differ between the pictures.
-  EXPECT_NEAR(f.right[9].x1, 2, kTol);
-  EXPECT_NEAR(f.left[9].x1, 2.4f, kTol);
+  std::vector<std::string> expected = {
+      "box (-2,-1.4925)-(1.99,1.5) #00C0C0",  // inset by one device unit right and bottom
+      "line (-1.2,-1.5)-(-1.2,1.5) #C0C000 dot", "line (-0.4,-1.5)-(-0.4,1.5) #C0C000 dot",
+      "line (0.4,-1.5)-(0.4,1.5) #C0C000 dot",   "line (1.2,-1.5)-(1.2,1.5) #C0C000 dot",
+      "line (-2,-0.9)-(2,-0.9) #C0C000 dot",     "line (-2,-0.3)-(2,-0.3) #C0C000 dot",
+      "line (-2,0.3)-(2,0.3) #C0C000 dot",       "line (-2,0.9)-(2,0.9) #C0C000 dot",
+      "line (2,1.5)-(-2,-1.5) #008000",  // the x axis runs through the depth
+      "line (-2,0)-(2,0) #008000",       "line (0,-1.5)-(0,1.5) #008000",
+      "circle (0,0) r=0.04 #0000FF fill #0000FF",  // the origin, then the data set
+      "circle (1,0.25) r=0.02 #FF0000 fill #FF0000",
+  };
+  EXPECT_EQ(f.right.describeAll(), expected);
+  expected[9] = "line (2.4,1.5)-(-2.4,-1.5) #008000";  // its ends shifted in the left picture
+  EXPECT_EQ(f.left.describeAll(), expected);
+  for (RecordingCanvas* pic : {&f.left, &f.right})
+    EXPECT_TRUE(pic->FillStyle() == FillStyle::Transparent && pic->DrawStyle() == DrawStyle::Solid);
 }
 
 TEST(DrawStereoPlot, SurfaceOnlyWithTheFittedFunctionAndItsBoxes) {
-  struct Row {
+  const struct {
     bool shown, lines, dots;
+    int32_t ndots;
     size_t linesDrawn, points;
-  } rows[] = {{true, true, false, 12, 0},  {true, false, true, 0, 3}, {true, true, true, 12, 3},
-              {false, true, true, 0, 0},   {true, false, false, 0, 0}};
-  for (const Row& r : rows) {
+    int tried;
+  } rows[] = {{true, true, false, 3, 12, 0, 18}, {true, false, true, 3, 0, 3, 3},
+              {true, true, true, 3, 12, 3, 21},  {false, true, true, 3, 0, 0, 0},
+              {true, false, false, 3, 0, 0, 0},  {true, false, true, 1, 0, 1, 1}};
+  for (const auto& r : rows) {
+    SCOPED_TRACE(::testing::Message() << r.shown << r.lines << r.dots << " " << r.ndots);
     Fixture f;
     f.s.grid = 0;
     f.s.divx = f.s.divy = f.s.divz = 10;
     f.s.lines = r.lines;
     f.s.dots = r.dots;
-    f.s.ndots = 3;
+    f.s.ndots = r.ndots;
     StereoPlot plot = f.plot();
     plot.surfaceShown = r.shown;
     DrawStereoPlot(f.left, f.right, plot);
-    const size_t frame = 3;  // the axes
-    EXPECT_EQ(callsOf(f.left, K::Line).size(), frame + r.linesDrawn) << r.shown << r.lines << r.dots;
-    EXPECT_EQ(callsOf(f.right, K::Point).size(), r.points) << r.shown << r.lines << r.dots;
+    EXPECT_EQ(callsOf(f.left, K::Line).size(), 3 + r.linesDrawn);  // after the three axes
+    EXPECT_EQ(callsOf(f.right, K::Point).size(), r.points);
+    EXPECT_EQ(f.surface.calls, r.tried);
   }
 }
 
@@ -182,7 +150,7 @@ TEST(DrawSurfaceDots, UndefinedEverywhereDrawsNothingAndDotsAreRotated) {
   f.scale();
   DrawSurfaceDots(f.left, f.right, f.plot());
   EXPECT_EQ(f.left.size(), 0u);
-
+  EXPECT_EQ(f.surface.calls, 50);
   // Dots at z = 1 turned half a turn about x land at z = -1 (in the centre plane x = 0).
   Fixture g;
   g.s.ndots = 20;
@@ -196,57 +164,33 @@ TEST(DrawSurfaceDots, UndefinedEverywhereDrawsNothingAndDotsAreRotated) {
   for (const auto& c : p) EXPECT_NEAR(c.y1, -1, kTol);
 }
 
-TEST(ApplyPlotAppearance, BackgroundPersistenceAndColours) {
+TEST(DrawStereoPlot, AppearanceDataMarksAndAWindowWithoutWidth) {
   StereoSettings s;
   s.background = kBackgroundBlack;
   s.persist = false;
   RecordingCanvas left{400, 400}, right{400, 400};
   ApplyPlotAppearance(left, right, s);
-  for (RecordingCanvas* pic : {&left, &right}) {
-    EXPECT_EQ(pic->BackColor(), Rgb(0, 0, 0));
-    EXPECT_EQ(pic->ForeColor(), Rgb(255, 255, 255));
-    EXPECT_FALSE(pic->AutoRedraw());
-  }
+  for (RecordingCanvas* pic : {&left, &right})
+    EXPECT_TRUE(pic->BackColor() == Rgb(0, 0, 0) && pic->ForeColor() == Rgb(255, 255, 255) && !pic->AutoRedraw());
   EXPECT_EQ(ColorsFor(kBackgroundBlack).axes, Rgb(0, 255, 0));
   EXPECT_EQ(ColorsFor(kBackgroundBlack).dotcolor, Rgb(255, 255, 0));
-  EXPECT_EQ(Rgb(255, 0, 0), colors::Red);
-}
-
-}  // namespace
-}  // namespace orvane
-
-namespace orvane {
-namespace {
-
-TEST(DataMarksFrom, TakesBothVariablesAndTheDependentValueOfEachDataSet) {
-  // X(k, j) = 10 k + j, with m = 3: the dependent value is column 4.
+  // Marks take both variables and the dependent value (column m + 1), X(k, j) = 10 k + j, m = 3.
   auto X = [](int32_t k, int32_t j) { return 10.0 * k + j; };
   const std::vector<Point3> marks = DataMarksFrom(2, 3, X);
   ASSERT_EQ(marks.size(), 2u);
-  EXPECT_EQ(marks[1].x, 21);
-  EXPECT_EQ(marks[1].y, 22);
-  EXPECT_EQ(marks[1].z, 24);
+  EXPECT_TRUE(marks[1].x == 21 && marks[1].y == 22 && marks[1].z == 24);
   EXPECT_TRUE(DataMarksFrom(5, 1, X).empty());
   EXPECT_TRUE(DataMarksFrom(0, 2, X).empty());
-}
-
-}  // namespace
-}  // namespace orvane
-
-namespace orvane {
-namespace {
-
-TEST(DrawStereoPlot, AWindowWithoutWidthDrawsNothing) {
   for (float gy : {-2.0f, std::numeric_limits<float>::infinity()}) {
-    StereoSettings s;
-    s.windowgy = gy;
-    s.delwindy = s.windowgy - s.windowly;
-    LambdaSurface surface;
+    StereoSettings w;
+    w.windowgy = gy;
+    w.delwindy = w.windowgy - w.windowly;
+    testing::LambdaSurface surface;
     SurfaceParameters uv;
     DotGenerator random(1);
-    RecordingCanvas left(400, 400), right(400, 400);
-    EXPECT_NO_THROW(DrawStereoPlot(left, right, StereoPlot{s, surface, uv, random, {}, true, nullptr}));
-    EXPECT_EQ(left.size(), 0u);
+    RecordingCanvas l(400, 400), r(400, 400);
+    EXPECT_NO_THROW(DrawStereoPlot(l, r, StereoPlot{w, surface, uv, random, {}, true, nullptr}));
+    EXPECT_EQ(l.size(), 0u);
   }
 }
 

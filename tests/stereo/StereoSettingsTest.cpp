@@ -9,57 +9,36 @@ namespace {
 
 using testing::TableReader;
 
-TEST(ReadPlotSettings, DefaultFieldsGiveTheDefaultSettingsAndDerivedValues) {
+TEST(ReadPlotSettings, DefaultsDerivedValuesAndExpressions) {
   TableReader reader;
   const SettingsRead read = ReadPlotSettings(StereoFields{}, reader, StereoSettings{});
   EXPECT_EQ(read.error, 0);
   const StereoSettings& s = read.settings;
-  EXPECT_EQ(s.drxu, 0.5f);
-  EXPECT_EQ(s.dryv, 0.5f);
-  EXPECT_EQ(s.stepxu, 0.5f);
-  EXPECT_EQ(s.delwindx, 5.0f);
-  EXPECT_EQ(s.delwindy, 4.0f);
-  EXPECT_EQ(s.delwindz, 3.0f);
-  EXPECT_EQ(s.windcex, 0.0f);
+  EXPECT_EQ(std::vector<float>({s.drxu, s.dryv, s.stepxu, s.delwindx, s.delwindy, s.delwindz, s.windcex}),
+            std::vector<float>({0.5f, 0.5f, 0.5f, 5, 4, 3, 0}));
   EXPECT_FLOAT_EQ(s.depthSlopeY, 0.8f);
   EXPECT_FLOAT_EQ(s.depthSlopeZ, 0.6f);
   EXPECT_EQ(s.ndots, 5000);
-  EXPECT_EQ(s.grid, 5);
   EXPECT_EQ(s.selector, kSurfaceItself);
-}
-
-TEST(ReadPlotSettings, ExpressionFieldsAreEvaluatedIntoSinglePrecision) {
-  TableReader reader;
   StereoFields f;
-  f.rangegxu = "pi/2";
+  f.rangegxu = "pi/2";  // expression fields go through the engine, into singles
   f.xrot = "pi";
-  f.segsxu = "3";
-  const StereoSettings s = ReadPlotSettings(f, reader).settings;
-  EXPECT_EQ(s.rangegxu, static_cast<float>(1.5707963267948966));
-  EXPECT_EQ(s.xrot, static_cast<float>(3.141592653589793));
-  // drxu in single precision from the single limits, then stepxu from drxu.
-  const float drxu = (static_cast<float>(1.5707963267948966) - -1.0f) / 4.0f;
-  EXPECT_EQ(s.drxu, drxu);
-  EXPECT_EQ(s.stepxu, drxu / 3.0f);
+  const StereoSettings e = ReadPlotSettings(f, reader).settings;
+  EXPECT_EQ(e.rangegxu, static_cast<float>(1.5707963267948966));
+  EXPECT_EQ(e.xrot, static_cast<float>(3.141592653589793));
+  EXPECT_EQ(e.drxu, (static_cast<float>(1.5707963267948966) + 1.0f) / 4.0f);
 }
 
 TEST(ReadPlotSettings, CountFieldsTakeTheLeadingNumberRoundedHalfToEven) {
-  struct Row {
-    const char* text;
-    int32_t expected;
-  } rows[] = {{"2.5", 2}, {"3.5", 4}, {"abc", 0}, {"7xyz", 7}, {" 12", 12}, {"-1.5", -2}, {"", 0}};
+  const std::pair<const char*, int32_t> rows[] = {{"2.5", 2},  {"3.5", 4},    {"abc", 0}, {"7xyz", 7},
+                                                  {" 12", 12}, {"-1.5", -2}, {"", 0}};
   TableReader reader;
-  for (const Row& r : rows) {
+  for (const auto& [text, expected] : rows) {
     StereoFields f;
-    f.spacexu = r.text;
-    f.ndots = r.text;
-    f.grid = r.text;
-    f.segsyv = r.text;
+    f.spacexu = f.ndots = f.grid = f.segsyv = text;
     const StereoSettings s = ReadPlotSettings(f, reader).settings;
-    EXPECT_EQ(s.spacexu, r.expected) << r.text;
-    EXPECT_EQ(s.ndots, r.expected) << r.text;
-    EXPECT_EQ(s.grid, r.expected) << r.text;
-    EXPECT_EQ(s.segsyv, r.expected) << r.text;
+    EXPECT_TRUE(s.spacexu == expected && s.ndots == expected && s.grid == expected && s.segsyv == expected)
+        << text;
   }
 }
 
@@ -81,84 +60,67 @@ TEST(ReadPlotSettings, AFailingFieldKeepsItsPreviousValueAndTheRestIsRead) {
 
 TEST(ReadPlotSettings, ZeroCountsAndOverflowsAreErrorsNotInfinities) {
   TableReader reader;
-  {
+  const struct {
+    std::string StereoFields::*field;
+    const char* text;
+    int32_t error;
+  } rows[] = {
+      {&StereoFields::spacexu, "0", 11},    // 2 / 0
+      {&StereoFields::rangelxu, "1", 6},    // with spacexu 0 below: 0 / 0
+      {&StereoFields::windowgx, "1e300", 6},  // beyond single precision
+      {&StereoFields::xder, "3", 9},        // outside the selector table
+  };
+  for (const auto& r : rows) {
     StereoFields f;
-    f.spacexu = "0";
+    f.*r.field = r.text;
+    if (r.field == &StereoFields::rangelxu) f.spacexu = "0";
     const SettingsRead read = ReadPlotSettings(f, reader);
-    EXPECT_EQ(read.error, 11);
-    EXPECT_EQ(read.errorField, "drxu");
-    EXPECT_EQ(read.settings.drxu, 0.5f);  // kept
-  }
-  {
-    StereoFields f;
-    f.rangelxu = "1";
-    f.spacexu = "0";  // 0 / 0
-    EXPECT_EQ(ReadPlotSettings(f, reader).error, 6);
-  }
-  {
-    StereoFields f;
-    f.windowgx = "1e300";  // beyond single precision
-    const SettingsRead read = ReadPlotSettings(f, reader);
-    EXPECT_EQ(read.error, 6);
-    EXPECT_EQ(read.settings.windowgx, 2.5f);
-  }
-  {
-    StereoFields f;
-    f.xder = "3";  // outside the selector table
-    EXPECT_EQ(ReadPlotSettings(f, reader).error, 9);
+    EXPECT_EQ(read.error, r.error) << r.text;
+    EXPECT_EQ(read.settings.drxu, 0.5f) << r.text;  // values kept
+    EXPECT_EQ(read.settings.windowgx, 2.5f) << r.text;
   }
 }
 
 TEST(DerivativeSelector, OrdersMapToTheFiveSurfacesAndBack) {
-  struct Row {
-    int32_t xder, yder;
-    int selector;
-  } rows[] = {{0, 0, 0}, {1, 0, 1}, {0, 1, 2}, {2, 0, 3}, {0, 2, 4}, {1, 1, 5}, {2, 1, 0}, {1, 2, 0}, {2, 2, 0}};
-  for (const Row& r : rows) {
-    EXPECT_EQ(DerivativeSelectorFor(r.xder, r.yder), r.selector) << r.xder << "," << r.yder;
-    if (r.selector != 0 || (r.xder == 0 && r.yder == 0)) {
-      const auto orders = DerivativeOrdersOf(r.selector);
-      EXPECT_EQ(orders[0], r.xder);
-      EXPECT_EQ(orders[1], r.yder);
+  const int rows[][3] = {{0, 0, 0}, {1, 0, 1}, {0, 1, 2}, {2, 0, 3}, {0, 2, 4},
+                         {1, 1, 5}, {2, 1, 0}, {1, 2, 0}, {2, 2, 0}};
+  for (const auto& r : rows) {
+    EXPECT_EQ(DerivativeSelectorFor(r[0], r[1]), r[2]) << r[0] << "," << r[1];
+    if (r[2] != 0 || (r[0] == 0 && r[1] == 0)) {
+      EXPECT_EQ(DerivativeOrdersOf(r[2])[0], r[0]);
+      EXPECT_EQ(DerivativeOrdersOf(r[2])[1], r[1]);
     }
   }
-  EXPECT_EQ(kDerivativeNames[kZxy], "Zxy");
   EXPECT_THROW(DerivativeOrdersOf(6), RuntimeError);
 }
 
-TEST(FieldRules, CountsGridAndOrders) {
-  struct Row {
+TEST(FieldRules, CountsGridOrdersRangesAndReduction) {
+  const struct {
     const char* text;
     bool count, grid, order;
-  } rows[] = {
-      {"3", true, true, false}, {"1", true, true, true},   {"0", false, true, true},  {"2", true, true, true},
-      {"2.5", false, false, false}, {"-1", false, false, false}, {"abc", false, true, true},
-  };
-  for (const Row& r : rows) {
+  } rows[] = {{"3", true, true, false},       {"1", true, true, true},    {"0", false, true, true},
+              {"2", true, true, true},        {"2.5", false, false, false}, {"-1", false, false, false},
+              {"abc", false, true, true}};
+  for (const auto& r : rows) {
     EXPECT_EQ(CountFieldValid(r.text), r.count) << r.text;
     EXPECT_EQ(GridFieldValid(r.text), r.grid) << r.text;
     EXPECT_EQ(DerivativeOrderValid(r.text), r.order) << r.text;
   }
   EXPECT_TRUE(DerivativeOrderSumValid("1", "1"));
   EXPECT_FALSE(DerivativeOrderSumValid("2", "1"));
-}
-
-TEST(FieldRules, RangeAcceptsEqualLimitsButWindowDoesNot) {
   TableReader reader;
-  struct Row {
+  const struct {
     const char* lower;
     const char* upper;
     bool range, window;
-  } rows[] = {{"-1", "1", true, true},   {"1", "1", true, false},      {"2", "1", false, false},
-              {"0", "pi/2", true, true}, {"fail:11", "1", false, false}};
-  for (const Row& r : rows) {
+  } limits[] = {{"-1", "1", true, true},   {"1", "1", true, false},     {"2", "1", false, false},
+                {"0", "pi/2", true, true}, {"fail:11", "1", false, false}};
+  for (const auto& r : limits) {
     EXPECT_EQ(RangeLimitsValid(reader, r.lower, r.upper), r.range) << r.lower << " " << r.upper;
     EXPECT_EQ(WindowLimitsValid(reader, r.lower, r.upper), r.window) << r.lower << " " << r.upper;
   }
-  EXPECT_TRUE(ReduceFieldValid(reader, "1"));
-  EXPECT_TRUE(ReduceFieldValid(reader, "0.25"));
-  EXPECT_FALSE(ReduceFieldValid(reader, "0"));
-  EXPECT_FALSE(ReduceFieldValid(reader, "1.5"));
+  for (const char* ok : {"1", "0.25"}) EXPECT_TRUE(ReduceFieldValid(reader, ok)) << ok;
+  for (const char* bad : {"0", "1.5"}) EXPECT_FALSE(ReduceFieldValid(reader, bad)) << bad;
 }
 
 }  // namespace

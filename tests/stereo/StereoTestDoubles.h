@@ -1,6 +1,6 @@
 #pragma once
-// Test doubles for the stereo routines: an expression reader driven by a table, a
-// surface evaluator driven by lambdas (one per formula text), and a recording picture.
+// Test doubles for the stereo routines: a table-driven expression reader, a surface of
+// lambdas (one per formula text) and a recording picture that can save a stand-in file.
 
 #include <fstream>
 #include <functional>
@@ -17,8 +17,7 @@
 
 namespace orvane::testing {
 
-// Texts it knows give their value; "fail:<n>" raises error n; any other text is read as
-// a plain number.
+// Known texts give their value, "fail:<n>" raises error n, others read as a plain number.
 class TableReader : public ExpressionReader {
  public:
   std::map<std::string, double, std::less<>> values{{"pi/2", 1.5707963267948966}, {"pi", 3.141592653589793}};
@@ -29,7 +28,6 @@ class TableReader : public ExpressionReader {
   }
 };
 
-// A formula: the value at (x, y, u, v), or throws RuntimeError for no value.
 using Formula = std::function<double(double x, double y, double u, double v)>;
 
 class LambdaSurface : public SurfaceEvaluator {
@@ -44,7 +42,6 @@ class LambdaSurface : public SurfaceEvaluator {
   }
 };
 
-// The calls of one kind a picture recorded, in order.
 inline std::vector<CanvasCall> callsOf(const RecordingCanvas& c, CanvasCall::Kind kind) {
   std::vector<CanvasCall> out;
   for (const CanvasCall& call : c.calls())
@@ -52,9 +49,7 @@ inline std::vector<CanvasCall> callsOf(const RecordingCanvas& c, CanvasCall::Kin
   return out;
 }
 
-// A stereo picture, 400 x 400 pixels as designed, that also notes whether its image was
-// persistent when saved, writes a small stand-in file (its name) where it saves, and can
-// be told to fail saving.
+// 400 x 400; notes whether its image was persistent when saved and writes its name there.
 class StereoPicture : public RecordingCanvas {
  public:
   StereoPicture() : RecordingCanvas(400, 400) {}

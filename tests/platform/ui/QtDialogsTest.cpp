@@ -19,25 +19,17 @@ class QtDialogsTest : public QObject {
   Q_OBJECT
 
  private slots:
-  void promptSeparatorsBecomeLineBreaks() {
-    QCOMPARE(QtDialogs::promptText("a\rb\r\rc\r\nd\ne"), QString("a\nb\n\nc\nd\ne"));
-  }
-
   void messageBoxesMapStylesAndAnswers_data() {
     QTest::addColumn<int>("style");
     QTest::addColumn<int>("buttons");
     QTest::addColumn<int>("icon");
     QTest::addColumn<int>("press");
     QTest::addColumn<int>("answer");
-    const int yes = QMessageBox::Yes, no = QMessageBox::No, cancel = QMessageBox::Cancel,
-              ok = QMessageBox::Ok;
-    QTest::newRow("decimal comma warning") << 19 << (yes | no | cancel)
-                                           << int(QMessageBox::Critical) << no << mb::No;
+    const int yes = QMessageBox::Yes, no = QMessageBox::No, cancel = QMessageBox::Cancel, ok = QMessageBox::Ok;
+    QTest::newRow("decimal comma warning") << 19 << (yes | no | cancel) << int(QMessageBox::Critical) << no << mb::No;
     QTest::newRow("ok only") << 64 << ok << int(QMessageBox::Information) << ok << mb::OK;
-    QTest::newRow("ok cancel") << 49 << (ok | cancel) << int(QMessageBox::Warning) << cancel
-                               << mb::Cancel;
-    QTest::newRow("yes no") << 36 << (yes | no) << int(QMessageBox::Question) << yes
-                            << mb::Yes;
+    QTest::newRow("ok cancel") << 49 << (ok | cancel) << int(QMessageBox::Warning) << cancel << mb::Cancel;
+    QTest::newRow("yes no") << 36 << (yes | no) << int(QMessageBox::Question) << yes << mb::Yes;
   }
   void messageBoxesMapStylesAndAnswers() {
     QFETCH(int, style);
@@ -57,18 +49,17 @@ class QtDialogsTest : public QObject {
       seenTitle = box->windowTitle();
       box->button(QMessageBox::StandardButton(press))->click();
     });
-    QCOMPARE(dialogs.MsgBox("first\rsecond", style, "Title"), answer);
+    QCOMPARE(dialogs.MsgBox("first\rsecond\r\rc\r\nd", style, "Title"), answer);
     QCOMPARE(seenButtons, buttons);
     QCOMPARE(seenIcon, icon);
-    QCOMPARE(seenText, QString("first\nsecond"));
+    QCOMPARE(seenText, QString("first\nsecond\n\nc\nd"));  // each separator one line break
     QCOMPARE(seenTitle, QString("Title"));
   }
 
   void helpWindowShowsTheDocumentAndIsReused() {
     QTemporaryDir dir;
     QFile file(dir.filePath("orvane.hlp"));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("<html><body><h1>Regression</h1></body></html>");
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write("<html><body><h1>Regression</h1></body></html>") > 0);
     file.close();
 
     QtDialogs dialogs(nullptr);
@@ -77,18 +68,14 @@ class QtDialogsTest : public QObject {
     QVERIFY(dialogs.ShowHelp(file.fileName().toStdString()));
     QVERIFY(dialogs.ShowHelp(file.fileName().toStdString()));
 
-    int windows = 0;
-    QTextBrowser* browser = nullptr;
-    for (QWidget* w : QApplication::topLevelWidgets()) {
-      if (w->objectName() != "helpWindow") continue;
-      ++windows;
-      QCOMPARE(w->windowTitle(), QString("orvane.hlp"));
-      QVERIFY(w->isVisible());
-      browser = w->findChild<QTextBrowser*>("helpBrowser");
-    }
-    QCOMPARE(windows, 1);
-    QVERIFY(browser != nullptr);
-    QVERIFY(browser->toPlainText().contains("Regression"));
+    QList<QWidget*> windows;
+    for (QWidget* w : QApplication::topLevelWidgets())
+      if (w->objectName() == "helpWindow") windows << w;
+    QCOMPARE(windows.size(), 1);
+    QCOMPARE(windows[0]->windowTitle(), QString("orvane.hlp"));
+    QVERIFY(windows[0]->isVisible());
+    auto* browser = windows[0]->findChild<QTextBrowser*>("helpBrowser");
+    QVERIFY(browser && browser->toPlainText().contains("Regression"));
   }
 
   void copyPutsTheWholeImageOnTheClipboard() {
@@ -111,8 +98,7 @@ class QtDialogsTest : public QObject {
       QtDialogs dialogs(nullptr);
       dialogs.SetBusy(true);
       dialogs.SetBusy(true);
-      QVERIFY(QApplication::overrideCursor() != nullptr);
-      QCOMPARE(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
+      QVERIFY(QApplication::overrideCursor() && QApplication::overrideCursor()->shape() == Qt::WaitCursor);
       dialogs.SetBusy(false);
       QVERIFY(QApplication::overrideCursor() == nullptr);
       dialogs.SetBusy(false);

@@ -1,11 +1,12 @@
-// The whole path from data to picture: a one-variable problem opened and computed in the
-// main window, Plot there opens the study window with the fitted line, and Exit brings
-// the main window back.
+// The whole path a user takes: one variable and five data sets typed in the main window,
+// Compute, Plot, the study commands, zoom, print, export, and Exit back to the main window.
 
 #include <QAction>
 #include <QLabel>
+#include <QListWidget>
 #include <QPointer>
 #include <QPushButton>
+#include <QTableView>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -13,7 +14,8 @@
 #include "platform/ui/PictureBox.h"
 #include "platform/ui/TextBox.h"
 #include "plot2d/ui/frmPlot.h"
-#include "regression/RegressionFile.h"
+#include "regression/ui/DataGridModel.h"
+#include "regression/ui/frmEdit.h"
 #include "regression/ui/frmOrvane.h"
 
 namespace orvane {
@@ -27,25 +29,10 @@ class PlotFromMainWindowTest : public QObject {
 
 void PlotFromMainWindowTest::plotOpensTheStudyAndExitReturns() {
   QTemporaryDir dir;
-  QVERIFY(dir.isValid());
-  RegressionProblem problem;
-  problem.m = 1;
-  problem.N = 5;
-  problem.names = {"t"};
-  problem.dependentName = "s";
-  problem.dimensionData();
-  const double ys[] = {3, 5, 7, 9, 11};  // s = 1 + 2 t exactly
-  for (int i = 1; i <= 5; ++i) {
-    problem.X(1, i) = i;
-    problem.X(2, i) = ys[i - 1];
-  }
-  const std::string file = dir.filePath(QStringLiteral("line")).toStdString();
-  WriteRegressionFiles(file, problem);
-
   ScriptedDialogs dialogs;
   frmOrvane main(dialogs);
   main.show();
-  // The main window hands the function over; the plot window brings it back.
+  QVERIFY(QTest::qWaitForWindowActive(&main));
   QPointer<frmPlot> plot;
   QString handedOver;
   connect(&main, &frmOrvane::plotRequested, &main, [&](int m, const QString& text) {
@@ -60,36 +47,70 @@ void PlotFromMainWindowTest::plotOpensTheStudyAndExitReturns() {
     plot->show();
   });
 
-  dialogs.queueOpenFileName(file);
-  main.findChild<QAction*>(QStringLiteral("mnuOpen"))->trigger();
-  main.findChild<QPushButton*>(QStringLiteral("cmdCompute"))->click();
+  auto enter = [](TextBox* field, const QString& text) {
+    field->setFocus(Qt::TabFocusReason);
+    field->selectAll();
+    QTest::keyClicks(field, text);
+    QTest::keyClick(field, Qt::Key_Tab);
+    return !field->hasFocus();
+  };
+  const char* fields[][2] = {{"txtOrder", "1"}, {"txtDepVarNam", "s"}, {"txtVarNams", "t"}, {"txtN", "5"}};
+  for (const auto& [name, value] : fields) QVERIFY2(enter(main.findChild<TextBox*>(name), value), name);
+  main.findChild<QPushButton*>("cmdEditData")->click();
+  frmEdit* editor = main.editor();
+  QVERIFY(editor);
+  // s = 1 + 2 t exactly; grid column 0 is the dependent value.
+  for (int r = 0; r < 5; ++r)
+    for (int c = 0; c < 2; ++c) {
+      const QString text = QString::number(c == 0 ? 3 + 2 * r : r + 1);
+      editor->MSFlexGridEdit->setCurrentIndex(editor->model()->index(r, c));
+      editor->MSFlexGridEdit->setFocus();
+      QTest::keyClick(editor->MSFlexGridEdit, text.at(0).toLatin1());
+      QTest::keyClicks(editor->txtDataEntry, text.mid(1));
+      QTest::keyClick(editor->txtDataEntry, Qt::Key_Return);
+        }
+  editor->cmdExit->click();
+  main.findChild<QPushButton*>("cmdCompute")->click();
   QVERIFY(main.workbench().fitted);
-  auto* cmdPlot = main.findChild<QPushButton*>(QStringLiteral("cmdPlot"));
-  QVERIFY(cmdPlot->isVisible());
-  cmdPlot->click();
+  main.findChild<QPushButton*>("cmdPlot")->click();
 
   QVERIFY(plot);
   QVERIFY(!main.isEnabled());
   QVERIFY(QTest::qWaitForWindowExposed(plot.data()));
   QCOMPARE(plot->txtEquation->text(), handedOver);
   QVERIFY(handedOver.endsWith(QStringLiteral("*x")));
-  // The fitted line is drawn at once, through the data points.
-  QTRY_VERIFY(plot->graphDrawn());
+  QTRY_VERIFY(plot->graphDrawn());  // the fitted line at once, through the data points
   auto* picture = plot->findChild<PictureBox*>(QStringLiteral("Picture1"));
-  const QImage& image = picture->imageCanvas().image();
-  Canvas& canvas = picture->canvas();
   auto colourAt = [&](float x, float y, int below = 0) {
-    return image.pixelColor(int(std::lround(canvas.toPixelX(x))), int(std::lround(canvas.toPixelY(y))) + below).name();
+    return picture->imageCanvas()
+        .image()
+        .pixelColor(int(std::lround(picture->canvas().toPixelX(x))),
+                    int(std::lround(picture->canvas().toPixelY(y))) + below)
+        .name();
   };
   QCOMPARE(colourAt(3, 7, 2), QStringLiteral("#0000ff"));  // the data point, beside the line
   QCOMPARE(colourAt(3.5f, 8), QStringLiteral("#000000"));
 
-  // A study of the handed-over line: its root lies left of the data.
+  // Study the line on [-2, 5]: its root -0.5 lies left of the data.
+  auto click = [&](const char* name) { plot->findChild<QPushButton*>(QString::fromLatin1(name))->click(); };
+  auto label = [&](const char* name) { return plot->findChild<QLabel*>(QString::fromLatin1(name))->text(); };
   plot->findChild<TextBox*>(QStringLiteral("txtXlower"))->setText(QStringLiteral("-2"));
-  plot->findChild<QPushButton*>(QStringLiteral("cmdRoots"))->click();
-  QCOMPARE(plot->findChild<QLabel*>(QStringLiteral("lblRoots"))->text(), QStringLiteral("1 roots"));
+  click("cmdRoots");
+  QCOMPARE(label("lblRoots"), QStringLiteral("1 roots"));
+  click("cmdIntegrate");
+  QVERIFY(std::fabs(label("lblIntegral").toDouble() - 28) < 1e-6);  // t + t^2 from -2 to 5
+  click("cmdExtrema");
+  QCOMPARE(label("lblExtrema"), QStringLiteral("0 extrema"));
+  click("cmdZoomIn");
+  QVERIFY(plot->graphDrawn());
+  plot->findChild<QAction*>(QStringLiteral("mnuPrint"))->trigger();
+  QCOMPARE(dialogs.printer().endDocCount(), 1);
+  dialogs.queueSaveFileName(dir.filePath(QStringLiteral("line.dat")).toStdString());
+  plot->findChild<QAction*>(QStringLiteral("mnuSaveAs"))->trigger();
+  QVERIFY(QFile::exists(dir.filePath(QStringLiteral("line.dat"))));
+  QVERIFY(QFile::exists(dir.filePath(QStringLiteral("line.dat.bmp"))));
 
-  plot->findChild<QPushButton*>(QStringLiteral("cmdExit"))->click();
+  click("cmdExit");
   QVERIFY(main.isEnabled());
   QTRY_VERIFY(plot.isNull());
   QVERIFY(dialogs.messages().empty());

@@ -28,32 +28,36 @@ QStringList listLines(const QListWidget* list) {
   return lines;
 }
 
-double valueAfterEquals(const QString& line) { return line.section('=', 1).toDouble(); }
+QList<double> column(const RegressionProblem& p, int j) {
+  QList<double> values;
+  for (int i = 1; i <= p.N; ++i) values << p.X(j, i);
+  return values;
+}
+
+QString cell(frmEdit* editor, int row, int column) {
+  return editor->model()->data(editor->model()->index(row, column)).toString();
+}
 
 // The main window with its controls found by name, as a user sees them.
 struct MainWindow {
   ScriptedDialogs dialogs;
   frmOrvane window{dialogs};
-  TextBox* txtOrder = window.findChild<TextBox*>("txtOrder");
-  TextBox* txtDepVarNam = window.findChild<TextBox*>("txtDepVarNam");
-  TextBox* txtVarNams = window.findChild<TextBox*>("txtVarNams");
-  TextBox* txtN = window.findChild<TextBox*>("txtN");
-  QPushButton* cmdEditData = window.findChild<QPushButton*>("cmdEditData");
-  QPushButton* cmdAddData = window.findChild<QPushButton*>("cmdAddData");
-  QPushButton* cmdCompute = window.findChild<QPushButton*>("cmdCompute");
-  QPushButton* cmdEvaluations = window.findChild<QPushButton*>("cmdEvaluations");
-  QPushButton* cmdPlot = window.findChild<QPushButton*>("cmdPlot");
-  QListWidget* lstCoeff = window.findChild<QListWidget*>("lstCoeff");
-  QAction* mnuOpen = window.findChild<QAction*>("mnuOpen");
-  QAction* mnuSave = window.findChild<QAction*>("mnuSave");
-  QAction* mnuSaveAs = window.findChild<QAction*>("mnuSaveAs");
-  QAction* mnuPrint = window.findChild<QAction*>("mnuPrint");
-  QAction* mnuAbout = window.findChild<QAction*>("mnuAbout");
+  template <class T = QPushButton>
+  T* find(const char* name) { return window.findChild<T*>(name); }
+  TextBox *txtOrder = find<TextBox>("txtOrder"), *txtDepVarNam = find<TextBox>("txtDepVarNam"),
+          *txtVarNams = find<TextBox>("txtVarNams"), *txtN = find<TextBox>("txtN");
+  QPushButton *cmdEditData = find("cmdEditData"), *cmdAddData = find("cmdAddData"), *cmdCompute = find("cmdCompute"),
+              *cmdEvaluations = find("cmdEvaluations"), *cmdPlot = find("cmdPlot");
+  QListWidget* lstCoeff = find<QListWidget>("lstCoeff");
+  QAction *mnuOpen = find<QAction>("mnuOpen"), *mnuSave = find<QAction>("mnuSave"),
+          *mnuSaveAs = find<QAction>("mnuSaveAs"), *mnuPrint = find<QAction>("mnuPrint"),
+          *mnuAbout = find<QAction>("mnuAbout");
+  const RegressionProblem& problem = window.workbench().problem;
 
-  bool show() {
+  MainWindow() {
     window.show();
     window.activateWindow();
-    return QTest::qWaitForWindowActive(&window);
+    if (!QTest::qWaitForWindowActive(&window)) qWarning("main window not active");
   }
 
   // Types into a field and leaves it with Tab; true when the focus moved on.
@@ -66,39 +70,40 @@ struct MainWindow {
     return !field->hasFocus();
   }
 
-  void setUp(const QString& order, const QString& dependent, const QString& names, const QString& sets) {
-    QVERIFY(enter(txtOrder, order));
-    QVERIFY(enter(txtDepVarNam, dependent));
-    QVERIFY(enter(txtVarNams, names));
-    QVERIFY(enter(txtN, sets));
+  bool setUp(const QString& order, const QString& dependent, const QString& names, const QString& sets) {
+    return enter(txtOrder, order) && enter(txtDepVarNam, dependent) && enter(txtVarNams, names) && enter(txtN, sets);
   }
 
   frmEdit* openEditor() {
     cmdEditData->click();
     return window.editor();
   }
-};
 
-// Types `text` into grid cell (row, column), rows and columns counted from 0 over the
-// data cells (column 0 is the dependent variable), as a user does: the first character
-// typed on the grid opens the entry box, the rest goes into it, Enter ends the edit.
-void typeCell(frmEdit* editor, int row, int column, const QString& text) {
-  editor->MSFlexGridEdit->setCurrentIndex(editor->model()->index(row, column));
-  editor->MSFlexGridEdit->setFocus();
-  QTest::keyClick(editor->MSFlexGridEdit, text.at(0).toLatin1());
-  QVERIFY(editor->txtDataEntry->isVisible());
-  QTest::keyClicks(editor->txtDataEntry, text.mid(1));
-  QTest::keyClick(editor->txtDataEntry, Qt::Key_Return);
-}
-
-// x = 1..5 against y = 1 + 2x with a little scatter.
-void typeLineData(frmEdit* editor) {
-  const char* given[] = {"3.1", "4.9", "7", "9.2", "10.8"};
-  for (int r = 0; r < 5; ++r) {
-    typeCell(editor, r, 1, QString::number(r + 1));
-    typeCell(editor, r, 0, given[r]);
+  // Types `text` into grid cell (row, column), counted from 0 over the data cells (column 0
+  // is the dependent variable), as a user does: the first character opens the entry box.
+  void typeCell(int row, int column, const QString& text) {
+    frmEdit* editor = window.editor();
+    editor->MSFlexGridEdit->setCurrentIndex(editor->model()->index(row, column));
+    editor->MSFlexGridEdit->setFocus();
+    QTest::keyClick(editor->MSFlexGridEdit, text.at(0).toLatin1());
+    QVERIFY(editor->txtDataEntry->isVisible());
+    QTest::keyClicks(editor->txtDataEntry, text.mid(1));
+    QTest::keyClick(editor->txtDataEntry, Qt::Key_Return);
   }
-}
+
+  // x = 1..5 against y = 1 + 2x with a little scatter, typed and the editor closed.
+  bool typeLineData() {
+    if (!openEditor()) return false;
+    const char* given[] = {"3.1", "4.9", "7", "9.2", "10.8"};
+    for (int r = 0; r < 5; ++r) {
+      typeCell(r, 1, QString::number(r + 1));
+      typeCell(r, 0, given[r]);
+    }
+    window.editor()->cmdExit->click();
+    return problem.X(2, 4) == 9.2 && problem.X(1, 5) == 5.0;  // the first grid column is the dependent
+  }
+  bool withLineData() { return setUp("1", "y", "x", "5") && typeLineData(); }
+};
 
 }  // namespace
 
@@ -106,90 +111,72 @@ class RegressionWindowTest : public QObject {
   Q_OBJECT
 
  private slots:
-  void freshWindowOffersOnlyTheSetUp() {
-    MainWindow w;
-    QVERIFY(w.show());
-    QCOMPARE(w.window.windowTitle(), QStringLiteral("Orvane Regression  www.orvane.example"));
-    QCOMPARE(w.txtVarNams->text(), QStringLiteral("x,y"));
-    QVERIFY(!w.cmdPlot->isVisible());
-    QVERIFY(!w.cmdEvaluations->isEnabled());
-    QVERIFY(!w.cmdAddData->isEnabled());
-    QVERIFY(w.mnuOpen->isEnabled());
-    QVERIFY(!w.mnuSave->isEnabled() && !w.mnuSaveAs->isEnabled() && !w.mnuPrint->isEnabled());
-    QVERIFY(!w.mnuAbout->isVisible());
-    QCOMPARE(w.cmdCompute->toolTip(), QStringLiteral("Compute coefficients"));
-    QCOMPARE(w.cmdPlot->toolTip(), QStringLiteral("Select what to plot from list"));
-  }
-
   void fieldsRefuseBadEntriesAndLockWhenLeft() {
     MainWindow w;
-    QVERIFY(w.show());
+    QCOMPARE(w.window.windowTitle(), QStringLiteral("Orvane Regression  www.orvane.example"));
+    QCOMPARE(w.txtVarNams->text(), QStringLiteral("x,y"));
+    QCOMPARE(w.cmdPlot->toolTip(), QStringLiteral("Select what to plot from list"));
+    QVERIFY(!w.cmdPlot->isVisible() && !w.cmdEvaluations->isEnabled() && !w.cmdAddData->isEnabled());
+    QVERIFY(w.mnuOpen->isEnabled() && !w.mnuSave->isEnabled() && !w.mnuSaveAs->isEnabled());
+    QVERIFY(!w.mnuPrint->isEnabled() && !w.mnuAbout->isVisible());
+
     QVERIFY(!w.enter(w.txtOrder, "0"));
     QVERIFY(!w.enter(w.txtOrder, "abc"));
     QVERIFY(w.enter(w.txtOrder, "2.5"));  // halves round to even
-    QCOMPARE(w.window.workbench().problem.m, 2);
-    QVERIFY(!w.txtOrder->isEnabled());
-    QVERIFY(w.cmdPlot->isVisible());
-    QVERIFY(!w.mnuOpen->isEnabled());
+    QCOMPARE(w.problem.m, 2);
+    QVERIFY(!w.txtOrder->isEnabled() && w.cmdPlot->isVisible() && !w.mnuOpen->isEnabled());
 
-    for (const char* refused : {"2y", "y_1", "y 1"}) QVERIFY2(!w.enter(w.txtDepVarNam, refused), refused);
+    for (const char* refused : {"2y", "y_1", "y 1", ""}) QVERIFY2(!w.enter(w.txtDepVarNam, refused), refused);
     QVERIFY(w.enter(w.txtDepVarNam, "y2"));
     QVERIFY(!w.txtDepVarNam->isEnabled());
 
     QVERIFY(!w.enter(w.txtVarNams, "a,,b"));
     QVERIFY(!w.enter(w.txtVarNams, "a"));
     QVERIFY(w.enter(w.txtVarNams, "x, y"));
-    QCOMPARE(w.window.workbench().problem.names, (std::vector<std::string>{"x", " y"}));
-    QVERIFY(w.mnuSave->isEnabled() && w.mnuSaveAs->isEnabled() && w.mnuPrint->isEnabled());
-    QVERIFY(w.mnuAbout->isVisible());
+    QCOMPARE(w.problem.names, (std::vector<std::string>{"x", " y"}));
+    QVERIFY(w.mnuSave->isEnabled() && w.mnuSaveAs->isEnabled() && w.mnuPrint->isEnabled() && w.mnuAbout->isVisible());
 
     QVERIFY(!w.enter(w.txtN, "2"));
     QVERIFY(w.dialogs.messages().empty());  // refusals are silent
     QVERIFY(!w.enter(w.txtN, "many"));
     QCOMPARE(w.dialogs.messages().back().prompt, std::string("Type mismatch"));
     QVERIFY(w.enter(w.txtN, "3"));
-  }
 
-  void threeVariablesNeverOfferAPlot() {
-    MainWindow w;
-    QVERIFY(w.show());
-    QVERIFY(w.enter(w.txtOrder, "3"));
-    QVERIFY(!w.cmdPlot->isVisible());
+    MainWindow three;  // three variables never offer a plot
+    QVERIFY(three.enter(three.txtOrder, "3"));
+    QVERIFY(!three.cmdPlot->isVisible());
   }
 
   void typedDataIsFittedListedAndEvaluated() {
     MainWindow w;
-    QVERIFY(w.show());
-    w.setUp("1", "y", "x", "5");
+    QVERIFY(w.setUp("1", "y", "x", "5"));
+    w.cmdCompute->click();  // before any data: a message, nothing listed
+    QCOMPARE(w.lstCoeff->count(), 0);
+    QCOMPARE(w.dialogs.messages().size(), size_t{1});
+    QVERIFY(!w.dialogs.busy());
+
     frmEdit* editor = w.openEditor();
-    QVERIFY(editor && editor->isVisible());
-    QVERIFY(!w.window.isEnabled());
+    QVERIFY(editor && editor->isVisible() && !w.window.isEnabled());
     QVERIFY(!w.txtN->isEnabledTo(&w.window) && w.cmdAddData->isEnabledTo(&w.window));
     QCOMPARE(editor->windowTitle(), QStringLiteral("Enter/Edit data"));
     QCOMPARE(editor->model()->headerData(0, Qt::Horizontal).toString(), QStringLiteral("y"));
     QCOMPARE(editor->model()->headerData(1, Qt::Horizontal).toString(), QStringLiteral("x"));
     QCOMPARE(editor->model()->headerData(3, Qt::Vertical).toString(), QStringLiteral("Set# 4"));
-
-    typeLineData(editor);
-    const RegressionProblem& p = w.window.workbench().problem;
-    QCOMPARE(p.X(2, 4), 9.2);  // the first grid column is the dependent variable
-    QCOMPARE(p.X(1, 5), 5.0);
     editor->cmdExit->click();
+    QVERIFY(w.typeLineData());
     QVERIFY(w.window.isEnabled());
 
+    const int beeps = w.dialogs.beeps();
     w.cmdCompute->click();
     const QStringList lines = listLines(w.lstCoeff);
     QCOMPARE(lines.size(), 9);
     QVERIFY(lines[0].startsWith("              CORRELATION COEFFICIENT=0.99"));
-    QCOMPARE(lines[5], QString());
-    QCOMPARE(lines[6], QStringLiteral("COEFFICIENTS:"));
-    QVERIFY(lines[7].startsWith("A0="));
-    QVERIFY(lines[8].startsWith("A1="));
-    QVERIFY(qAbs(valueAfterEquals(lines[7]) - 1.09) < 1e-12);  // 7 - 1.97 * 3
-    QVERIFY(qAbs(valueAfterEquals(lines[8]) - 1.97) < 1e-12);  // Sxy / Sxx = 19.7 / 10
-    QCOMPARE(w.dialogs.beeps(), 1);
-    QVERIFY(w.cmdEvaluations->isEnabled());
-    QVERIFY(w.window.workbench().fitted);
+    QCOMPARE(lines.mid(5, 2), QStringList({"", "COEFFICIENTS:"}));
+    QVERIFY(lines[7].startsWith("A0=") && lines[8].startsWith("A1="));
+    QVERIFY(qAbs(lines[7].section('=', 1).toDouble() - 1.09) < 1e-12);  // 7 - 1.97 * 3
+    QVERIFY(qAbs(lines[8].section('=', 1).toDouble() - 1.97) < 1e-12);  // Sxy / Sxx = 19.7 / 10
+    QCOMPARE(w.dialogs.beeps(), beeps + 1);
+    QVERIFY(w.cmdEvaluations->isEnabled() && w.window.workbench().fitted);
 
     w.cmdEvaluations->click();
     frmEvaluations* evaluations = w.window.evaluations();
@@ -202,69 +189,66 @@ class RegressionWindowTest : public QObject {
     QVERIFY(qAbs(evaluations->lblApprox->text().toDouble() - 5.03) < 1e-12);
   }
 
-  void deletingASetMovesTheLastIntoItsPlaceAndClearsResults() {
+  void deleteAndAddDataSets() {
     MainWindow w;
-    QVERIFY(w.show());
-    w.setUp("1", "y", "x", "5");
-    frmEdit* editor = w.openEditor();
-    typeLineData(editor);
-    editor->cmdExit->click();
+    QVERIFY(w.withLineData());
     w.cmdCompute->click();
     QVERIFY(w.lstCoeff->count() > 0);
 
-    w.openEditor();
+    frmEdit* editor = w.openEditor();
     editor->MSFlexGridEdit->setCurrentIndex(editor->model()->index(1, 0));
-    editor->cmdDelete->click();
-    const RegressionProblem& p = w.window.workbench().problem;
-    QCOMPARE(p.N, 4);
+    editor->cmdDelete->click();  // the last set moves into the hole; the results go
+    QCOMPARE(w.problem.N, 4);
     QCOMPARE(w.txtN->text(), QStringLiteral("4"));
     QCOMPARE(editor->model()->rowCount(), 4);
-    QCOMPARE(editor->model()->data(editor->model()->index(1, 0)).toString(), QStringLiteral("10.8"));
+    QCOMPARE(cell(editor, 1, 0), QStringLiteral("10.8"));
     QCOMPARE(w.lstCoeff->count(), 0);
     QVERIFY(!w.cmdEvaluations->isEnabled());
-  }
+    editor->cmdExit->click();
 
-  void deletingEverySetLeavesAnEmptyGridThatStillWorks() {
-    MainWindow w;
-    QVERIFY(w.show());
-    w.setUp("1", "y", "x", "3");
-    frmEdit* editor = w.openEditor();
-    QVERIFY(editor);
-    typeCell(editor, 0, 0, "1");
-    for (int i = 0; i < 4; ++i) {  // the last press finds no set to delete
+    w.dialogs.queueInputBox(std::string("0"));
+    w.cmdAddData->click();
+    QCOMPARE(w.problem.N, 4);
+    QCOMPARE(w.dialogs.inputs().back().prompt, std::string("How many additional data sets?"));
+    QCOMPARE(w.dialogs.inputs().back().title, std::string("Add data"));
+    w.dialogs.queueInputBox(std::string("2"));
+    w.cmdAddData->click();
+    QCOMPARE(w.problem.N, 6);
+    QCOMPARE(w.txtN->text(), QStringLiteral("6"));
+    QCOMPARE(column(w.problem, 2), QList<double>({3.1, 10.8, 7, 9.2, 0, 0}));  // sets 1, 5, 3, 4 and two new
+    QVERIFY(editor->isVisible());
+    QCOMPARE(editor->model()->rowCount(), 6);
+
+    for (int i = 0; i < 7; ++i) {  // down to no sets; the last press finds none to delete
       editor->MSFlexGridEdit->setCurrentIndex(editor->model()->index(0, 0));
       editor->cmdDelete->click();
     }
-    const RegressionProblem& p = w.window.workbench().problem;
-    QCOMPARE(p.N, 0);
+    QCOMPARE(w.problem.N, 0);
     QCOMPARE(w.txtN->text(), QStringLiteral("0"));
     QCOMPARE(editor->model()->rowCount(), 0);
-
-    // Keys and the width toggle on an empty grid change nothing.
-    editor->cmdToggleWidth->click();
+    editor->cmdToggleWidth->click();  // keys and the width toggle on an empty grid change nothing
     editor->MSFlexGridEdit->setFocus();
     QTest::keyClick(editor->MSFlexGridEdit, '5');
     QTest::keyClick(editor->MSFlexGridEdit, Qt::Key_Down);
     QVERIFY(!editor->txtDataEntry->isVisible());
     editor->cmdExit->click();
-    QCOMPARE(p.N, 0);
-
-    // Compute has nothing to fit: a listing line or a message, never a crash.
-    w.cmdCompute->click();
-    QVERIFY(!w.window.workbench().fitted);
-    QVERIFY(!w.cmdEvaluations->isEnabled());
-
-    // Add data brings sets back into the empty grid.
+    w.cmdCompute->click();  // nothing to fit: never a crash
+    QVERIFY(!w.window.workbench().fitted && !w.cmdEvaluations->isEnabled());
     w.dialogs.queueInputBox("3");
     w.cmdAddData->click();
-    QCOMPARE(p.N, 3);
+    QCOMPARE(w.problem.N, 3);
     QCOMPARE(w.openEditor()->model()->rowCount(), 3);
+
+    MainWindow fresh;  // k = 2 on five sets keeps sets 1-5
+    QVERIFY(fresh.withLineData());
+    fresh.dialogs.queueInputBox(std::string("2"));
+    fresh.cmdAddData->click();
+    QCOMPARE(column(fresh.problem, 2), QList<double>({3.1, 4.9, 7, 9.2, 10.8, 0, 0}));
   }
 
   void entryBoxKeepsOnlyNumberKeysAndMovesWithTheArrows() {
     MainWindow w;
-    QVERIFY(w.show());
-    w.setUp("2", "z", "x,y", "3");
+    QVERIFY(w.setUp("2", "z", "x,y", "3"));
     frmEdit* editor = w.openEditor();
     editor->MSFlexGridEdit->setCurrentIndex(editor->model()->index(0, 0));
     editor->MSFlexGridEdit->setFocus();
@@ -273,7 +257,7 @@ class RegressionWindowTest : public QObject {
     QTest::keyClick(editor->MSFlexGridEdit, '1');
     QTest::keyClicks(editor->txtDataEntry, "x_e");
     QCOMPARE(editor->txtDataEntry->text(), QStringLiteral("1e"));
-    QCOMPARE(w.window.workbench().problem.X(3, 1), 1.0);  // "1e" is stored as 1
+    QCOMPARE(w.problem.X(3, 1), 1.0);  // "1e" is stored as 1
     QTest::keyClick(editor->txtDataEntry, Qt::Key_Backspace);  // discarded as well
     QCOMPARE(editor->txtDataEntry->text(), QStringLiteral("1e"));
     QCOMPARE(editor->txtDataEntry->toolTip(), QStringLiteral("A(1,1)=0"));  // the cell as it was
@@ -283,6 +267,11 @@ class RegressionWindowTest : public QObject {
     QVERIFY(editor->txtDataEntry->isVisible());
     QTest::keyClick(editor->txtDataEntry, Qt::Key_Up);  // the top edge: nothing moves
     QCOMPARE(editor->MSFlexGridEdit->currentIndex(), editor->model()->index(0, 1));
+    QTest::keyClick(editor->txtDataEntry, Qt::Key_Return);
+    w.typeCell(1, 2, "7");
+    QCOMPARE(w.problem.X(2, 2), 7.0);
+    w.typeCell(1, 2, "e5");
+    QCOMPARE(w.problem.X(2, 2), 0.0);  // "e5" is stored as 0
 
     const int base = editor->MSFlexGridEdit->columnWidth(1);
     editor->cmdToggleWidth->click();
@@ -291,42 +280,21 @@ class RegressionWindowTest : public QObject {
     QCOMPARE(editor->MSFlexGridEdit->columnWidth(1), base);
   }
 
-  void addDataKeepsTheSetsAndAppendsZeros() {
-    MainWindow w;
-    QVERIFY(w.show());
-    w.setUp("1", "y", "x", "5");
-    frmEdit* editor = w.openEditor();
-    typeLineData(editor);
-    editor->cmdExit->click();
-
-    w.dialogs.queueInputBox(std::string("0"));
-    w.cmdAddData->click();
-    QCOMPARE(w.window.workbench().problem.N, 5);
-    QCOMPARE(w.dialogs.inputs().back().prompt, std::string("How many additional data sets?"));
-    QCOMPARE(w.dialogs.inputs().back().title, std::string("Add data"));
-
-    w.dialogs.queueInputBox(std::string("2"));
-    w.cmdAddData->click();
-    const RegressionProblem& p = w.window.workbench().problem;
-    QCOMPARE(p.N, 7);
-    QCOMPARE(w.txtN->text(), QStringLiteral("7"));
-    QCOMPARE(p.X(2, 5), 10.8);
-    QCOMPARE(p.X(2, 7), 0.0);
-    QVERIFY(editor->isVisible());
-    QCOMPARE(editor->model()->rowCount(), 7);
-  }
-
-  void savedProblemReopensWithItsResults() {
+  void savedProblemReopensWithItsResultsAndPrints() {
     QTemporaryDir folder;
     const std::string path = QDir(folder.path()).filePath("study.txt").toStdString();
     QStringList listing;
     {
       MainWindow w;
-      QVERIFY(w.show());
-      w.setUp("1", "y", "x", "5");
-      frmEdit* editor = w.openEditor();
-      typeLineData(editor);
-      editor->cmdExit->click();
+      QVERIFY(w.withLineData());
+      w.mnuPrint->trigger();  // before computing: names and data
+      const std::vector<std::string> printed = w.dialogs.printer().texts();
+      QVERIFY(printed.size() > 9);
+      QCOMPARE(std::vector<std::string>(printed.begin(), printed.begin() + 9),
+               (std::vector<std::string>{"DEPENDENT VARIABLE: y", "INDEPENDENT VARIABLES: x", "", "", "DATA:", "",
+                                         "SET # 1 :", "x= 1 ", "y= 3.1 "}));
+      QCOMPARE(w.dialogs.printer().endDocCount(), 1);
+
       w.cmdCompute->click();
       listing = listLines(w.lstCoeff);
       w.dialogs.queueSaveFileName(path);
@@ -335,76 +303,37 @@ class RegressionWindowTest : public QObject {
       QCOMPARE(w.window.fileName(), path);
     }
     MainWindow w;
-    QVERIFY(w.show());
     w.dialogs.queueOpenFileName(path);
     w.mnuOpen->trigger();
     QCOMPARE(listLines(w.lstCoeff), listing);
     QVERIFY(w.cmdEvaluations->isEnabled());
-    QCOMPARE(w.txtOrder->text(), QStringLiteral("1"));
-    QCOMPARE(w.txtN->text(), QStringLiteral("5"));
-    QCOMPARE(w.txtDepVarNam->text(), QStringLiteral("y"));
-    QCOMPARE(w.txtVarNams->text(), QStringLiteral("x"));
+    QCOMPARE(QStringList({w.txtOrder->text(), w.txtN->text(), w.txtDepVarNam->text(), w.txtVarNams->text()}),
+             QStringList({"1", "5", "y", "x"}));
     for (TextBox* field : {w.txtOrder, w.txtDepVarNam, w.txtVarNams, w.txtN}) QVERIFY(!field->isEnabled());
-    QVERIFY(!w.mnuOpen->isEnabled() && w.mnuSave->isEnabled() && w.mnuAbout->isVisible());
-    QVERIFY(w.cmdPlot->isVisible());
+    QVERIFY(!w.mnuOpen->isEnabled() && w.mnuSave->isEnabled() && w.mnuAbout->isVisible() && w.cmdPlot->isVisible());
     QVERIFY(w.window.editor() && !w.window.editor()->isVisible());
-    QCOMPARE(w.window.editor()->model()->data(w.window.editor()->model()->index(3, 0)).toString(),
-             QStringLiteral("9.2"));
+    QCOMPARE(cell(w.window.editor(), 3, 0), QStringLiteral("9.2"));
   }
 
   void malformedFileIsReportedAndChangesNothing() {
     QTemporaryDir folder;
-    const QString spec = QDir(folder.path()).filePath("bad.txt");
-    QFile file(spec);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("5,1,#FALSE#,\"y\"\r\nx\r\n");
-    file.close();
-    QFile data(spec + ".dat");
-    QVERIFY(data.open(QIODevice::WriteOnly));
-    data.write("5,1\r\n 1\r\n 2\r\n three\r\n");
-    data.close();
-
+    const QString path = QDir(folder.path()).filePath("bad.txt");
+    for (const auto& [name, text] : {std::pair{path, "5,1,#FALSE#,\"y\"\r\nx\r\n"},
+                                     std::pair{path + ".dat", "5,1\r\n 1\r\n 2\r\n three\r\n"}}) {
+      QFile file(name);
+      QVERIFY(file.open(QIODevice::WriteOnly));
+      file.write(text);
+    }
     MainWindow w;
-    QVERIFY(w.show());
-    w.dialogs.queueOpenFileName(spec.toStdString());
+    w.dialogs.queueOpenFileName(path.toStdString());
     w.mnuOpen->trigger();
     QCOMPARE(w.dialogs.messages().size(), size_t{1});
     const std::string message = w.dialogs.messages()[0].prompt;
-    QVERIFY2(message.find("bad.txt.dat") != std::string::npos, message.c_str());
-    QVERIFY2(message.find("line") != std::string::npos, message.c_str());
-    QVERIFY(w.mnuOpen->isEnabled());
-    QVERIFY(w.txtOrder->isEnabled());
+    QVERIFY2(message.find("bad.txt.dat") != std::string::npos && message.find("line") != std::string::npos,
+             message.c_str());
+    QVERIFY(w.mnuOpen->isEnabled() && w.txtOrder->isEnabled());
     QCOMPARE(w.txtOrder->text(), QString());
-    QCOMPARE(w.window.workbench().problem.m, 0);
-  }
-
-  void printingBeforeComputingListsNamesAndData() {
-    MainWindow w;
-    QVERIFY(w.show());
-    w.setUp("1", "y", "x", "5");
-    frmEdit* editor = w.openEditor();
-    typeLineData(editor);
-    editor->cmdExit->click();
-    w.mnuPrint->trigger();
-    const std::vector<std::string> printed = w.dialogs.printer().texts();
-    QVERIFY(printed.size() > 6);
-    QCOMPARE(printed[0], std::string("DEPENDENT VARIABLE: y"));
-    QCOMPARE(printed[1], std::string("INDEPENDENT VARIABLES: x"));
-    QCOMPARE(printed[4], std::string("DATA:"));
-    QCOMPARE(printed[6], std::string("SET # 1 :"));
-    QCOMPARE(printed[7], std::string("x= 1 "));
-    QCOMPARE(printed[8], std::string("y= 3.1 "));
-    QCOMPARE(w.dialogs.printer().endDocCount(), 1);
-  }
-
-  void computeBeforeAnyDataSaysWhatIsMissing() {
-    MainWindow w;
-    QVERIFY(w.show());
-    w.setUp("1", "y", "x", "5");
-    w.cmdCompute->click();
-    QCOMPARE(w.lstCoeff->count(), 0);
-    QCOMPARE(w.dialogs.messages().size(), size_t{1});
-    QVERIFY(!w.dialogs.busy());
+    QCOMPARE(w.problem.m, 0);
   }
 };
 

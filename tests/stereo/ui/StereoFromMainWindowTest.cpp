@@ -1,9 +1,11 @@
-// The whole path a user takes: two variables and their data in the main window,
-// Compute, Plot, the fitted plane drawn in the stereo window with the data sets marked,
-// and Exit back to the main window.
+// The whole path a user takes: two variables and their data typed in the main window,
+// Compute, Plot, the fitted plane with the data sets marked, rotate, zoom, a derivative
+// surface, export and import, print, copy, and Exit back to the main window.
 
+#include <QAction>
 #include <QApplication>
 #include <QListWidget>
+#include <QTemporaryDir>
 #include <QPushButton>
 #include <QTableView>
 #include <QtTest>
@@ -106,6 +108,30 @@ class StereoFromMainWindowTest : public QObject {
       QVERIFY(countPixels(image, 0x000000) > 300);  // the plane's mesh
       QVERIFY(countPixels(image, 0x0000FF) > 0);    // the data sets, blue
     }
+
+    auto click = [&](const char* name) { stereo->findChild<QPushButton*>(name)->click(); };
+    auto trigger = [&](const char* name) { stereo->findChild<QAction*>(name)->trigger(); };
+    click("cmdIncRotZ");
+    click("cmdZoomQ1");  // replots
+    QCOMPARE(stereo->findChild<TextBox*>("txtWindowgx")->text(), QString("2.5"));
+    stereo->findChild<TextBox*>("txtXder")->setText("1");  // Zx, at the High accuracy it opened with
+    click("cmdPlot");
+    QCOMPARE(dialogs.beeps(), beeps + 3);
+    QTemporaryDir dir;
+    const std::string path = dir.filePath("plane.dup").toStdString();
+    dialogs.queueSaveFileName(path);
+    trigger("mnuSaveAs");
+    stereo->findChild<TextBox*>("txtZrot")->setText("0");
+    dialogs.queueOpenFileName(path);
+    trigger("mnuOpen");
+    QCOMPARE(stereo->findChild<TextBox*>("txtZrot")->text(), QString("5"));
+    QCOMPARE(stereo->findChild<TextBox*>("txtXder")->text(), QString("1"));
+    trigger("mnuPrint");
+    QCOMPARE(dialogs.printer().pictures().size(), size_t{2});
+    trigger("mnuCopyLeft");
+    trigger("mnuCopyRight");
+    QCOMPARE(dialogs.copiedPictures().size(), size_t{2});
+    QVERIFY(dialogs.messages().empty());
 
     QPointer<frmStereoPlot> watched(stereo);
     stereo->findChild<QPushButton*>("cmdExit")->click();

@@ -1,17 +1,19 @@
 #pragma once
-// Test doubles for the 2-D study routines: formulas as lambdas, failing where a real
-// formula would (poles, square roots of negatives), and a log of the points asked for.
+// Test doubles for the 2-D routines: formulas that fail where real ones would, a function
+// that logs where it was evaluated, and a recording picture that can save a stand-in file.
 
 #include <cmath>
+#include <fstream>
 #include <functional>
+#include <string>
 #include <vector>
 
+#include "platform/RecordingCanvas.h"
 #include "platform/RuntimeError.h"
 #include "plot2d/FunctionOfX.h"
 
 namespace orvane::testing {
 
-// f with a log of every x it was evaluated at.
 class LoggedFunction final : public FunctionOfX {
  public:
   explicit LoggedFunction(std::function<double(double)> fn) : fn_(std::move(fn)) {}
@@ -34,5 +36,18 @@ inline double squareRoot(double x) {
   if (x < 0) throw RuntimeError(err::InvalidCall);
   return std::sqrt(x);
 }
+
+// 200 x 150 pixels; saving writes "BM" so that the caller can move the file into place.
+class PictureLog final : public RecordingCanvas {
+ public:
+  PictureLog() : RecordingCanvas(200, 150) {}
+  bool SavePicture(const std::string& path) const override {
+    saved.push_back(path);
+    if (saveSucceeds) std::ofstream(path, std::ios::binary) << "BM";
+    return saveSucceeds;
+  }
+  mutable std::vector<std::string> saved;
+  bool saveSucceeds = true;
+};
 
 }  // namespace orvane::testing
