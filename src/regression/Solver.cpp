@@ -1,6 +1,9 @@
 #include "regression/Solver.h"
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
+#include <vector>
 
 #include "platform/NumberText.h"
 #include "platform/RuntimeError.h"
@@ -25,22 +28,49 @@ class NormalEquations {
   std::vector<double> cells_;
 };
 
+// Each cell sums its products over the sets in order, under the fit's error trap. The
+// sets go in blocks that stay in the cache, and four cells run side by side so that
+// their additions overlap; every cell still sees exactly its own sequence of sums.
 void buildNormalEquations(RegressionProblem& p, NormalEquations& M) {
   const int m = p.m;
-  std::vector<const double*> col(m + 2);
-  for (int j = 0; j <= m + 1; ++j) col[j] = p.X.column(j);
   double* constant = p.X.column(0);
-  for (int i = 1; i <= p.N; ++i) {
-    constant[i] = 1;
-    for (int j = 0; j <= m; ++j) {
-      const double xj = col[j][i];
-      for (int k = j; k <= m; ++k) {
-        let(M(j, k), M(j, k) + xj * col[k][i]);
-        M(k, j) = M(j, k);
+  for (int i = 1; i <= p.N; ++i) constant[i] = 1;
+
+  struct Cell {
+    int row, column;  // -1: a filler that makes up the last group of four
+    const double *left, *right;
+  };
+  constexpr size_t kSide = 4;
+  std::vector<Cell> cells;
+  for (int j = 0; j <= m; ++j)
+    for (int k = j; k <= m + 1; ++k) cells.push_back({j, k, p.X.column(j), p.X.column(k)});
+  while (cells.size() % kSide != 0) cells.push_back({-1, -1, constant, constant});
+
+  // The error trap as a selection, so the four additions are not branched around.
+  const auto add = [](double sum, double term) {
+    const double next = sum + term;
+    return std::fabs(next) <= std::numeric_limits<double>::max() ? next : sum;
+  };
+  constexpr int kBlock = 512;
+  for (int first = 1; first <= p.N; first += kBlock) {
+    const int last = std::min(p.N, first + kBlock - 1);
+    for (size_t c = 0; c < cells.size(); c += kSide) {
+      const Cell* g = &cells[c];
+      double s0 = g[0].row < 0 ? 0 : M(g[0].row, g[0].column), s1 = g[1].row < 0 ? 0 : M(g[1].row, g[1].column),
+             s2 = g[2].row < 0 ? 0 : M(g[2].row, g[2].column), s3 = g[3].row < 0 ? 0 : M(g[3].row, g[3].column);
+      for (int i = first; i <= last; ++i) {
+        s0 = add(s0, g[0].left[i] * g[0].right[i]);
+        s1 = add(s1, g[1].left[i] * g[1].right[i]);
+        s2 = add(s2, g[2].left[i] * g[2].right[i]);
+        s3 = add(s3, g[3].left[i] * g[3].right[i]);
       }
-      let(M(j, m + 1), M(j, m + 1) + xj * col[m + 1][i]);
+      const double sums[kSide] = {s0, s1, s2, s3};
+      for (size_t t = 0; t < kSide; ++t)
+        if (g[t].row >= 0) M(g[t].row, g[t].column) = sums[t];
     }
   }
+  for (int j = 0; j <= m; ++j)
+    for (int k = j + 1; k <= m; ++k) M(k, j) = M(j, k);
 }
 
 // Forward elimination with partial pivoting; only an exact zero column is skipped.
