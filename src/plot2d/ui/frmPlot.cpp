@@ -732,11 +732,12 @@ void frmPlot::setWindowTexts(const std::array<std::string, 4>& texts) {
   setText(txtWindowgy, texts[3]);
 }
 
-void frmPlot::Zoom(int code) {
+// Moves the window to the limits `newWindow` gives and plots it there; a window that
+// cannot be moved so is reported and left as it was.
+void frmPlot::moveWindow(const std::function<std::array<std::string, 4>()>& newWindow) {
   std::array<std::string, 4> texts;
   try {
-    texts = zoomTexts(code, str(txtWindowlx->text()), str(txtWindowgx->text()),
-                      str(txtWindowly->text()), str(txtWindowgy->text()));
+    texts = newWindow();
   } catch (const RuntimeError& e) {
     Command command(*this);
     reportError(e);
@@ -746,18 +747,15 @@ void frmPlot::Zoom(int code) {
   cmdPlot_Click();
 }
 
+void frmPlot::Zoom(int code) {
+  moveWindow([&] {
+    return zoomTexts(code, str(txtWindowlx->text()), str(txtWindowgx->text()), str(txtWindowly->text()),
+                     str(txtWindowgy->text()));
+  });
+}
+
 void frmPlot::Picture1_MouseDown(Qt::MouseButton, float x, float y) {
-  std::array<std::string, 4> texts;
-  try {
-    const PlotSetup from = plotted_ ? plottedSetup_ : readPlotSetup(plotSetupTexts());
-    texts = centreTexts(from, x, y);
-  } catch (const RuntimeError& e) {
-    Command command(*this);
-    reportError(e);
-    return;
-  }
-  setWindowTexts(texts);
-  cmdPlot_Click();
+  moveWindow([&] { return centreTexts(plotted_ ? plottedSetup_ : readPlotSetup(plotSetupTexts()), x, y); });
 }
 
 void frmPlot::Picture1_MouseMove(Qt::MouseButtons, float x, float y) {

@@ -5,6 +5,7 @@
 
 #include <QWidget>
 #include <array>
+#include <functional>
 #include <set>
 #include <string>
 #include <utility>
@@ -122,6 +123,7 @@ class frmPlot : public QWidget {
   // Clears the picture and draws the graph again (printing, export).
   void Replot();
   void Zoom(int code);
+  void moveWindow(const std::function<std::array<std::string, 4>()>& newWindow);
   void setWindowTexts(const std::array<std::string, 4>& texts);
   void limitPair(TextBox* lower, TextBox* upper, bool leavingLower);
   void exportTo(const std::string& name);
