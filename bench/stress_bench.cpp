@@ -100,7 +100,7 @@ struct Stages {
   RegressionProblem problem;
   double matrixBytes = 0;
   std::filesystem::path directory;
-  std::string specificationFile;
+  std::string problemFile;
   std::map<std::string, double> peakBytes;  // the largest over a stage's repetitions
   int64_t evaluations = 0;
   std::string rootsLabel;
@@ -141,11 +141,11 @@ void ensureProblem() {
   makeProblem(stages->problem);
 }
 void ensureFiles() {
-  if (std::filesystem::exists(stages->specificationFile) &&
-      std::filesystem::exists(DataFileName(stages->specificationFile)))
+  if (std::filesystem::exists(stages->problemFile) &&
+      std::filesystem::exists(DataFileName(stages->problemFile)))
     return;
   ensureProblem();
-  WriteRegressionFiles(stages->specificationFile, stages->problem);
+  WriteRegressionFiles(stages->problemFile, stages->problem);
 }
 
 // ---- the data-set stages ------------------------------------------------------------
@@ -153,10 +153,10 @@ void ensureFiles() {
 void save1e6(benchmark::State& state) {
   ensureProblem();
   PeakWatch watch;
-  for (auto _ : state) WriteRegressionFiles(stages->specificationFile, stages->problem);
+  for (auto _ : state) WriteRegressionFiles(stages->problemFile, stages->problem);
   notePeak("save_1e6", watch.increaseBytes());
   state.counters["data_file_MB"] =
-      static_cast<double>(std::filesystem::file_size(DataFileName(stages->specificationFile))) / 1e6;
+      static_cast<double>(std::filesystem::file_size(DataFileName(stages->problemFile))) / 1e6;
 }
 
 void open1e6(benchmark::State& state) {
@@ -165,7 +165,7 @@ void open1e6(benchmark::State& state) {
   for (auto _ : state) {
     try {
       // As the main window does: the opened problem replaces the one it held.
-      RegressionProblem opened = ReadRegressionFiles(stages->specificationFile);
+      RegressionProblem opened = ReadRegressionFiles(stages->problemFile);
       stages->problem = std::move(opened);
     } catch (const RegressionFileError& e) {
       state.SkipWithError(e.what());
@@ -297,7 +297,7 @@ int main(int argc, char** argv) {
   stages = &state;
   state.directory = std::filesystem::temp_directory_path() / ("orvane-stress-" + std::to_string(getpid()));
   std::filesystem::create_directories(state.directory);
-  state.specificationFile = (state.directory / "million.orv").string();
+  state.problemFile = (state.directory / "million.orv").string();
   makeProblem(state.problem);
   state.matrixBytes = matrixBytesOf(state.problem);
 

@@ -151,12 +151,12 @@ std::string CheckEngine(std::string_view input) {
 
 std::string CheckRegressionFile(std::string_view input) {
   const size_t split = input.find('\0');
-  const std::string specification(input.substr(0, split));
+  const std::string problemText(input.substr(0, split));
   const std::string dataText(split == std::string_view::npos ? std::string_view{} : input.substr(split + 1));
 
   RegressionProblem problem;
   try {
-    problem = ParseRegressionFiles("fuzz.reg", specification, dataText);
+    problem = ParseRegressionFiles("fuzz.reg", problemText, dataText);
   } catch (const RegressionFileError& e) {
     return std::string_view(e.what()).empty() ? "a refusal without a message" : "";
   }
@@ -168,15 +168,15 @@ std::string CheckRegressionFile(std::string_view input) {
 
   // Blanks around a name are not kept by the file (the window's names have none).
   for (std::string& name : problem.names) name = trimmed(name);
-  const std::string specText = SpecificationText(problem);
+  const std::string problemOut = ProblemText(problem);
   const std::string dataOut = DataText(problem);
   RegressionProblem again;
   try {
-    again = ParseRegressionFiles("fuzz.reg", specText, dataOut);
+    again = ParseRegressionFiles("fuzz.reg", problemOut, dataOut);
   } catch (const RegressionFileError& e) {
     return std::string("an accepted problem cannot be read back once written: ") + e.what();
   }
-  if (SpecificationText(again) != specText || DataText(again) != dataOut)
+  if (ProblemText(again) != problemOut || DataText(again) != dataOut)
     return "writing and reading again changes the files";
   return "";
 }

@@ -13,7 +13,7 @@ namespace orvane::fuzz {
 // points, the rest as code; two engines, optimizer on and off, must agree.
 std::string CheckEngine(std::string_view input);
 
-// The specification text up to the first NUL byte, the data text after it.
+// The problem file's text up to the first NUL byte, the data file's after it.
 std::string CheckRegressionFile(std::string_view input);
 
 // The input as a stereo export file.

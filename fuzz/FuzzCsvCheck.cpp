@@ -26,7 +26,7 @@ std::string CheckCsvProblem(std::string_view input) {
     for (int j = 1; j <= problem.m + 1; ++j)
       if (!std::isfinite(problem.X(j, i))) return "a value that is not finite accepted";
   try {
-    ParseRegressionFiles("fuzz.reg", SpecificationText(problem), DataText(problem));
+    ParseRegressionFiles("fuzz.reg", ProblemText(problem), DataText(problem));
   } catch (const RegressionFileError& e) {
     return std::string("an accepted table cannot be saved and read back as a regression file pair: ") + e.what();
   }

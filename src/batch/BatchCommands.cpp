@@ -75,7 +75,7 @@ constexpr const char* kFitHelp = R"(Usage: orvane-batch fit [--csv] [--save SPEC
 Fits y = A0 + A1*x1 + ... + Am*xm and prints the results list as the regression
 window shows it (or its singular-system message, with exit status 1).
 
-FILE is a regression specification file with its data file FILE.dat beside it, or a
+FILE is a regression file pair (FILE, with its data file FILE.dat beside it) or a
 CSV file: a header line naming the columns, the first column the dependent variable,
 then one data set per line (at least 3). A file ending in .csv, or one without a .dat
 beside it whose first field is not a number, is read as CSV; --csv forces it.
@@ -187,7 +187,7 @@ bool readsAsCsv(const std::string& path, bool forced) {
   if (forced || extensionOf(path) == ".csv") return true;
   std::error_code ec;
   if (fs::exists(DataFileName(path), ec)) return false;
-  // A specification file starts with the number of data sets.
+  // The first file of a pair starts with the number of data sets.
   std::ifstream in(path, std::ios::binary);
   std::string first;
   std::getline(in, first);

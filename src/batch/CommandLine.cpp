@@ -27,7 +27,7 @@ std::vector<std::string> ParsedOptions::all(const std::string& name) const {
   return out;
 }
 
-ParsedOptions ParseOptions(const std::vector<std::string>& args, const std::vector<OptionSpec>& specs) {
+ParsedOptions ParseOptions(const std::vector<std::string>& args, const std::vector<OptionRule>& rules) {
   ParsedOptions parsed;
   bool optionsEnded = false;
   for (size_t i = 0; i < args.size(); ++i) {
@@ -52,23 +52,23 @@ ParsedOptions ParseOptions(const std::vector<std::string>& args, const std::vect
       name = name.substr(0, eq);
       hasInline = true;
     }
-    const OptionSpec* spec = nullptr;
-    static const OptionSpec help{"help", 0, true};
-    if (name == "help") spec = &help;
-    for (const OptionSpec& s : specs)
-      if (s.name == name) spec = &s;
-    if (!spec) throw UsageError("unknown option --" + name);
-    if (!spec->repeatable && parsed.values_.count(name))
+    const OptionRule* rule = nullptr;
+    static const OptionRule help{"help", 0, true};
+    if (name == "help") rule = &help;
+    for (const OptionRule& s : rules)
+      if (s.name == name) rule = &s;
+    if (!rule) throw UsageError("unknown option --" + name);
+    if (!rule->repeatable && parsed.values_.count(name))
       throw UsageError("--" + name + " is given more than once");
     std::vector<std::string> values;
     if (hasInline) {
-      if (spec->values != 1) throw UsageError("--" + name + " does not take a value after \"=\"");
+      if (rule->values != 1) throw UsageError("--" + name + " does not take a value after \"=\"");
       values.push_back(inlineValue);
     } else {
-      for (int k = 0; k < spec->values; ++k) {
+      for (int k = 0; k < rule->values; ++k) {
         if (i + 1 >= args.size())
-          throw UsageError("--" + name + " needs " + std::to_string(spec->values) +
-                           (spec->values == 1 ? " value" : " values"));
+          throw UsageError("--" + name + " needs " + std::to_string(rule->values) +
+                           (rule->values == 1 ? " value" : " values"));
         values.push_back(args[++i]);
       }
     }

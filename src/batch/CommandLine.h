@@ -17,7 +17,7 @@ class UsageError : public std::runtime_error {
   explicit UsageError(const std::string& message) : std::runtime_error(message) {}
 };
 
-struct OptionSpec {
+struct OptionRule {
   std::string name;  // without the leading "--"
   int values = 0;    // how many values follow it
   bool repeatable = false;
@@ -34,14 +34,14 @@ class ParsedOptions {
   const std::vector<std::string>& positional() const { return positional_; }
 
  private:
-  friend ParsedOptions ParseOptions(const std::vector<std::string>&, const std::vector<OptionSpec>&);
+  friend ParsedOptions ParseOptions(const std::vector<std::string>&, const std::vector<OptionRule>&);
   std::map<std::string, std::vector<std::vector<std::string>>> values_;
   std::vector<std::string> positional_;
 };
 
 // UsageError for an unknown option, a missing value or an option given twice that
 // may be given only once. "--help" is always known.
-ParsedOptions ParseOptions(const std::vector<std::string>& args, const std::vector<OptionSpec>& specs);
+ParsedOptions ParseOptions(const std::vector<std::string>& args, const std::vector<OptionRule>& rules);
 
 // A value that must be a number (the whole text): UsageError naming the option otherwise.
 double NumberOption(const std::string& option, const std::string& text);

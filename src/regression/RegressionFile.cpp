@@ -187,9 +187,9 @@ std::string readWholeFile(const std::string& path) {
 RegressionFileError::RegressionFileError(const std::string& file, int line, const std::string& expected)
     : std::runtime_error(file + ", line " + std::to_string(line) + ": expected " + expected + ".") {}
 
-std::string DataFileName(const std::string& specificationFile) { return specificationFile + ".dat"; }
+std::string DataFileName(const std::string& problemFile) { return problemFile + ".dat"; }
 
-std::string SpecificationText(const RegressionProblem& p) {
+std::string ProblemText(const RegressionProblem& p) {
   std::string text = std::to_string(p.N) + "," + std::to_string(p.m) + "," +
                      (p.computed ? "#TRUE#" : "#FALSE#") + "," + quoted(p.dependentName) + kLineEnd;
   for (const std::string& name : p.names) text += name + kLineEnd;
@@ -210,64 +210,64 @@ std::string DataText(const RegressionProblem& p) {
   return text;
 }
 
-void WriteRegressionFiles(const std::string& specificationFile, const RegressionProblem& problem) {
+void WriteRegressionFiles(const std::string& problemFile, const RegressionProblem& problem) {
   // Both files are written in full before either replaces its old version, so a failed
-  // write leaves the previous pair as it was, not a new specification beside old data.
+  // write leaves the previous pair as it was, not a new problem file beside old data.
   // The data file is renamed first: a directory or a locked file in its place fails
-  // there, while the specification file is still untouched.
+  // there, while the problem file is still untouched.
   try {
     SafeSave save;
-    save.Text(DataFileName(specificationFile), DataText(problem));
-    save.Text(specificationFile, SpecificationText(problem));
+    save.Text(DataFileName(problemFile), DataText(problem));
+    save.Text(problemFile, ProblemText(problem));
     save.Commit();
   } catch (const SaveError& e) {
     throw RegressionFileError("Cannot write the file " + e.target() + ": " + e.reason());
   }
 }
 
-RegressionProblem ReadRegressionFiles(const std::string& specificationFile) {
-  const std::string specification = readWholeFile(specificationFile);
-  const std::string data = readWholeFile(DataFileName(specificationFile));
-  return ParseRegressionFiles(specificationFile, specification, data);
+RegressionProblem ReadRegressionFiles(const std::string& problemFile) {
+  const std::string problemText = readWholeFile(problemFile);
+  const std::string data = readWholeFile(DataFileName(problemFile));
+  return ParseRegressionFiles(problemFile, problemText, data);
 }
 
-RegressionProblem ParseRegressionFiles(const std::string& specificationFile,
-                                       const std::string& specificationText,
+RegressionProblem ParseRegressionFiles(const std::string& problemFile,
+                                       const std::string& problemText,
                                        const std::string& dataText) {
   RegressionProblem p;
-  LineReader spec(specificationFile, specificationText);
+  LineReader problemLines(problemFile, problemText);
   const std::string head =
       "the number of data sets, the number of independent variables (at least 1), #TRUE# or "
       "#FALSE#, and the dependent variable's name in quotes";
-  std::vector<std::string> f = spec.record(4, head);
-  p.N = spec.count(f[0], 0, head);
-  p.m = spec.count(f[1], 1, head);
-  p.computed = spec.boolean(f[2], head);
+  std::vector<std::string> f = problemLines.record(4, head);
+  p.N = problemLines.count(f[0], 0, head);
+  p.m = problemLines.count(f[1], 1, head);
+  p.computed = problemLines.boolean(f[2], head);
   p.dependentName = f[3];
   // Saving quotes the dependent name as it stands: a quote inside could not be read back.
-  if (p.dependentName.find('"') != std::string::npos) spec.fail(head);
+  if (p.dependentName.find('"') != std::string::npos) problemLines.fail(head);
 
   for (int j = 1; j <= p.m; ++j) {
     const std::string what = "the name of independent variable " + std::to_string(j) + " of " +
                              std::to_string(p.m);
-    p.names.push_back(spec.name(what));
+    p.names.push_back(problemLines.name(what));
     // Names are saved one per line without quotes and split at "," by the window.
-    if (p.names.back().find(',') != std::string::npos) spec.fail(what + ", without \",\"");
+    if (p.names.back().find(',') != std::string::npos) problemLines.fail(what + ", without \",\"");
   }
   p.A.assign(static_cast<size_t>(p.m) + 2, 0.0);
   if (p.computed) {
     for (int j = 0; j <= p.m; ++j) {
       const std::string what = "the coefficient A" + std::to_string(j);
-      p.A[j] = spec.number(spec.field(what), what);
+      p.A[j] = problemLines.number(problemLines.field(what), what);
     }
-    p.statistics = spec.statistics();
+    p.statistics = problemLines.statistics();
   }
 
-  const std::string dataFile = DataFileName(specificationFile);
+  const std::string dataFile = DataFileName(problemFile);
   LineReader data(dataFile, dataText);
   const std::string counts = "the number of data sets and of independent variables, " +
                              std::to_string(p.N) + "," + std::to_string(p.m) +
-                             " as in the specification file";
+                             " as in the problem file";
   f = data.record(2, counts);
   if (data.count(f[0], 0, counts) != p.N || data.count(f[1], 1, counts) != p.m) data.fail(counts);
 

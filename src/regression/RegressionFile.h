@@ -1,6 +1,6 @@
 #pragma once
-// The regression file pair: a specification file (counts, computed flag, names, and the
-// fit when there is one) and beside it a data file named as the specification file plus
+// The regression file pair: a problem file (counts, computed flag, names, and the
+// fit when there is one) and beside it a data file named as the problem file plus
 // ".dat" (counts, then one value per line, set by set). Text with CR LF line ends.
 
 #include <stdexcept>
@@ -18,25 +18,25 @@ class RegressionFileError : public std::runtime_error {
   explicit RegressionFileError(const std::string& message) : std::runtime_error(message) {}
 };
 
-// The name of the data file that goes with a specification file.
-std::string DataFileName(const std::string& specificationFile);
+// The name of the data file that goes with a problem file.
+std::string DataFileName(const std::string& problemFile);
 
 // The texts of the two files, each line ended by CR LF.
-std::string SpecificationText(const RegressionProblem& problem);
+std::string ProblemText(const RegressionProblem& problem);
 std::string DataText(const RegressionProblem& problem);
 
 // Writes both files, each to a temporary file beside it; only when both are complete
 // are they renamed over the targets, so a failed save leaves the previous pair as it was.
-void WriteRegressionFiles(const std::string& specificationFile, const RegressionProblem& problem);
+void WriteRegressionFiles(const std::string& problemFile, const RegressionProblem& problem);
 
 // Reads both files into a new problem (X dimensioned, dataDimensioned set, the fit taken
 // as read). Throws RegressionFileError for a missing, malformed, short or inconsistent
 // file; nothing is half-read.
-RegressionProblem ReadRegressionFiles(const std::string& specificationFile);
+RegressionProblem ReadRegressionFiles(const std::string& problemFile);
 
 // The same from the files' texts (for tests and for reading already loaded files).
-RegressionProblem ParseRegressionFiles(const std::string& specificationFile,
-                                       const std::string& specificationText,
+RegressionProblem ParseRegressionFiles(const std::string& problemFile,
+                                       const std::string& problemText,
                                        const std::string& dataText);
 
 }  // namespace orvane

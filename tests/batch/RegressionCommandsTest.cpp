@@ -165,12 +165,12 @@ TEST_F(BatchFiles, SingularSystemsPrintTheWindowsMessage) {
 
 TEST_F(BatchFiles, SavedPairOpensWithTheSameListing) {
   const std::string source = csv("data.csv", "yield,temp,\"pressure\"\r\n1,2,3\r\n2,3,5\r\n3,5,7.5\r\n4,4,-1\r\n");
-  const std::string spec = path("saved.txt");
-  const BatchRun fit = runBatch({"fit", source, "--save", spec});
+  const std::string rule = path("saved.txt");
+  const BatchRun fit = runBatch({"fit", source, "--save", rule});
   ASSERT_EQ(fit.status, 0) << fit.err;
 
   // What the regression window's Open reads.
-  const RegressionProblem opened = ReadRegressionFiles(spec);
+  const RegressionProblem opened = ReadRegressionFiles(rule);
   EXPECT_TRUE(opened.computed);
   EXPECT_EQ(opened.m, 2);
   EXPECT_EQ(opened.N, 4);
@@ -181,7 +181,7 @@ TEST_F(BatchFiles, SavedPairOpensWithTheSameListing) {
   EXPECT_EQ(ResultsListing(opened), fit.outLines());
 
   // And the pair read back by the tool itself gives the same list.
-  const BatchRun again = runBatch({"fit", spec});
+  const BatchRun again = runBatch({"fit", rule});
   EXPECT_EQ(again.status, 0);
   EXPECT_EQ(again.out, fit.out);
 

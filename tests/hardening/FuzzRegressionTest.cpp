@@ -58,7 +58,7 @@ TEST(FuzzRegression, StereoImportInputs) { EXPECT_GE(checkAll("fuzz_stereo_impor
 TEST(FuzzRegression, FindingsAreRefusedWithAMessage) {
   struct Row {
     const char* what;
-    std::string specification;
+    std::string problemText;
     std::string data;
   };
   const Row rows[] = {
@@ -69,8 +69,8 @@ TEST(FuzzRegression, FindingsAreRefusedWithAMessage) {
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.what);
-    EXPECT_THROW(ParseRegressionFiles("finding.reg", row.specification, row.data), RegressionFileError);
-    EXPECT_EQ(fuzz::CheckRegressionFile(row.specification + '\0' + row.data), "");
+    EXPECT_THROW(ParseRegressionFiles("finding.reg", row.problemText, row.data), RegressionFileError);
+    EXPECT_EQ(fuzz::CheckRegressionFile(row.problemText + '\0' + row.data), "");
   }
 }
 

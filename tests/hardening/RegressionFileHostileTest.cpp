@@ -18,18 +18,18 @@
 namespace orvane {
 namespace {
 
-constexpr const char* kSpec = "hostile.reg";
+constexpr const char* kProblemFile = "hostile.reg";
 
-std::string refusal(const std::string& spec, const std::string& data) {
+std::string refusal(const std::string& problemText, const std::string& data) {
   try {
-    ParseRegressionFiles(kSpec, spec, data);
+    ParseRegressionFiles(kProblemFile, problemText, data);
   } catch (const RegressionFileError& e) {
     return e.what();
   }
   return "";
 }
 
-const std::string kGoodSpec = "3,1,#FALSE#,\"y\"\r\nx\r\n";
+const std::string kGoodProblem = "3,1,#FALSE#,\"y\"\r\nx\r\n";
 const std::string kGoodData = "3,1\r\n 1\r\n 2\r\n 2\r\n 4\r\n 3\r\n 6\r\n";
 
 TEST(RegressionFileHostile, BinaryGarbageIsRefusedWithAMessage) {
@@ -38,9 +38,9 @@ TEST(RegressionFileHostile, BinaryGarbageIsRefusedWithAMessage) {
     std::string garbage(1 + random() % 4096, '\0');
     for (char& c : garbage) c = static_cast<char>(random());
     SCOPED_TRACE(round);
-    // Garbage in either file, and after a valid start of the specification file.
+    // Garbage in either file, and after a valid start of the problem file.
     EXPECT_NE(refusal(garbage, kGoodData), "");
-    EXPECT_NE(refusal(kGoodSpec, garbage), "");
+    EXPECT_NE(refusal(kGoodProblem, garbage), "");
     EXPECT_NE(refusal("3,1,#FALSE#,\"y\"\r\n" + garbage, garbage), "");
   }
 }
@@ -57,12 +57,12 @@ TEST(RegressionFileHostile, AbsurdCountsAreRefusedWithoutAllocating) {
                       {"200000000", "1"}};
   for (const Row& row : rows) {
     SCOPED_TRACE(std::string(row.N) + " sets of " + row.m);
-    std::string spec = std::string(row.N) + "," + row.m + ",#FALSE#,\"y\"\r\n";
+    std::string problemText = std::string(row.N) + "," + row.m + ",#FALSE#,\"y\"\r\n";
     if (std::string(row.m) != "2147483647")
-      for (int j = 0; j < std::stoi(row.m); ++j) spec += "x" + std::to_string(j) + "\r\n";
+      for (int j = 0; j < std::stoi(row.m); ++j) problemText += "x" + std::to_string(j) + "\r\n";
     const std::string data = std::string(row.N) + "," + row.m + "\r\n 1\r\n 2\r\n 3\r\n";
     test::resetLargestAllocation();
-    const std::string message = refusal(spec, data);
+    const std::string message = refusal(problemText, data);
     EXPECT_LT(test::largestAllocation(), size_t{1} << 20);
     EXPECT_NE(message, "");
     EXPECT_NE(message.find("hostile.reg"), std::string::npos) << message;
@@ -77,16 +77,16 @@ TEST(RegressionFileHostile, BadCountsAreRefused) {
     const std::string message = refusal(std::string(header) + ",#FALSE#,\"y\"\r\nx\r\n", kGoodData);
     EXPECT_NE(message.find("hostile.reg, line 1:"), std::string::npos) << message;
   }
-  // Counts in the data file that disagree with the specification file.
+  // Counts in the data file that disagree with the problem file.
   for (const char* counts : {"4,1", "3,2", "0,1", "-3,1", "3"}) {
     SCOPED_TRACE(counts);
-    const std::string message = refusal(kGoodSpec, std::string(counts) + "\r\n 1\r\n 2\r\n 2\r\n 4\r\n 3\r\n 6\r\n");
+    const std::string message = refusal(kGoodProblem, std::string(counts) + "\r\n 1\r\n 2\r\n 2\r\n 4\r\n 3\r\n 6\r\n");
     EXPECT_NE(message.find("hostile.reg.dat, line 1:"), std::string::npos) << message;
   }
 }
 
 TEST(RegressionFileHostile, NoDataSetsIsAnEmptyProblem) {
-  const RegressionProblem p = ParseRegressionFiles(kSpec, "0,2,#FALSE#,\"y\"\r\na\r\nb\r\n", "0,2\r\n");
+  const RegressionProblem p = ParseRegressionFiles(kProblemFile, "0,2,#FALSE#,\"y\"\r\na\r\nb\r\n", "0,2\r\n");
   EXPECT_EQ(p.N, 0);
   EXPECT_EQ(p.m, 2);
   EXPECT_EQ(p.X.lastRow(), 0);
@@ -98,15 +98,15 @@ TEST(RegressionFileHostile, ValuesThatAreNotFiniteNumbersAreRefused) {
   for (const char* value : values) {
     SCOPED_TRACE(value);
     const std::string data = std::string("3,1\r\n 1\r\n 2\r\n 2\r\n") + value + "\r\n 3\r\n 6\r\n";
-    const std::string message = refusal(kGoodSpec, data);
+    const std::string message = refusal(kGoodProblem, data);
     EXPECT_NE(message.find("hostile.reg.dat, line 5: expected the value of y in data set 2"), std::string::npos)
         << message;
   }
   // The same in the coefficients and statistics of a computed problem.
   for (const char* value : {"NaN", "Inf", "1E+999"}) {
     SCOPED_TRACE(value);
-    const std::string spec = std::string("3,1,#TRUE#,\"y\"\r\nx\r\n 1\r\n") + value + "\r\n1,0,0,0,0\r\n";
-    EXPECT_NE(refusal(spec, kGoodData).find("hostile.reg, line 4:"), std::string::npos);
+    const std::string problemText = std::string("3,1,#TRUE#,\"y\"\r\nx\r\n 1\r\n") + value + "\r\n1,0,0,0,0\r\n";
+    EXPECT_NE(refusal(problemText, kGoodData).find("hostile.reg, line 4:"), std::string::npos);
   }
 }
 
@@ -115,25 +115,25 @@ TEST(RegressionFileHostile, TenMegabyteLinesGiveAShortMessage) {
   const std::string hugeText(10 << 20, 'q');
   struct Row {
     const char* what;
-    std::string spec;
+    std::string problemText;
     std::string data;
     const char* where;
   };
   const Row rows[] = {
       {"header", huge + ",1,#FALSE#,\"y\"\r\nx\r\n", kGoodData, "hostile.reg, line 1:"},
       {"header text", hugeText + "\r\nx\r\n", kGoodData, "hostile.reg, line 1:"},
-      {"value", kGoodSpec, "3,1\r\n 1\r\n" + huge + "\r\n 2\r\n 4\r\n 3\r\n 6\r\n", "hostile.reg.dat, line 3:"},
-      {"value text", kGoodSpec, "3,1\r\n 1\r\n" + hugeText + "\r\n 2\r\n 4\r\n 3\r\n 6\r\n",
+      {"value", kGoodProblem, "3,1\r\n 1\r\n" + huge + "\r\n 2\r\n 4\r\n 3\r\n 6\r\n", "hostile.reg.dat, line 3:"},
+      {"value text", kGoodProblem, "3,1\r\n 1\r\n" + hugeText + "\r\n 2\r\n 4\r\n 3\r\n 6\r\n",
        "hostile.reg.dat, line 3:"},
-      {"data counts", kGoodSpec, huge + "\r\n", "hostile.reg.dat, line 1:"},
+      {"data counts", kGoodProblem, huge + "\r\n", "hostile.reg.dat, line 1:"},
       {"many fields", std::string(10 << 20, ',') + "\r\nx\r\n", kGoodData, "hostile.reg, line 1:"},
-      {"many values", kGoodSpec, "3,1\r\n" + std::string(10 << 20, ',') + "\r\n 2\r\n 2\r\n 4\r\n 3\r\n 6\r\n",
+      {"many values", kGoodProblem, "3,1\r\n" + std::string(10 << 20, ',') + "\r\n 2\r\n 2\r\n 4\r\n 3\r\n 6\r\n",
        "hostile.reg.dat, line 2:"},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.what);
     test::resetLargestAllocation();
-    const std::string message = refusal(row.spec, row.data);
+    const std::string message = refusal(row.problemText, row.data);
     // Reading a line costs a few times its own size, not a string per field of it.
     EXPECT_LT(test::largestAllocation(), size_t{64} << 20);
     EXPECT_NE(message.find(row.where), std::string::npos) << message.substr(0, 200);
@@ -172,7 +172,7 @@ TEST(RegressionFileHostile, NamesWithQuotesAndCommas) {
     p.dimensionData();
     p.X(1, 1) = 2;
     p.X(2, 1) = -3;
-    const RegressionProblem back = ParseRegressionFiles(kSpec, SpecificationText(p), DataText(p));
+    const RegressionProblem back = ParseRegressionFiles(kProblemFile, ProblemText(p), DataText(p));
     ASSERT_EQ(back.names.size(), 1u);
     EXPECT_EQ(back.names[0], name);
     EXPECT_EQ(back.X(2, 1), -3);
@@ -183,16 +183,16 @@ TEST(RegressionFileHostile, AMissingDataFileIsNamed) {
   namespace fs = std::filesystem;
   const fs::path dir = fs::temp_directory_path() / ("orvane-hostile-" + std::to_string(::getpid()));
   fs::create_directories(dir);
-  const std::string spec = (dir / "pair.reg").string();
-  std::ofstream(spec, std::ios::binary) << kGoodSpec;
+  const std::string problemFile = (dir / "pair.reg").string();
+  std::ofstream(problemFile, std::ios::binary) << kGoodProblem;
   try {
-    ReadRegressionFiles(spec);
+    ReadRegressionFiles(problemFile);
     ADD_FAILURE() << "read without its data file";
   } catch (const RegressionFileError& e) {
-    EXPECT_NE(std::string(e.what()).find(spec + ".dat"), std::string::npos) << e.what();
+    EXPECT_NE(std::string(e.what()).find(problemFile + ".dat"), std::string::npos) << e.what();
   }
-  fs::create_directory(spec + ".dat");  // a folder where the data file should be
-  EXPECT_THROW(ReadRegressionFiles(spec), RegressionFileError);
+  fs::create_directory(problemFile + ".dat");  // a folder where the data file should be
+  EXPECT_THROW(ReadRegressionFiles(problemFile), RegressionFileError);
   fs::remove_all(dir);
 }
 

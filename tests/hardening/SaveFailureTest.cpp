@@ -47,10 +47,10 @@ class SaveFailure : public ::testing::Test {
     dir_ = fs::temp_directory_path() / ("orvane-save-" + std::to_string(::getpid()));
     fs::remove_all(dir_);
     fs::create_directories(dir_);
-    spec_ = (dir_ / "old.reg").string();
-    WriteRegressionFiles(spec_, problemOf(3));
-    oldSpec_ = contents(spec_);
-    oldData_ = contents(spec_ + ".dat");
+    problem_ = (dir_ / "old.reg").string();
+    WriteRegressionFiles(problem_, problemOf(3));
+    oldProblem_ = contents(problem_);
+    oldData_ = contents(problem_ + ".dat");
     stereo_ = (dir_ / "old.ste").string();
     WriteStereoFile(stereo_, StereoSettings{}, {"a=1"});
     oldStereo_ = contents(stereo_);
@@ -62,20 +62,20 @@ class SaveFailure : public ::testing::Test {
 
   // The previous files exactly as they were, and nothing else in the folder.
   void expectUntouched() {
-    EXPECT_EQ(contents(spec_), oldSpec_);
-    EXPECT_EQ(contents(spec_ + ".dat"), oldData_);
+    EXPECT_EQ(contents(problem_), oldProblem_);
+    EXPECT_EQ(contents(problem_ + ".dat"), oldData_);
     EXPECT_EQ(contents(stereo_), oldStereo_);
     int files = 0;
     for (const auto& entry : fs::directory_iterator(dir_)) {
       ++files;
-      EXPECT_TRUE(entry.path() == spec_ || entry.path() == spec_ + ".dat" || entry.path() == stereo_)
+      EXPECT_TRUE(entry.path() == problem_ || entry.path() == problem_ + ".dat" || entry.path() == stereo_)
           << "left behind: " << entry.path();
     }
     EXPECT_EQ(files, 3);
   }
 
   fs::path dir_;
-  std::string spec_, oldSpec_, oldData_, stereo_, oldStereo_;
+  std::string problem_, oldProblem_, oldData_, stereo_, oldStereo_;
 };
 
 // Files may grow to `bytes` only, as on a device that is nearly full (/dev/full cannot
@@ -109,10 +109,10 @@ TEST_F(SaveFailure, AFullDeviceLeavesThePreviousFilesIntact) {
   {
     FileSizeLimit limit(4096);
     try {
-      WriteRegressionFiles(spec_, bigger);
+      WriteRegressionFiles(problem_, bigger);
       ADD_FAILURE() << "saved past the limit";
     } catch (const RegressionFileError& e) {
-      EXPECT_NE(std::string(e.what()).find(spec_), std::string::npos) << e.what();
+      EXPECT_NE(std::string(e.what()).find(problem_), std::string::npos) << e.what();
     }
     try {
       WriteStereoFile(stereo_, settings, {"a=2"});
@@ -126,12 +126,12 @@ TEST_F(SaveFailure, AFullDeviceLeavesThePreviousFilesIntact) {
 }
 
 TEST_F(SaveFailure, OnlyTheDataFileTooLargeStillKeepsThePair) {
-  // The specification file fits, its data file does not: neither may change, or the
+  // The problem file fits, its data file does not: neither may change, or the
   // pair would no longer belong together.
   const RegressionProblem bigger = problemOf(20000);
   {
     FileSizeLimit limit(8192);
-    EXPECT_THROW(WriteRegressionFiles(spec_, bigger), RegressionFileError);
+    EXPECT_THROW(WriteRegressionFiles(problem_, bigger), RegressionFileError);
   }
   expectUntouched();
 }
@@ -143,10 +143,10 @@ TEST_F(SaveFailure, AFolderThatCannotBeWrittenGivesAMessage) {
     GTEST_SKIP() << "this user writes into read-only folders (root)";
   }
   try {
-    WriteRegressionFiles(spec_, problemOf(5));
+    WriteRegressionFiles(problem_, problemOf(5));
     ADD_FAILURE() << "saved into a read-only folder";
   } catch (const RegressionFileError& e) {
-    EXPECT_NE(std::string(e.what()).find(spec_), std::string::npos) << e.what();
+    EXPECT_NE(std::string(e.what()).find(problem_), std::string::npos) << e.what();
   }
   EXPECT_THROW(WriteStereoFile(stereo_, StereoSettings{}, {}), RuntimeError);
   fs::permissions(dir_, fs::perms::owner_all);

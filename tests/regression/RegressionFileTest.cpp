@@ -51,7 +51,7 @@ RegressionProblem sample() {
 
 TEST(RegressionFile, LinesBeforeAndAfterComputing) {
   RegressionProblem p = sample();
-  EXPECT_EQ(SpecificationText(p), crlf({"4,2,#FALSE#,\"yield\"", "x", "t"}));
+  EXPECT_EQ(ProblemText(p), crlf({"4,2,#FALSE#,\"yield\"", "x", "t"}));
   std::vector<std::string> data = {"4,2", " 1", " 0.5", " 3.5", " 2",   "-1.25",  "-3.5",
                                    " 3",  " 4", " 0",   " 4.5", " 1E-07", " 12"};
   EXPECT_EQ(DataText(p), crlf(data));
@@ -59,7 +59,7 @@ TEST(RegressionFile, LinesBeforeAndAfterComputing) {
   p.computed = true;
   p.A = {-0.5, 2, 1e20, 7};
   p.statistics = {0.75, 1.5, 4.5, 3, -2.5e-5};
-  EXPECT_EQ(SpecificationText(p),
+  EXPECT_EQ(ProblemText(p),
             crlf({"4,2,#TRUE#,\"yield\"", "x", "t", "-0.5", " 2", " 1E+20", "0.75,1.5,4.5,3,-2.5E-05"}));
   data.push_back("0.75,1.5,4.5,3,-2.5E-05");
   EXPECT_EQ(DataText(p), crlf(data));
@@ -70,7 +70,7 @@ TEST(RegressionFile, LinesBeforeAndAfterComputing) {
   bare.N = 3;
   bare.names = {"x"};
   bare.dependentName = "y";
-  EXPECT_EQ(SpecificationText(bare), crlf({"3,1,#FALSE#,\"y\"", "x"}));
+  EXPECT_EQ(ProblemText(bare), crlf({"3,1,#FALSE#,\"y\"", "x"}));
   EXPECT_EQ(DataText(bare), crlf({"3,1", " 0", " 0", " 0", " 0", " 0", " 0"}));
 }
 
@@ -84,7 +84,7 @@ TEST(RegressionFile, RoundTripThroughDisk) {
       ASSERT_EQ(Compute(p), FitOutcome::Computed);
     }
     WriteRegressionFiles(path, p);
-    EXPECT_EQ(readText(path), SpecificationText(p));
+    EXPECT_EQ(readText(path), ProblemText(p));
     EXPECT_EQ(readText(path + ".dat"), DataText(p));
     EXPECT_EQ(dir.entries(), 2) << "no temporary file left behind";
 
@@ -126,7 +126,7 @@ TEST(RegressionFile, MalformedFilesNameFileAndLine) {
     bool inData;
     int line;  // 0: not checked
   } cases[] = {
-      {"empty specification", "", goodData, false, 1},
+      {"empty problem file", "", goodData, false, 1},
       {"letters for N", head("three,1,#FALSE#,\"y\""), goodData, false, 1},
       {"negative N", head("-3,1,#FALSE#,\"y\""), goodData, false, 1},
       {"no variables", head("3,0,#FALSE#,\"y\""), goodData, false, 1},

@@ -64,13 +64,13 @@ class WindowPicturesTest : public QObject {
   void savedPairOpensInTheRegressionWindowWithTheSameListing() {
     const std::string csv = path("data.csv");
     testing::writeFile(csv, "\"yield\",temp,pressure\r\n1,2,3\r\n\r\n2,3,5\r\n3,5,7.5\r\n4,4,-1\r\n");
-    const std::string spec = path("saved.txt");
-    const testing::BatchRun run = testing::runBatch({"fit", csv, "--save", spec});
+    const std::string rule = path("saved.txt");
+    const testing::BatchRun run = testing::runBatch({"fit", csv, "--save", rule});
     QCOMPARE(run.status, 0);
 
     ScriptedDialogs dialogs;
     frmOrvane window(dialogs);
-    dialogs.queueOpenFileName(spec);
+    dialogs.queueOpenFileName(rule);
     window.findChild<QAction*>("mnuOpen")->trigger();
     QVERIFY(dialogs.messages().empty());
     QStringList shown, printed;
