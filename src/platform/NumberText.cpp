@@ -47,7 +47,7 @@ Significand roundedDigits(double value, int digits) {
 // Shortest text of a value with at most `digits` significant digits: plain notation
 // while the decimal exponent lies in [-4, digits - 1], else a mantissa with an "E",
 // a sign and at least two exponent digits.
-// Writes the text into `out` (room for 48 characters) and returns its length.
+// Writes the text into `out` (room for kNumberTextRoom characters) and returns its length.
 size_t formatInto(char* out, double value, int digits) {
   const auto whole = [out](std::string_view text) {
     text.copy(out, text.size());
@@ -102,7 +102,7 @@ size_t formatInto(char* out, double value, int digits) {
 }
 
 std::string formatWithDigits(double value, int digits) {
-  char out[48];
+  char out[kNumberTextRoom];
   return std::string(out, formatInto(out, value, digits));
 }
 
@@ -189,10 +189,7 @@ double toDouble(const std::string& number) {
 
 std::string formatGeneral(double value) { return formatWithDigits(value, 15); }
 
-void appendGeneral(std::string& text, double value) {
-  char out[48];
-  text.append(out, formatInto(out, value, 15));
-}
+size_t formatGeneralInto(char* out, double value) { return formatInto(out, value, 15); }
 
 std::string formatSingle(float value) { return formatWithDigits(static_cast<double>(value), 7); }
 

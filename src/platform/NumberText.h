@@ -12,8 +12,10 @@ namespace orvane {
 // 1E-04 <= |v| < 1E+15, else exponent form "1E-05", "1.5E+20", "-2.5E-07"; -0 is "0".
 // No leading zero is dropped: 0.5 is "0.5", not ".5".
 std::string formatGeneral(double value);
-// The same appended to `text`, for files of many numbers.
-void appendGeneral(std::string& text, double value);
+// The same written into `out`, which has room for kNumberTextRoom characters; returns
+// the length. For files of millions of numbers.
+inline constexpr size_t kNumberTextRoom = 48;
+size_t formatGeneralInto(char* out, double value);
 
 // The same form for a single-precision value: up to 7 significant digits.
 std::string formatSingle(float value);

@@ -6,6 +6,7 @@
 #include <fstream>
 
 #include "platform/Canvas.h"
+#include "platform/LargeBuffer.h"
 
 namespace orvane {
 
@@ -70,7 +71,7 @@ std::optional<std::string> ReadWholeFile(const std::string& path, std::string* r
     std::string text;
     // Sized once, so a large file is held only once while it is read.
     const auto size = fs::file_size(path, error);
-    if (!error) text.reserve(static_cast<size_t>(size));
+    if (!error) ReserveLarge(text, static_cast<size_t>(size));
     char buffer[1 << 16];
     while (in.read(buffer, sizeof buffer) || in.gcount() > 0) text.append(buffer, static_cast<size_t>(in.gcount()));
     if (!in.bad()) return text;

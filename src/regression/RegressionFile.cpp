@@ -4,6 +4,7 @@
 #include <cmath>
 #include <string_view>
 
+#include "platform/LargeBuffer.h"
 #include "platform/NumberText.h"
 #include "platform/RuntimeError.h"
 #include "platform/SafeFile.h"
@@ -17,9 +18,13 @@ std::string quoted(const std::string& text) { return "\"" + text + "\""; }
 
 // A value line holding a number: a blank where a minus sign would stand.
 void appendValueLine(std::string& text, double value) {
-  if (!(value < 0)) text += ' ';
-  appendGeneral(text, value);
-  text += kLineEnd;
+  char line[kNumberTextRoom + 3];
+  size_t n = 0;
+  if (!(value < 0)) line[n++] = ' ';
+  n += formatGeneralInto(line + n, value);
+  line[n++] = '\r';
+  line[n++] = '\n';
+  text.append(line, n);
 }
 
 std::string statisticsRecord(const FitStatistics& s) {
@@ -127,8 +132,9 @@ class LineReader {
   std::string_view nextLine(const std::string& expected, Describe describe) {
     ++current_;
     if (atEnd()) fail((expected.empty() ? describe() : expected) + " (the file ends before it)");
-    size_t end = text_.find('\n', pos_);
-    if (end == std::string_view::npos) end = text_.size();
+    // Value lines are a dozen characters: a plain scan beats a library call per line.
+    size_t end = pos_;
+    while (end < text_.size() && text_[end] != '\n') ++end;
     std::string_view line = text_.substr(pos_, end - pos_);
     if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
     pos_ = std::min(end + 1, text_.size());  // a last line may have no end
@@ -202,7 +208,7 @@ std::string ProblemText(const RegressionProblem& p) {
 
 std::string DataText(const RegressionProblem& p) {
   std::string text = std::to_string(p.N) + "," + std::to_string(p.m) + kLineEnd;
-  text.reserve(text.size() + static_cast<size_t>(p.N) * static_cast<size_t>(p.m + 1) * 20);
+  ReserveLarge(text, text.size() + static_cast<size_t>(p.N) * static_cast<size_t>(p.m + 1) * 20);
   for (int i = 1; i <= p.N; ++i)
     for (int j = 1; j <= p.m + 1; ++j)  // sets not yet dimensioned are zeros
       appendValueLine(text, i <= p.X.lastRow() && j <= p.X.lastColumn() ? p.X(j, i) : 0.0);

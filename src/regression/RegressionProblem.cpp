@@ -3,12 +3,16 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "platform/LargeBuffer.h"
+
 namespace orvane {
 
 DataMatrix::DataMatrix(int lastColumn, int lastRow)
     : columns_(lastColumn + 1), rows_(lastRow + 1) {
   if (lastColumn < 0 || lastRow < 0) throw std::invalid_argument("negative matrix bound");
-  values_.assign(static_cast<size_t>(columns_) * static_cast<size_t>(rows_), 0.0);
+  const size_t cells = static_cast<size_t>(columns_) * static_cast<size_t>(rows_);
+  ReserveLarge(values_, cells);
+  values_.assign(cells, 0.0);
 }
 
 int64_t DataMatrix::cellCount(int lastColumn, int lastRow) {
