@@ -107,7 +107,7 @@ class PlotPainter {
       c_.PSet(float(end), s_.yorigin, plotcolors::Marks);
       double y = 0;
       if (evaluate(end, y)) {
-        lineColor_ = plotcolors::Marks;
+        linecolor_ = plotcolors::Marks;
         c_.LineTo(float(end), clip(y), plotcolors::Marks);
       }
     }
@@ -191,7 +191,7 @@ class PlotPainter {
   }
 
   void curve() {
-    lineColor_ = plotcolors::Curve;
+    linecolor_ = plotcolors::Curve;
     const double step = v_.plotstep;
     if (!(step > 0)) return;
     const double gx = s_.windowgx;
@@ -220,7 +220,7 @@ class PlotPainter {
     }
   }
 
-  void resetLineColor() { lineColor_ = plotcolors::Curve; }
+  void resetLineColor() { linecolor_ = plotcolors::Curve; }
 
  private:
   bool evaluate(double x, double& y) {
@@ -237,7 +237,7 @@ class PlotPainter {
       at(float(x), clip(y, false));
       return;
     }
-    c_.LineTo(float(x), clip(y, false), lineColor_);
+    c_.LineTo(float(x), clip(y, false), linecolor_);
   }
 
   // y clipped into the window, or (far = false) only kept within a range the picture
@@ -272,7 +272,7 @@ class PlotPainter {
   const Viewport& v_;
   const PlotSetup& s_;
   const int32_t k_;
-  Color lineColor_ = plotcolors::Curve;
+  Color linecolor_ = plotcolors::Curve;
 };
 
 }  // namespace
@@ -298,10 +298,10 @@ Viewport drawPlot(Canvas& picture, DerivativeEvaluator& d, const PlotRequest& re
   PlotPainter painter(picture, d, request, v);
 
   // Ticks never closer than one screen unit.
-  const TickWalk vertical =
-      walkTicks(s.xorigin, s.windowlx, s.windowgx, std::max(s.divx, v.pixelx));
-  const TickWalk horizontal =
-      walkTicks(s.yorigin, s.windowly, s.windowgy, std::max(s.divy, v.pixely));
+  const float gridx = std::max(s.divx, v.pixelx);
+  const float gridy = std::max(s.divy, v.pixely);
+  const TickWalk vertical = walkTicks(s.xorigin, s.windowlx, s.windowgx, gridx);
+  const TickWalk horizontal = walkTicks(s.yorigin, s.windowly, s.windowgy, gridy);
 
   painter.frame();
   const double lower = painter.shading();

@@ -62,8 +62,8 @@ Viewport setUpViewport(const PlotSetup& setup, float width, float height, bool g
 WindowLimits zoomLimits(int code, const WindowLimits& from) {
   using checked::value;
   WindowLimits w = from;
-  const float cx = value((w.lx + w.gx) / 2);
-  const float cy = value((w.ly + w.gy) / 2);
+  const float windowcenterX = value((w.lx + w.gx) / 2);
+  const float windowcenterY = value((w.ly + w.gy) / 2);
   const float hx = value((w.gx - w.lx) / 2);
   const float hy = value((w.gy - w.ly) / 2);
   switch (code) {
@@ -79,21 +79,21 @@ WindowLimits zoomLimits(int code, const WindowLimits& from) {
     case 4:
       // 1 and 2 keep the upper half, 3 and 4 the lower; 1 and 4 the right half.
       if (code <= 2) {
-        w.ly = cy;
+        w.ly = windowcenterY;
       } else {
-        w.gy = cy;
+        w.gy = windowcenterY;
       }
       if (code % 4 < 2) {
-        w.lx = cx;
+        w.lx = windowcenterX;
       } else {
-        w.gx = cx;
+        w.gx = windowcenterX;
       }
       break;
     case 5:
-      w.lx = (w.lx + cx) / 2;
-      w.gx = (w.gx + cx) / 2;
-      w.ly = (w.ly + cy) / 2;
-      w.gy = (w.gy + cy) / 2;
+      w.lx = (w.lx + windowcenterX) / 2;
+      w.gx = (w.gx + windowcenterX) / 2;
+      w.ly = (w.ly + windowcenterY) / 2;
+      w.gy = (w.gy + windowcenterY) / 2;
       break;
     case 6:
       w.lx += hx / 2;

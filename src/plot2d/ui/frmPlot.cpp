@@ -114,8 +114,7 @@ void frmPlot::buildControls() {
   lblInterval = label("lblInterval", "<=x<=", "Defines interval to be studied");
   txtXupper = field("txtXupper", "Upper limit of interval to be studied");
   lblSubintervals = label("lblSubintervals", " # of subintervals:",
-                          "Should be enough to detect all roots & extrema, and to find an "
-                          "accurate integral.");
+                          "Should be enough to detect all roots & extrema, and to find an accurate integral.");
   txtSubintervals = field("txtSubintervals", "Minimum # of subintervals");
   lblError = label("lblError", "Approx. error bound:");
   txtError = field("txtError", "Error MUST be >0");
