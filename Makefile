@@ -2,6 +2,8 @@
 BUILD      ?= build
 BENCHBUILD ?= build-release
 JOBS       ?= $(shell nproc)
+# A compiler cache, when the machine has one, makes rebuilds of other checkouts cheap.
+LAUNCHER   := $(if $(shell command -v ccache 2>/dev/null),-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
 
 .PHONY: run test bench build deps clean fuzz test-sanitize
 
@@ -9,7 +11,7 @@ deps:
 	@bash scripts/install-deps.sh
 
 $(BUILD)/build.ninja: | deps
-	cmake -S . -B $(BUILD) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
+	cmake -S . -B $(BUILD) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo $(LAUNCHER)
 
 build: deps $(BUILD)/build.ninja
 	cmake --build $(BUILD) -j $(JOBS)
@@ -21,7 +23,7 @@ test: build
 	cd $(BUILD) && QT_QPA_PLATFORM=offscreen ctest -j $(JOBS) --output-on-failure
 
 bench: deps
-	cmake -S . -B $(BENCHBUILD) -G Ninja -DCMAKE_BUILD_TYPE=Release
+	cmake -S . -B $(BENCHBUILD) -G Ninja -DCMAKE_BUILD_TYPE=Release $(LAUNCHER)
 	cmake --build $(BENCHBUILD) -j $(JOBS) --target benchmarks
 	@for b in $(BENCHBUILD)/bench/*_bench; do echo "== $$b"; $$b || exit 1; done
 
