@@ -1,6 +1,7 @@
 #include "engine/Compiler.h"
 
 #include <algorithm>
+#include <unordered_map>
 
 #include "engine/Evaluator.h"
 #include "engine/Lexer.h"
@@ -11,10 +12,11 @@ namespace orvane {
 
 namespace {
 
-// Binding powers, loosest first, in the language's order of operations.
+// Binding powers, loosest first, in the language's order of operations: negation binds
+// tighter than ^, so -2^2 is 4 and 2^-2 is 0.25.
 enum Prec : int {
   Lowest = 0, PImp, PEqv, PXor, POr, PAnd, PNot, PCompare, PConcat, PAdditive, PMod,
-  PIntDiv, PMultiplicative, PUnary, PPower, PPrimary,
+  PIntDiv, PMultiplicative, PPower, PUnary, PPrimary,
 };
 
 // Deep enough for any sane formula, shallow enough for the native stack.
@@ -80,60 +82,77 @@ const Builtin* findBuiltin(std::string_view lower) {
   return nullptr;
 }
 
+// A constant with its kind of number.
+struct Number {
+  double value;
+  Subtype type;
+};
+
 // Only operations that can be undone at compile time are folded; one that would raise
-// an error is left for run time so the error keeps its number and position.
-bool foldUnary(Op op, double a, double& r) {
+// an error is left for run time so the error keeps its number and position. The result
+// has the kind, and the rounding, the operation gives it at run time.
+bool foldUnary(Op op, Number a, Number& r) {
   int32_t e = 0;
+  double v;
   switch (op) {
-    case Op::Neg: r = -a; break;
-    case Op::Not: r = vb::bitNot(a, e); break;
-    case Op::Abs: r = vb::abs(a); break;
-    case Op::Atn: r = vb::atn(a); break;
-    case Op::Cos: r = vb::cos(a); break;
-    case Op::Exp: r = vb::exp(a, e); break;
-    case Op::Fix: r = vb::fix(a); break;
-    case Op::Int: r = vb::intPart(a); break;
-    case Op::Log: r = vb::log(a, e); break;
-    case Op::Round: r = vb::round(a); break;
-    case Op::Sgn: r = vb::sgn(a); break;
-    case Op::Sin: r = vb::sin(a); break;
-    case Op::Sqr: r = vb::sqr(a, e); break;
-    case Op::Tan: r = vb::tan(a, e); break;
-    case Op::CDbl: r = a; break;
-    case Op::CInt: r = vb::cint(a, e); break;
-    case Op::CLng: r = vb::clng(a, e); break;
-    case Op::CSng: r = vb::csng(a, e); break;
-    case Op::CBool: r = vb::cbool(a); break;
+    case Op::Neg: v = -a.value; break;
+    case Op::Not: v = vb::bitNot(a.value, e); break;
+    case Op::Abs: v = vb::abs(a.value); break;
+    case Op::Atn: v = vb::atn(a.value); break;
+    case Op::Cos: v = vb::cos(a.value); break;
+    case Op::Exp: v = vb::exp(a.value, e); break;
+    case Op::Fix: v = vb::fix(a.value); break;
+    case Op::Int: v = vb::intPart(a.value); break;
+    case Op::Log: v = vb::log(a.value, e); break;
+    case Op::Round: v = vb::round(a.value); break;
+    case Op::Sgn: v = vb::sgn(a.value); break;
+    case Op::Sin: v = vb::sin(a.value); break;
+    case Op::Sqr: v = vb::sqr(a.value, e); break;
+    case Op::Tan: v = vb::tan(a.value, e); break;
+    case Op::CDbl: v = a.value; break;
+    case Op::CInt: v = vb::cint(a.value, e); break;
+    case Op::CLng: v = vb::clng(a.value, e); break;
+    case Op::CSng: v = vb::csng(a.value, e); break;
+    case Op::CBool: v = vb::cbool(a.value); break;
     default: return false;
   }
-  return e == 0;
+  if (e) return false;
+  r.type = resultType(op, a.type);
+  r.value = vb::settle(v, r.type);
+  return true;
 }
 
-bool foldBinary(Op op, double a, double b, double& r) {
+bool foldBinary(Op op, Number a, Number b, Number& r) {
   int32_t e = 0;
+  double v;
+  double x = a.value, y = b.value;
+  vb::alignForComparison(x, a.type, y, b.type);  // used by the comparisons only
   switch (op) {
-    case Op::Add: r = vb::add(a, b, e); break;
-    case Op::Sub: r = vb::sub(a, b, e); break;
-    case Op::Mul: r = vb::mul(a, b, e); break;
-    case Op::Div: r = vb::div(a, b, e); break;
-    case Op::Pow: r = vb::pow(a, b, e); break;
-    case Op::IntDiv: r = vb::intDiv(a, b, e); break;
-    case Op::Mod: r = vb::mod(a, b, e); break;
-    case Op::Eq: r = vb::boolean(a == b); break;
-    case Op::Ne: r = vb::boolean(a != b); break;
-    case Op::Lt: r = vb::boolean(a < b); break;
-    case Op::Gt: r = vb::boolean(a > b); break;
-    case Op::Le: r = vb::boolean(a <= b); break;
-    case Op::Ge: r = vb::boolean(a >= b); break;
-    case Op::And: r = vb::bitAnd(a, b, e); break;
-    case Op::Or: r = vb::bitOr(a, b, e); break;
-    case Op::Xor: r = vb::bitXor(a, b, e); break;
-    case Op::Eqv: r = vb::bitEqv(a, b, e); break;
-    case Op::Imp: r = vb::bitImp(a, b, e); break;
-    case Op::Round2: r = vb::round(a, b, e); break;
+    case Op::Add: v = vb::add(a.value, b.value, e); break;
+    case Op::Sub: v = vb::sub(a.value, b.value, e); break;
+    case Op::Mul: v = vb::mul(a.value, b.value, e); break;
+    case Op::Div: v = vb::div(a.value, b.value, e); break;
+    case Op::Pow: v = vb::pow(a.value, b.value, e); break;
+    case Op::IntDiv: v = vb::intDiv(a.value, b.value, e); break;
+    case Op::Mod: v = vb::mod(a.value, b.value, e); break;
+    case Op::Eq: v = vb::boolean(x == y); break;
+    case Op::Ne: v = vb::boolean(x != y); break;
+    case Op::Lt: v = vb::boolean(x < y); break;
+    case Op::Gt: v = vb::boolean(x > y); break;
+    case Op::Le: v = vb::boolean(x <= y); break;
+    case Op::Ge: v = vb::boolean(x >= y); break;
+    case Op::And: v = vb::bitAnd(a.value, b.value, e); break;
+    case Op::Or: v = vb::bitOr(a.value, b.value, e); break;
+    case Op::Xor: v = vb::bitXor(a.value, b.value, e); break;
+    case Op::Eqv: v = vb::bitEqv(a.value, b.value, e); break;
+    case Op::Imp: v = vb::bitImp(a.value, b.value, e); break;
+    case Op::Round2: v = vb::round(a.value, b.value, e); break;
     default: return false;
   }
-  return e == 0;
+  if (e) return false;
+  r.type = resultType(op, a.type, b.type);
+  r.value = vb::settle(v, r.type);
+  return true;
 }
 
 // The operator with its right operand held in the instruction, if there is one.
@@ -200,6 +219,7 @@ enum class Type : uint8_t { Number, Text };
 struct Operand {
   size_t start;  // first instruction of the operand's code
   Type type;
+  Subtype subtype = Subtype::Double;  // a number's kind, as far as it is known here
 };
 
 class Parser {
@@ -207,6 +227,11 @@ class Parser {
   Parser(std::string_view text, const Scope& scope, CompileOptions options)
       : lexer_(text), scope_(scope), options_(options), program_(std::make_unique<Program>()) {
     program_->isStatement = options.statements;
+    // Room for the instructions a text of this length usually needs, so that a long
+    // formula is not copied again and again as it grows.
+    size_t room = text.size() / 2 + 2;
+    program_->code.reserve(room);
+    program_->positions.reserve(room);
     advance();
   }
 
@@ -227,7 +252,7 @@ class Parser {
     }
     emit(Op::Return, cur_, 0);
     if (options_.optimize) pairSinCos();
-    program_->plain = program_->maxTextDepth == 0 && !program_->lateBound && !options_.statements &&
+    program_->plain = !singles_ && program_->maxTextDepth == 0 && !program_->lateBound && !options_.statements &&
                       program_->maxDepth + 2 <= PlainStackDepth;
     return std::move(program_);
   }
@@ -268,19 +293,44 @@ class Parser {
     return static_cast<int32_t>(program_->names.size() - 1);
   }
 
-  Operand pushConst(double value, const Token& at) {
+  // A number of kind `type`; a Single anywhere means the kinds of numbers can change
+  // values, so the program runs where numbers carry their kinds.
+  Operand number(size_t start, Subtype type) {
+    if (type == Subtype::Single) singles_ = true;
+    return {start, Type::Number, type};
+  }
+
+  Operand pushConst(Number constant, const Token& at) {
     size_t i = emit(Op::Const, at, 1);
-    last().value = value;
-    return {i, Type::Number};
+    last().value = constant.value;
+    last().type = constant.type;
+    return number(i, constant.type);
   }
 
   Operand pushField(const Binding& b, const Token& at) {
     size_t i = emit(b.kind == Binding::Kind::Int32 ? Op::LoadInt : Op::LoadDouble, at, 1);
-    if (b.kind == Binding::Kind::Int32)
+    if (b.kind == Binding::Kind::Int32) {
       last().intField = b.intField;
-    else
-      last().field = b.field;
-    return {i, Type::Number};
+      return number(i, Subtype::Long);
+    }
+    last().field = b.field;
+    return number(i, Subtype::Double);
+  }
+
+  // A formula reads a variable as the kind of number it holds now (the engine compiles
+  // the formula again when a statement changes that kind); a statement line, which may
+  // change it itself, reads the kind when it runs.
+  Operand pushVariable(Variable* v, const Token& at) {
+    if (options_.statements) {
+      size_t i = emit(Op::LoadVar, at, 1);
+      last().variable = v;
+      return number(i, Subtype::Variant);
+    }
+    size_t i = emit(Op::LoadDouble, at, 1);
+    last().field = &v->value;
+    last().type = v->type;
+    program_->bindsVariables = true;
+    return number(i, v->type);
   }
 
   // An instruction that raises `number` when reached, after its `popped` arguments.
@@ -288,13 +338,14 @@ class Parser {
     emit(Op::Fail, at, 1 - popped);
     last().index = addName(name);
     last().error = number;
-    return {start, Type::Number};
+    return {start, Type::Number, Subtype::Variant};
   }
 
   void toNumber(Operand& o, const Token& at) {
     if (o.type == Type::Text) {
       emit(Op::TextToNumber, at, 1, -1);
       o.type = Type::Number;
+      o.subtype = Subtype::Double;
     }
   }
 
@@ -313,44 +364,57 @@ class Parser {
     return o.start + 1 == program_->code.size() && program_->code[o.start].op == Op::LoadDouble;
   }
 
+  static Number constant(const Instr& in) { return {in.value, in.type}; }
+
   Operand unary(Op op, Operand o, const Token& at) {
-    double r;
-    if (options_.optimize && isSingleConst(o) && foldUnary(op, last().value, r)) {
-      last().value = r;
-      return o;
+    Subtype type = resultType(op, o.subtype);
+    Number r;
+    if (options_.optimize && isSingleConst(o) && foldUnary(op, constant(last()), r)) {
+      last().value = r.value;
+      last().type = r.type;
+      return number(o.start, r.type);
     }
     Op fused;
-    if (options_.optimize && isSingleField(o) && fieldForm(op, fused)) {
+    if (options_.optimize && type == Subtype::Double && isSingleField(o) && fieldForm(op, fused)) {
       last().op = fused;  // the field stays where LoadDouble held it
       program_->positions.back() = {at.line, at.column};
-      return o;
+      return number(o.start, type);
     }
     emit(op, at, 0);
-    return o;
+    return number(o.start, type);
   }
 
+  // Fused instructions compute with plain doubles, so only a Double result is fused; a
+  // field of the math object is a Double, as is a variable that holds one.
   Operand binary(Op op, Operand left, Operand right, const Token& at) {
     auto& code = program_->code;
+    Subtype type = resultType(op, left.subtype, right.subtype);
+    Operand result = number(left.start, type);
     if (options_.optimize && right.start + 1 == code.size()) {
-      double r;
+      Number r;
       if (left.start + 2 == code.size() && code[left.start].op == Op::Const && code[right.start].op == Op::Const &&
-          foldBinary(op, code[left.start].value, code[right.start].value, r)) {
+          foldBinary(op, constant(code[left.start]), constant(code[right.start]), r)) {
         code.pop_back();
         program_->positions.pop_back();
         --depth_;
-        code.back().value = r;
-        return {left.start, Type::Number};
+        code.back().value = r.value;
+        code.back().type = r.type;
+        return number(left.start, r.type);
+      }
+      if (type != Subtype::Double) {
+        emit(op, at, -1);
+        return result;
       }
       if (left.start + 2 == code.size() && fusePair(op, code[left.start], code.back())) {
         code.pop_back();
         program_->positions.pop_back();
         program_->positions.back() = {at.line, at.column};
         --depth_;
-        return {left.start, Type::Number};
+        return result;
       }
       if (fuseWithPair(op, code.back(), {at.line, at.column})) {
         --depth_;
-        return {left.start, Type::Number};
+        return result;
       }
       if (left.start + 2 == code.size() && (op == Op::Add || op == Op::Sub) && code.back().op == Op::Const) {
         double addend = op == Op::Sub ? -code.back().value : code.back().value;  // exactly a + (-c)
@@ -358,7 +422,7 @@ class Parser {
           code.pop_back();
           program_->positions.pop_back();
           --depth_;
-          return {left.start, Type::Number};
+          return result;
         }
       }
       Instr& in = code.back();
@@ -371,32 +435,34 @@ class Parser {
         if (fused == Op::PowConst && in.value == 3) in.op = Op::Cube;
         program_->positions.back() = {at.line, at.column};
         --depth_;
-        return {left.start, Type::Number};
+        return result;
       }
     }
     emit(op, at, -1);
-    return {left.start, Type::Number};
+    return result;
   }
 
   // Sin(x) and Cos(x) in one formula share one computation: the first computes both and
   // keeps the other for the second. Only across code that cannot change the field (no
-  // calls, no stores) and only for the first such pair.
+  // calls, no stores) and only for the first such pair. One pass: for each field, the
+  // first Sin or Cos since the last call or store waits for its partner.
   void pairSinCos() {
     auto& code = program_->code;
-    for (size_t i = 0; i < code.size(); ++i) {
-      if (code[i].op != Op::SinVar && code[i].op != Op::CosVar) continue;
-      Op other = code[i].op == Op::SinVar ? Op::CosVar : Op::SinVar;
-      for (size_t j = i + 1; j < code.size(); ++j) {
-        const Instr& in = code[j];
-        if (in.op == Op::Call || in.op == Op::CallVar || in.op == Op::StoreDouble || in.op == Op::StoreInt ||
-            in.op == Op::StoreName)
-          return;
-        if (in.op == other && in.field == code[i].field) {
-          code[i].op = code[i].op == Op::SinVar ? Op::SinKeepCos : Op::CosKeepSin;
-          code[j].op = Op::PushKept;
-          return;
-        }
+    std::unordered_map<const double*, size_t> waiting;
+    for (size_t j = 0; j < code.size(); ++j) {
+      Instr& in = code[j];
+      if (in.op == Op::Call || in.op == Op::CallVar || in.op == Op::StoreDouble || in.op == Op::StoreInt ||
+          in.op == Op::StoreVar || in.op == Op::StoreName) {
+        waiting.clear();
+        continue;
       }
+      if (in.op != Op::SinVar && in.op != Op::CosVar) continue;
+      auto [it, first] = waiting.try_emplace(in.field, j);
+      Instr& partner = code[it->second];
+      if (first || partner.op == in.op) continue;
+      partner.op = partner.op == Op::SinVar ? Op::SinKeepCos : Op::CosKeepSin;
+      in.op = Op::PushKept;
+      return;
     }
   }
 
@@ -453,9 +519,9 @@ class Parser {
   Operand prefix(int prec) {
     Token t = advance();
     switch (t.kind) {
-      case Tok::Number: return pushConst(t.number, t);
-      case Tok::True: return pushConst(vb::True, t);
-      case Tok::False: return pushConst(vb::False, t);
+      case Tok::Number: return pushConst({t.number, t.type}, t);
+      case Tok::True: return pushConst({vb::True, Subtype::Boolean}, t);
+      case Tok::False: return pushConst({vb::False, Subtype::Boolean}, t);
       case Tok::Text: {
         size_t i = emit(Op::PushText, t, 0, 1);
         program_->texts.push_back(unquote(t.text));
@@ -469,8 +535,7 @@ class Parser {
         return o;
       }
       case Tok::Minus: case Tok::Plus: {
-        // Negation binds looser than ^ (-2^2 is -4), but in 2^-1 it takes only the
-        // operand that follows, so ^ stays left-associative.
+        // The sign takes only the operand that follows: -2^2 is (-2)^2.
         Operand o = parse(std::max(prec, int(PUnary)));
         toNumber(o, t);
         return t.kind == Tok::Minus ? unary(Op::Neg, o, t) : o;
@@ -513,43 +578,49 @@ class Parser {
       }
       emit(Op::CompareText, at, 1, -2);
       last().compare = static_cast<uint8_t>(static_cast<int>(kind) - static_cast<int>(Tok::Eq));
-      return {left.start, Type::Number};
+      return number(left.start, Subtype::Boolean);
     }
     if (deferred && prec == PCompare && left.type != right.type) {
       emit(Op::CompareMixed, at, 0, -1);
       last().compare = static_cast<uint8_t>(static_cast<int>(kind) - static_cast<int>(Tok::Eq)) |
                        (left.type == Type::Number ? 0x80 : 0);
-      return {left.start, Type::Number};
+      return number(left.start, Subtype::Boolean);
     }
     if (left.type == Type::Text) {  // a text left of +, converted beneath the right operand
       emit(Op::TextToNumber, at, 1, -1);
       last().compare = 1;
       left.type = Type::Number;
+      left.subtype = Subtype::Double;
     }
     toNumber(right, at);
     return binary(binaryOp(kind), left, right, at);
   }
 
-  // "( arguments )" after a callable name, each converted to a number; their count.
-  int arguments() {
-    advance();
+  // "( arguments )" after a callable name, each converted to a number.
+  struct Arguments {
     int count = 0;
+    Subtype first = Subtype::Variant;  // the kind of the first argument
+  };
+
+  Arguments arguments() {
+    advance();
+    Arguments args;
     if (cur_.kind == Tok::RParen) {
       advance();
-      return 0;
+      return args;
     }
     for (;;) {
       Token first = cur_;
       Operand a = parse(Lowest);
       toNumber(a, first);
-      ++count;
+      if (args.count++ == 0) args.first = a.subtype;
       if (cur_.kind == Tok::Comma) {
         advance();
         continue;
       }
       if (cur_.kind != Tok::RParen) failAt(cur_, err::ExpectedRParen);
       advance();
-      return count;
+      return args;
     }
   }
 
@@ -559,15 +630,16 @@ class Parser {
     if (cur_.kind == Tok::Dot) return member(t, lower, start);
     if (const Builtin* b = findBuiltin(lower)) {
       if (cur_.kind != Tok::LParen) return pushFail(err::WrongArguments, t, t.text, start, 0);
-      int count = arguments();
-      bool round2 = b->op == Op::Round && count == 2;
-      if (count != 1 && !round2) return pushFail(err::WrongArguments, t, t.text, start, count);
+      Arguments args = arguments();
+      bool round2 = b->op == Op::Round && args.count == 2;
+      if (args.count != 1 && !round2) return pushFail(err::WrongArguments, t, t.text, start, args.count);
       if (round2) {
-        // Only a constant second argument is folded, and a constant is one instruction.
-        Operand places{program_->code.size() - 1, Type::Number};
-        return binary(Op::Round2, {start, Type::Number}, places, t);
+        // Only a constant second argument is folded, and a constant is one instruction;
+        // the result's kind is the first argument's.
+        Operand places{program_->code.size() - 1, Type::Number, Subtype::Variant};
+        return binary(Op::Round2, {start, Type::Number, args.first}, places, t);
       }
-      return unary(b->op, {start, Type::Number}, t);
+      return unary(b->op, {start, Type::Number, args.first}, t);
     }
     return use(scope_.lookup(lower), t, t.text, start, 0);
   }
@@ -596,7 +668,7 @@ class Parser {
   Operand use(const Binding& b, const Token& at, std::string_view display, size_t start, int32_t unbound) {
     using K = Binding::Kind;
     if (cur_.kind == Tok::LParen) {
-      int count = arguments();
+      int count = arguments().count;
       if (b.kind == K::Function && count == 1) {
         if (options_.optimize && isSingleField({start, Type::Number})) {
           Instr& in = last();
@@ -604,20 +676,21 @@ class Parser {
           in.op = Op::CallVar;
           in.call = {b.function, b.self, argument};
           program_->positions.back() = {at.line, at.column};
-          return {start, Type::Number};
+          return number(start, Subtype::Double);
         }
         emit(Op::Call, at, 0);
         last().call = {b.function, b.self, nullptr};
-        return {start, Type::Number};
+        return number(start, Subtype::Double);
       }
-      int32_t number = b.kind == K::Function ? err::WrongArguments
-                       : b.kind == K::Object ? err::NoSuchMember
-                       : unbound          ? unbound
-                                          : err::TypeMismatch;
-      return pushFail(number, at, display, start, count);
+      int32_t error = b.kind == K::Function ? err::WrongArguments
+                      : b.kind == K::Object ? err::NoSuchMember
+                      : unbound          ? unbound
+                                         : err::TypeMismatch;
+      return pushFail(error, at, display, start, count);
     }
     switch (b.kind) {
-      case K::Double: case K::Int32: case K::Variable: return pushField(b, at);
+      case K::Double: case K::Int32: return pushField(b, at);
+      case K::Variable: return pushVariable(b.variable, at);
       case K::Function: return pushFail(err::WrongArguments, at, display, start, 0);
       case K::Object: return pushFail(err::NoSuchMember, at, display, start, 0);
       case K::None: break;
@@ -626,7 +699,7 @@ class Parser {
     emit(Op::LoadName, at, 1);
     last().index = addName(display);
     program_->lateBound = true;
-    return {start, Type::Number};
+    return {start, Type::Number, Subtype::Variant};
   }
 
   // name = expression, or object.member = expression.
@@ -660,9 +733,13 @@ class Parser {
     toNumber(value, first);
     using K = Binding::Kind;
     switch (b.kind) {
-      case K::Double: case K::Variable:
+      case K::Double:
         emit(Op::StoreDouble, target, -1);
         last().field = b.field;
+        break;
+      case K::Variable:
+        emit(Op::StoreVar, target, -1);
+        last().variable = b.variable;
         break;
       case K::Int32:
         emit(Op::StoreInt, target, -1);
@@ -687,6 +764,7 @@ class Parser {
   int depth_ = 0;
   int textDepth_ = 0;
   int nesting_ = 0;
+  bool singles_ = false;  // some number may be a Single
 };
 
 }  // namespace

@@ -39,9 +39,18 @@ int32_t pushText(Texts& texts, const std::string& text) noexcept {
   }
 }
 
-int32_t pushNumberText(Texts& texts, double value) noexcept {
+// A number as text: a Boolean as True or False, a Single to seven digits.
+std::string numberText(double value, Subtype kind) {
+  switch (kind) {
+    case Subtype::Boolean: return value != 0 ? "True" : "False";
+    case Subtype::Single: return formatSingle(static_cast<float>(value));
+    default: return formatGeneral(value);
+  }
+}
+
+int32_t pushNumberText(Texts& texts, double value, Subtype kind) noexcept {
   try {
-    texts.push_back(formatGeneral(value));
+    texts.push_back(numberText(value, kind));
     return 0;
   } catch (const RuntimeError& e) {
     return e.number();
@@ -84,9 +93,9 @@ int compareMixed(double number, const std::string& text) noexcept {
   }
 }
 
-int32_t storeName(Variables& variables, const std::string& key, double value) noexcept {
+int32_t storeName(Variables& variables, const std::string& key, double value, Subtype kind) noexcept {
   try {
-    *variables.create(key) = value;
+    variables.assign(*variables.create(key), value, kind);
     return 0;
   } catch (const std::bad_alloc&) {
     return OutOfMemory;
@@ -99,31 +108,57 @@ template <bool General>
 const void* const* handlerTable = nullptr;
 
 // The evaluation loop. The plain instance serves formulas of numbers and bound names
-// only (the sampling loops); the general one adds texts, late names and statements.
+// only, with no Single among them (the sampling loops), and keeps no kinds; the general
+// one adds texts, late names, statements and the kinds of numbers.
 template <bool General>
 Evaluation run(const Program& p, Variables& variables) noexcept {
   const Instr* const code = p.code.data();
   const Instr* ip = code;
   int32_t error = 0;
-  // The stack lives on the native stack unless the program is too deep for it.
+  // The stack lives on the native stack unless the program is too deep for it. The
+  // general loop keeps each number's kind beside it; the plain one has no use for kinds.
   double local[PlainStackDepth];
+  Subtype localKinds[General ? PlainStackDepth : 1];
   std::unique_ptr<double[]> heap;
+  std::unique_ptr<Subtype[]> heapKinds;
   double* stack = local;
+  Subtype* kinds = localKinds;
   if (General && p.maxDepth + 2 > PlainStackDepth) {
-    heap.reset(new (std::nothrow) double[static_cast<size_t>(p.maxDepth) + 2]);
-    if (!heap) return {0, OutOfMemory, 0};
+    size_t depth = static_cast<size_t>(p.maxDepth) + 2;
+    heap.reset(new (std::nothrow) double[depth]);
+    heapKinds.reset(new (std::nothrow) Subtype[depth]);
+    if (!heap || !heapKinds) return {0, OutOfMemory, 0};
     stack = heap.get();
+    kinds = heapKinds.get();
   }
   Texts texts;
   double* sp = stack;  // the entries below the top; the top itself lives in `top`
+  Subtype* kp = kinds;  // their kinds, likewise
   double top = 0;
+  Subtype kind = Subtype::Double;
   double kept = 0;     // the second of a Sin/Cos pair, until PushKept
 
-#define PUSH(v)  \
-  do {           \
-    *++sp = top; \
-    top = (v);   \
+#define PUSH(v, k)           \
+  do {                       \
+    *++sp = top;             \
+    top = (v);               \
+    if constexpr (General) { \
+      *++kp = kind;          \
+      kind = (k);            \
+    }                        \
   } while (0)
+#define POP                             \
+  do {                                  \
+    top = *sp--;                        \
+    if constexpr (General) kind = *kp--; \
+  } while (0)
+// The top becomes a number of kind `k`, promoted past an overflow or rounded to single
+// precision as that kind requires.
+#define KIND(k)                  \
+  if constexpr (General) {       \
+    kind = (k);                  \
+    top = vb::settle(top, kind); \
+  }
 #define FAIL_IF(e)        \
   if (e) [[unlikely]] {   \
     error = e;            \
@@ -134,33 +169,54 @@ Evaluation run(const Program& p, Variables& variables) noexcept {
 // predicts far better than one shared switch jump.
 #define NEXT goto*(++ip)->handler
 #define CASE(name) op_##name:
-#define CHECKED(expr)     \
+#define UNARY(expr, op)             \
+  {                                 \
+    top = (expr);                   \
+    KIND(resultType(op, kind));     \
+    NEXT;                           \
+  }
+#define CHECKED(expr, k)  \
   {                       \
     int32_t e = 0;        \
     top = (expr);         \
     FAIL_IF(e);           \
+    KIND(k);              \
     NEXT;                 \
   }
-#define BINARY(fn)         \
-  {                        \
-    int32_t e = 0;         \
-    double a = *sp--;      \
-    top = fn(a, top, e);   \
-    FAIL_IF(e);            \
-    NEXT;                  \
+#define BINARY(fn, op)                                           \
+  {                                                              \
+    int32_t e = 0;                                               \
+    double a = *sp--;                                            \
+    if constexpr (General) kind = resultType(op, *kp--, kind);   \
+    top = fn(a, top, e);                                         \
+    FAIL_IF(e);                                                  \
+    if constexpr (General) top = vb::settle(top, kind);          \
+    NEXT;                                                        \
+  }
+#define COMPARE(rel)                                  \
+  {                                                   \
+    double a = *sp--;                                 \
+    if constexpr (General) {                          \
+      vb::alignForComparison(a, *kp--, top, kind);    \
+      kind = Subtype::Boolean;                        \
+    }                                                 \
+    top = vb::boolean(a rel top);                     \
+    NEXT;                                             \
   }
 // An inner operation and the outer one that takes its result, both failing as overflow.
-#define PAIR(innerExpr, outerExpr)              \
-  {                                             \
-    double inner = (innerExpr);                 \
-    double outer = (outerExpr);                 \
-    if (!std::isfinite(outer)) [[unlikely]] {   \
+// Fused instructions compute Doubles only.
+#define PAIR(innerExpr, outerExpr)                \
+  {                                               \
+    double inner = (innerExpr);                   \
+    double outer = (outerExpr);                   \
+    if (!std::isfinite(outer)) [[unlikely]] {     \
       if (!std::isfinite(inner)) goto innerFault; \
-      error = err::Overflow;                    \
-      goto fault;                               \
-    }                                           \
-    top = outer;                                \
-    NEXT;                                       \
+      error = err::Overflow;                      \
+      goto fault;                                 \
+    }                                             \
+    top = outer;                                  \
+    if constexpr (General) kind = Subtype::Double; \
+    NEXT;                                         \
   }
 #define GENERAL_ONLY(body)     \
   if constexpr (General) {     \
@@ -170,6 +226,7 @@ Evaluation run(const Program& p, Variables& variables) noexcept {
   }                            \
   NEXT;
 
+  constexpr Subtype Double = Subtype::Double;
   static const void* const labels[] = {
 #define ORVANE_ENGINE_OP_LABEL(name) &&op_##name,
       ORVANE_ENGINE_OPS(ORVANE_ENGINE_OP_LABEL)
@@ -180,97 +237,97 @@ Evaluation run(const Program& p, Variables& variables) noexcept {
     return {};
   }
   goto* ip->handler;
-  CASE(Const) PUSH(ip->value); NEXT;
-  CASE(LoadDouble) PUSH(*ip->field); NEXT;
-  CASE(LoadInt) PUSH(*ip->intField); NEXT;
+  CASE(Const) PUSH(ip->value, ip->type); NEXT;
+  CASE(LoadDouble) PUSH(*ip->field, ip->type); NEXT;
+  CASE(LoadInt) PUSH(*ip->intField, Subtype::Long); NEXT;
 
-  CASE(Neg) top = -top; NEXT;
-  CASE(Not) CHECKED(vb::bitNot(top, e));
-  CASE(Square) CHECKED(vb::checked(top * top, e));
-  CASE(Cube) CHECKED(vb::checked(top * top * top, e));
-  CASE(Abs) top = vb::abs(top); NEXT;
-  CASE(Atn) top = vb::atn(top); NEXT;
-  CASE(Cos) top = vb::cos(top); NEXT;
-  CASE(Exp) CHECKED(vb::exp(top, e));
-  CASE(Fix) top = vb::fix(top); NEXT;
-  CASE(Int) top = vb::intPart(top); NEXT;
-  CASE(Log) CHECKED(vb::log(top, e));
-  CASE(Round) top = vb::round(top); NEXT;
-  CASE(Sgn) top = vb::sgn(top); NEXT;
-  CASE(Sin) top = vb::sin(top); NEXT;
-  CASE(Sqr) CHECKED(vb::sqr(top, e));
-  CASE(Tan) CHECKED(vb::tan(top, e));
-  CASE(CDbl) NEXT;
-  CASE(CInt) CHECKED(vb::cint(top, e));
-  CASE(CLng) CHECKED(vb::clng(top, e));
-  CASE(CSng) CHECKED(vb::csng(top, e));
-  CASE(CBool) top = vb::cbool(top); NEXT;
-  CASE(Call) CHECKED(ip->call.function(*ip->call.self, top, e));
+  CASE(Neg) UNARY(-top, Op::Neg);
+  CASE(Not) CHECKED(vb::bitNot(top, e), resultType(Op::Not, kind));
+  CASE(Square) CHECKED(vb::checked(top * top, e), Double);
+  CASE(Cube) CHECKED(vb::checked(top * top * top, e), Double);
+  CASE(Abs) UNARY(vb::abs(top), Op::Abs);
+  CASE(Atn) UNARY(vb::atn(top), Op::Atn);
+  CASE(Cos) UNARY(vb::cos(top), Op::Cos);
+  CASE(Exp) CHECKED(vb::exp(top, e), Double);
+  CASE(Fix) UNARY(vb::fix(top), Op::Fix);
+  CASE(Int) UNARY(vb::intPart(top), Op::Int);
+  CASE(Log) CHECKED(vb::log(top, e), Double);
+  CASE(Round) UNARY(vb::round(top), Op::Round);
+  CASE(Sgn) UNARY(vb::sgn(top), Op::Sgn);
+  CASE(Sin) UNARY(vb::sin(top), Op::Sin);
+  CASE(Sqr) CHECKED(vb::sqr(top, e), Double);
+  CASE(Tan) CHECKED(vb::tan(top, e), Double);
+  CASE(CDbl) UNARY(top, Op::CDbl);
+  CASE(CInt) CHECKED(vb::cint(top, e), Subtype::Integer);
+  CASE(CLng) CHECKED(vb::clng(top, e), Subtype::Long);
+  CASE(CSng) CHECKED(vb::csng(top, e), Subtype::Single);
+  CASE(CBool) UNARY(vb::cbool(top), Op::CBool);
+  CASE(Call) CHECKED(ip->call.function(*ip->call.self, top, e), Double);
 
-  CASE(Add) BINARY(vb::add);
-  CASE(Sub) BINARY(vb::sub);
-  CASE(Mul) BINARY(vb::mul);
-  CASE(Div) BINARY(vb::div);
-  CASE(Pow) BINARY(vb::pow);
-  CASE(IntDiv) BINARY(vb::intDiv);
-  CASE(Mod) BINARY(vb::mod);
-  CASE(Eq) top = vb::boolean(*sp-- == top); NEXT;
-  CASE(Ne) top = vb::boolean(*sp-- != top); NEXT;
-  CASE(Lt) top = vb::boolean(*sp-- < top); NEXT;
-  CASE(Gt) top = vb::boolean(*sp-- > top); NEXT;
-  CASE(Le) top = vb::boolean(*sp-- <= top); NEXT;
-  CASE(Ge) top = vb::boolean(*sp-- >= top); NEXT;
-  CASE(And) BINARY(vb::bitAnd);
-  CASE(Or) BINARY(vb::bitOr);
-  CASE(Xor) BINARY(vb::bitXor);
-  CASE(Eqv) BINARY(vb::bitEqv);
-  CASE(Imp) BINARY(vb::bitImp);
-  CASE(Round2) BINARY(vb::round);
+  CASE(Add) BINARY(vb::add, Op::Add);
+  CASE(Sub) BINARY(vb::sub, Op::Sub);
+  CASE(Mul) BINARY(vb::mul, Op::Mul);
+  CASE(Div) BINARY(vb::div, Op::Div);
+  CASE(Pow) BINARY(vb::pow, Op::Pow);
+  CASE(IntDiv) BINARY(vb::intDiv, Op::IntDiv);
+  CASE(Mod) BINARY(vb::mod, Op::Mod);
+  CASE(Eq) COMPARE(==);
+  CASE(Ne) COMPARE(!=);
+  CASE(Lt) COMPARE(<);
+  CASE(Gt) COMPARE(>);
+  CASE(Le) COMPARE(<=);
+  CASE(Ge) COMPARE(>=);
+  CASE(And) BINARY(vb::bitAnd, Op::And);
+  CASE(Or) BINARY(vb::bitOr, Op::Or);
+  CASE(Xor) BINARY(vb::bitXor, Op::Xor);
+  CASE(Eqv) BINARY(vb::bitEqv, Op::Eqv);
+  CASE(Imp) BINARY(vb::bitImp, Op::Imp);
+  CASE(Round2) BINARY(vb::round, Op::Round2);
 
-  CASE(AddConst) CHECKED(vb::add(top, ip->value, e));
-  CASE(MulConst) CHECKED(vb::mul(top, ip->value, e));
-  CASE(DivConst) CHECKED(vb::div(top, ip->value, e));
-  CASE(PowConst) CHECKED(vb::pow(top, ip->value, e));
-  CASE(AddVar) CHECKED(vb::add(top, *ip->field, e));
-  CASE(SubVar) CHECKED(vb::sub(top, *ip->field, e));
-  CASE(MulVar) CHECKED(vb::mul(top, *ip->field, e));
-  CASE(DivVar) CHECKED(vb::div(top, *ip->field, e));
-  CASE(PowVar) CHECKED(vb::pow(top, *ip->field, e));
-  CASE(VarAddConst) PUSH(0); CHECKED(vb::add(*ip->withConst.field, ip->withConst.value, e));
-  CASE(VarMulConst) PUSH(0); CHECKED(vb::mul(*ip->withConst.field, ip->withConst.value, e));
-  CASE(ConstSubVar) PUSH(0); CHECKED(vb::sub(ip->withConst.value, *ip->withConst.field, e));
-  CASE(VarAddVar) PUSH(0); CHECKED(vb::add(*ip->fields.left, *ip->fields.right, e));
-  CASE(VarSubVar) PUSH(0); CHECKED(vb::sub(*ip->fields.left, *ip->fields.right, e));
-  CASE(VarMulVar) PUSH(0); CHECKED(vb::mul(*ip->fields.left, *ip->fields.right, e));
+  CASE(AddConst) CHECKED(vb::add(top, ip->value, e), Double);
+  CASE(MulConst) CHECKED(vb::mul(top, ip->value, e), Double);
+  CASE(DivConst) CHECKED(vb::div(top, ip->value, e), Double);
+  CASE(PowConst) CHECKED(vb::pow(top, ip->value, e), Double);
+  CASE(AddVar) CHECKED(vb::add(top, *ip->field, e), Double);
+  CASE(SubVar) CHECKED(vb::sub(top, *ip->field, e), Double);
+  CASE(MulVar) CHECKED(vb::mul(top, *ip->field, e), Double);
+  CASE(DivVar) CHECKED(vb::div(top, *ip->field, e), Double);
+  CASE(PowVar) CHECKED(vb::pow(top, *ip->field, e), Double);
+  CASE(VarAddConst) PUSH(0, Double); CHECKED(vb::add(*ip->withConst.field, ip->withConst.value, e), Double);
+  CASE(VarMulConst) PUSH(0, Double); CHECKED(vb::mul(*ip->withConst.field, ip->withConst.value, e), Double);
+  CASE(ConstSubVar) PUSH(0, Double); CHECKED(vb::sub(ip->withConst.value, *ip->withConst.field, e), Double);
+  CASE(VarAddVar) PUSH(0, Double); CHECKED(vb::add(*ip->fields.left, *ip->fields.right, e), Double);
+  CASE(VarSubVar) PUSH(0, Double); CHECKED(vb::sub(*ip->fields.left, *ip->fields.right, e), Double);
+  CASE(VarMulVar) PUSH(0, Double); CHECKED(vb::mul(*ip->fields.left, *ip->fields.right, e), Double);
 
-  CASE(VarDivConst) PUSH(0); CHECKED(vb::div(*ip->withConst.field, ip->withConst.value, e));
-  CASE(ConstDivVar) PUSH(0); CHECKED(vb::div(ip->withConst.value, *ip->withConst.field, e));
-  CASE(VarSquare) PUSH(0); CHECKED(vb::checked(*ip->withConst.field * *ip->withConst.field, e));
+  CASE(VarDivConst) PUSH(0, Double); CHECKED(vb::div(*ip->withConst.field, ip->withConst.value, e), Double);
+  CASE(ConstDivVar) PUSH(0, Double); CHECKED(vb::div(ip->withConst.value, *ip->withConst.field, e), Double);
+  CASE(VarSquare) PUSH(0, Double); CHECKED(vb::checked(*ip->withConst.field * *ip->withConst.field, e), Double);
   CASE(VarCube) {
-    PUSH(0);
+    PUSH(0, Double);
     double v = *ip->withConst.field;
-    CHECKED(vb::checked(v * v * v, e));
+    CHECKED(vb::checked(v * v * v, e), Double);
   }
   // The fused pairs test only their result: a non-finite operand never gives a finite
   // sum or product, so a finite result means the inner operation succeeded too.
   CASE(MulVarAddConst) PAIR(*ip->withConst.field + ip->withConst.value, top * inner);
   CASE(AddVarMulConst) PAIR(*ip->withConst.field * ip->withConst.value, top + inner);
   CASE(SubVarMulConst) PAIR(*ip->withConst.field * ip->withConst.value, top - inner);
-  CASE(VarMulConstAddConst) PUSH(0); PAIR(*ip->withConst.field * ip->withConst.value, inner + ip->withConst.addend);
-  CASE(VarMulVarAddConst) PUSH(0); PAIR(*ip->fields.left * *ip->fields.right, inner + ip->fields.addend);
+  CASE(VarMulConstAddConst) PUSH(0, Double); PAIR(*ip->withConst.field * ip->withConst.value, inner + ip->withConst.addend);
+  CASE(VarMulVarAddConst) PUSH(0, Double); PAIR(*ip->fields.left * *ip->fields.right, inner + ip->fields.addend);
 
-  CASE(AbsVar) PUSH(vb::abs(*ip->field)); NEXT;
-  CASE(AtnVar) PUSH(vb::atn(*ip->field)); NEXT;
-  CASE(CosVar) PUSH(vb::cos(*ip->field)); NEXT;
-  CASE(SinVar) PUSH(vb::sin(*ip->field)); NEXT;
-  CASE(ExpVar) PUSH(0); CHECKED(vb::exp(*ip->field, e));
-  CASE(LogVar) PUSH(0); CHECKED(vb::log(*ip->field, e));
-  CASE(SqrVar) PUSH(0); CHECKED(vb::sqr(*ip->field, e));
-  CASE(TanVar) PUSH(0); CHECKED(vb::tan(*ip->field, e));
-  CASE(SinKeepCos) PUSH(0); vb::sinCos(*ip->field, top, kept); NEXT;
-  CASE(CosKeepSin) PUSH(0); vb::sinCos(*ip->field, kept, top); NEXT;
-  CASE(PushKept) PUSH(kept); NEXT;
-  CASE(CallVar) PUSH(0); CHECKED(ip->call.function(*ip->call.self, *ip->call.argument, e));
+  CASE(AbsVar) PUSH(vb::abs(*ip->field), Double); NEXT;
+  CASE(AtnVar) PUSH(vb::atn(*ip->field), Double); NEXT;
+  CASE(CosVar) PUSH(vb::cos(*ip->field), Double); NEXT;
+  CASE(SinVar) PUSH(vb::sin(*ip->field), Double); NEXT;
+  CASE(ExpVar) PUSH(0, Double); CHECKED(vb::exp(*ip->field, e), Double);
+  CASE(LogVar) PUSH(0, Double); CHECKED(vb::log(*ip->field, e), Double);
+  CASE(SqrVar) PUSH(0, Double); CHECKED(vb::sqr(*ip->field, e), Double);
+  CASE(TanVar) PUSH(0, Double); CHECKED(vb::tan(*ip->field, e), Double);
+  CASE(SinKeepCos) PUSH(0, Double); vb::sinCos(*ip->field, top, kept); NEXT;
+  CASE(CosKeepSin) PUSH(0, Double); vb::sinCos(*ip->field, kept, top); NEXT;
+  CASE(PushKept) PUSH(kept, Double); NEXT;
+  CASE(CallVar) PUSH(0, Double); CHECKED(ip->call.function(*ip->call.self, *ip->call.argument, e), Double);
 
   CASE(Fail)
     error = ip->error;
@@ -278,14 +335,16 @@ Evaluation run(const Program& p, Variables& variables) noexcept {
   CASE(Return)
     return {top, 0, 0};
 
+  CASE(LoadVar)
+    GENERAL_ONLY({ PUSH(ip->variable->value, ip->variable->type); })
   CASE(LoadName)
     GENERAL_ONLY({
-      const double* v = variables.find(p.keys[ip->index]);
+      const Variable* v = variables.find(p.keys[ip->index]);
       if (!v) {
         error = err::UndefinedVariable;
         goto fault;
       }
-      PUSH(*v);
+      PUSH(v->value, v->type);
     })
   CASE(PushText)
     GENERAL_ONLY({
@@ -294,19 +353,21 @@ Evaluation run(const Program& p, Variables& variables) noexcept {
     })
   CASE(NumberToText)
     GENERAL_ONLY({
-      int32_t e = pushNumberText(texts, top);
+      int32_t e = pushNumberText(texts, top, kind);
       FAIL_IF(e);
-      top = *sp--;
+      POP;
     })
   CASE(TextToNumber)
     GENERAL_ONLY({
       double v = 0;
       int32_t e = popNumber(texts, v);
       FAIL_IF(e);
-      if (ip->compare)
-        *++sp = v;  // the left operand of +, beneath the right one
-      else
-        PUSH(v);
+      if (ip->compare) {  // the left operand of +, beneath the right one
+        *++sp = v;
+        *++kp = Double;
+      } else {
+        PUSH(v, Double);
+      }
     })
   CASE(Concat)
     GENERAL_ONLY({
@@ -318,7 +379,7 @@ Evaluation run(const Program& p, Variables& variables) noexcept {
       int cmp = texts[texts.size() - 2].compare(texts.back());
       texts.pop_back();
       texts.pop_back();
-      PUSH(vb::boolean(relation(cmp, ip->compare)));
+      PUSH(vb::boolean(relation(cmp, ip->compare)), Subtype::Boolean);
     })
   CASE(CompareMixed)
     GENERAL_ONLY({
@@ -326,11 +387,12 @@ Evaluation run(const Program& p, Variables& variables) noexcept {
       texts.pop_back();
       if (!(ip->compare & 0x80)) cmp = -cmp;  // the text was on the left
       top = vb::boolean(relation(cmp, ip->compare));
+      kind = Subtype::Boolean;
     })
   CASE(StoreDouble)
     GENERAL_ONLY({
       *ip->field = top;
-      top = *sp--;
+      POP;
     })
   CASE(StoreInt)
     GENERAL_ONLY({
@@ -338,18 +400,27 @@ Evaluation run(const Program& p, Variables& variables) noexcept {
       int32_t v = vb::toLong(top, e);
       FAIL_IF(e);
       *ip->intField = v;
-      top = *sp--;
+      POP;
+    })
+  CASE(StoreVar)
+    GENERAL_ONLY({
+      variables.assign(*ip->variable, top, kind);
+      POP;
     })
   CASE(StoreName)
     GENERAL_ONLY({
-      int32_t e = storeName(variables, p.keys[ip->index], top);
+      int32_t e = storeName(variables, p.keys[ip->index], top, kind);
       FAIL_IF(e);
-      top = *sp--;
+      POP;
     })
 #undef PUSH
+#undef POP
+#undef KIND
 #undef FAIL_IF
+#undef UNARY
 #undef CHECKED
 #undef BINARY
+#undef COMPARE
 #undef PAIR
 #undef GENERAL_ONLY
 #undef NEXT

@@ -139,19 +139,26 @@ void ExpressionEngine::run(std::string_view text, bool cached) {
     raise(e);
   }
   uint64_t created = scope_.variables.created();
+  uint64_t retyped = scope_.variables.retyped();
   Evaluation ran = execute(*program, scope_.variables);
   std::optional<RuntimeError> error;
   if (ran.error) error.emplace(describeFault(*program, ran.error, ran.faultAt));
+  auto drop = [this](Cache& cache, auto stale) {
+    std::erase_if(cache, [&](const auto& entry) { return stale(*entry.second); });
+    lastProgram_ = nullptr;
+    lastText_ = {};
+  };
   if (scope_.variables.created() != created) {
     // Texts compiled while a name was still undefined look it up on every run; now
     // that it exists, compile them again so they bind it by address.
-    auto dropLateBound = [](Cache& cache) {
-      std::erase_if(cache, [](const auto& entry) { return entry.second->lateBound; });
-    };
-    dropLateBound(expressions_);
-    dropLateBound(statements_);
-    lastProgram_ = nullptr;
-    lastText_ = {};
+    auto lateBound = [](const Program& p) { return p.lateBound; };
+    drop(expressions_, lateBound);
+    drop(statements_, lateBound);
+  }
+  if (scope_.variables.retyped() != retyped) {
+    // A variable now holds another kind of number than the formulas reading it were
+    // compiled for (statements read the kind as they run).
+    drop(expressions_, [](const Program& p) { return p.bindsVariables; });
   }
   if (error) raise(*error);
 }

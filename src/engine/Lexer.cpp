@@ -15,6 +15,7 @@ constexpr size_t MaxIdentifier = 255;
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 bool isHexDigit(char c) { return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
+bool isOctalDigit(char c) { return c >= '0' && c <= '7'; }
 char lower(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c; }
 
 bool sameWord(std::string_view word, std::string_view keyword) {
@@ -94,7 +95,14 @@ Token Lexer::next() {
     if (pos_ - start > MaxIdentifier) return error(err::IdentifierTooLong, start);
     return make(keyword(src_.substr(start, pos_ - start)), start);
   }
-  if (c == '&' && (d == 'h' || d == 'H' || d == 'o' || d == 'O')) return hexOrOctal(start);
+  if (c == '&') {
+    // &H1F and &O17 (or &17) are numbers only with a digit after the prefix; otherwise
+    // "&" concatenates, so "x" &hi joins the text and the variable hi.
+    char digit = pos_ + 2 < src_.size() ? src_[pos_ + 2] : '\0';
+    if ((d == 'h' || d == 'H') && isHexDigit(digit)) return radixNumber(start, 16, 2);
+    if ((d == 'o' || d == 'O') && isOctalDigit(digit)) return radixNumber(start, 8, 2);
+    if (isOctalDigit(d)) return radixNumber(start, 8, 1);
+  }
   if (c == '"') {
     advance(1);
     for (;;) {
@@ -133,7 +141,10 @@ Token Lexer::next() {
     case '\\': return one(Tok::Backslash);
     case '^': return one(Tok::Caret);
     case '&': return one(Tok::Amp);
-    case '=': return one(Tok::Eq);
+    case '=':  // => and =< are the same as >= and <=
+      if (d == '>') return two(Tok::Ge);
+      if (d == '<') return two(Tok::Le);
+      return one(Tok::Eq);
     case ':': return one(Tok::Colon);
     case '\n': return one(Tok::Newline);
     case '<':
@@ -142,6 +153,7 @@ Token Lexer::next() {
       return one(Tok::Lt);
     case '>':
       if (d == '=') return two(Tok::Ge);
+      if (d == '<') return two(Tok::Ne);
       return one(Tok::Gt);
     default:
       advance(1);  // one whole character, even a multi-byte one
@@ -152,8 +164,10 @@ Token Lexer::next() {
 
 Token Lexer::number(size_t start) {
   size_t digitsStart = pos_;
+  bool whole = true;  // digits only: an Integer or a Long when the value fits one
   while (pos_ < src_.size() && isDigit(src_[pos_])) advance(1);
   if (pos_ < src_.size() && src_[pos_] == '.') {
+    whole = false;
     advance(1);
     while (pos_ < src_.size() && isDigit(src_[pos_])) advance(1);
   }
@@ -163,6 +177,7 @@ Token Lexer::number(size_t start) {
     size_t k = pos_ + 1;
     if (k < src_.size() && (src_[k] == '+' || src_[k] == '-')) ++k;
     if (k < src_.size() && isDigit(src_[k])) {
+      whole = false;
       bool negative = src_[pos_ + 1] == '-';
       advance(k - pos_);
       while (pos_ < src_.size() && isDigit(src_[pos_])) {
@@ -196,40 +211,44 @@ Token Lexer::number(size_t start) {
   } else if (ec != std::errc() || ptr != last) {
     return error(err::InvalidNumber, start);
   }
+  t.type = !whole                      ? Subtype::Double
+           : t.number <= 32767.0       ? Subtype::Integer
+           : t.number <= 2147483647.0  ? Subtype::Long
+                                       : Subtype::Double;
   return t;
 }
 
-// &H1F (hexadecimal) and &O17 (octal). Up to four digits' worth of value is a 16-bit
-// integer and up to eight a 32-bit one, so &HFFFF is -1 and &H10000 is 65536.
-Token Lexer::hexOrOctal(size_t start) {
-  bool hex = src_[pos_ + 1] == 'h' || src_[pos_ + 1] == 'H';
-  advance(2);
+// &H1F (hexadecimal), &O17 or &17 (octal), after a prefix of `prefix` characters. The
+// digits are a 16-bit pattern while they fit one (&HFFFF is -1, &H10000 is 65536) and
+// a 32-bit pattern beyond; a trailing & makes them a 32-bit pattern always (&HFFFF& is
+// 65535, &HFFFFFFFF& is -1). The number is an Integer when its value fits one.
+Token Lexer::radixNumber(size_t start, int radix, size_t prefix) {
+  advance(prefix);
   uint64_t value = 0;
-  size_t digits = 0;
-  while (pos_ < src_.size()) {
-    char ch = src_[pos_];
+  for (;;) {
+    char ch = pos_ < src_.size() ? src_[pos_] : '\0';
     int v;
-    if (hex && isHexDigit(ch)) {
+    if (radix == 16 && isHexDigit(ch))
       v = isDigit(ch) ? ch - '0' : lower(ch) - 'a' + 10;
-    } else if (!hex && ch >= '0' && ch <= '7') {
+    else if (radix == 8 && isOctalDigit(ch))
       v = ch - '0';
-    } else {
+    else
       break;
-    }
-    value = value * (hex ? 16 : 8) + static_cast<uint64_t>(v);
+    value = value * static_cast<uint64_t>(radix) + static_cast<uint64_t>(v);
     if (value > 0xFFFFFFFFull) {
-      while (pos_ < src_.size() && (isHexDigit(src_[pos_]))) advance(1);
+      while (pos_ < src_.size() && isHexDigit(src_[pos_])) advance(1);
       return error(err::Overflow, start);
     }
-    ++digits;
     advance(1);
   }
-  if (digits == 0) return error(err::InvalidNumber, start);
+  bool longSuffix = pos_ < src_.size() && src_[pos_] == '&';
+  if (longSuffix) advance(1);
   Token t = make(Tok::Number, start);
-  if (value <= 0xFFFF)
+  if (value <= 0xFFFF && !longSuffix)
     t.number = static_cast<int16_t>(static_cast<uint16_t>(value));
   else
     t.number = static_cast<int32_t>(static_cast<uint32_t>(value));
+  t.type = t.number >= -32768 && t.number <= 32767 ? Subtype::Integer : Subtype::Long;
   return t;
 }
 

@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include "engine/Subtype.h"
+
 namespace orvane {
 
 enum class Tok : uint8_t {
@@ -24,6 +26,7 @@ struct Token {
   int32_t line = 1;
   int32_t column = 1;     // 1-based, counted in characters
   double number = 0;      // Number
+  Subtype type = Subtype::Double;  // Number: an Integer, a Long or a Double
   int32_t error = 0;      // Error: the error number
 };
 
@@ -36,7 +39,7 @@ class Lexer {
   Token make(Tok kind, size_t start) const;
   Token error(int32_t number, size_t start) const;
   Token number(size_t start);
-  Token hexOrOctal(size_t start);
+  Token radixNumber(size_t start, int radix, size_t prefix);
   void advance(size_t n);
 
   std::string_view src_;

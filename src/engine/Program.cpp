@@ -50,10 +50,10 @@ Binding Scope::lookup(std::string_view lower) const {
     b.self = it->second.object;
     return b;
   }
-  if (double* v = variables.find(lower)) {
+  if (Variable* v = variables.find(lower)) {
     Binding b;
     b.kind = Binding::Kind::Variable;
-    b.field = v;
+    b.variable = v;
     return b;
   }
   return {};

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "engine/ScriptObject.h"
+#include "engine/Subtype.h"
 
 namespace orvane {
 
@@ -19,7 +20,7 @@ namespace orvane {
 // in the same order as the enumeration.
 #define ORVANE_ENGINE_OPS(X)                                                              \
   /* Push a value. */                                                                     \
-  X(Const) X(LoadDouble) X(LoadInt) X(LoadName) X(PushText)                               \
+  X(Const) X(LoadDouble) X(LoadInt) X(LoadVar) X(LoadName) X(PushText)                    \
   /* Unary, on the top of the stack. */                                                   \
   X(Neg) X(Not) X(Square) X(Cube)                                                         \
   X(Abs) X(Atn) X(Cos) X(Exp) X(Fix) X(Int) X(Log) X(Round) X(Sgn) X(Sin) X(Sqr) X(Tan)   \
@@ -47,7 +48,7 @@ namespace orvane {
   /* Texts (only for concatenation and comparison). */                                    \
   X(NumberToText) X(TextToNumber) X(Concat) X(CompareText) X(CompareMixed)                \
   /* Statements. */                                                                       \
-  X(StoreDouble) X(StoreInt) X(StoreName)                                                 \
+  X(StoreDouble) X(StoreInt) X(StoreVar) X(StoreName)                                     \
   /* Raise the error held in the instruction (an unknown function, a wrong call). */      \
   X(Fail)                                                                                 \
   X(Return)
@@ -61,16 +62,51 @@ enum class Op : uint8_t {
 // Comparison kinds carried by CompareText and CompareMixed, in token order.
 enum class Compare : uint8_t { Eq, Ne, Lt, Gt, Le, Ge };
 
+// The kind of an operation's result before any overflow (Subtype.h); an operand of kind
+// Variant gives a Variant where the result's kind depends on it.
+inline Subtype resultType(Op op, Subtype operand) {
+  switch (op) {
+    case Op::Neg: case Op::Abs: case Op::Fix: case Op::Int: case Op::Round:
+      return operand == Subtype::Variant ? operand : vb::signedType(operand);
+    case Op::Not: return vb::notType(operand);
+    case Op::Sgn: case Op::CInt: return Subtype::Integer;
+    case Op::CLng: return Subtype::Long;
+    case Op::CSng: return Subtype::Single;
+    case Op::CBool: return Subtype::Boolean;
+    default: return Subtype::Double;  // the functions of a real argument, CDbl, calls
+  }
+}
+
+inline Subtype resultType(Op op, Subtype left, Subtype right) {
+  switch (op) {
+    case Op::Add: case Op::Sub: case Op::Mul: return vb::sumType(left, right);
+    case Op::Div: return vb::quotientType(left, right);
+    case Op::IntDiv: case Op::Mod: return vb::wholeQuotientType(left, right);
+    case Op::Eq: case Op::Ne: case Op::Lt: case Op::Gt: case Op::Le: case Op::Ge: return Subtype::Boolean;
+    case Op::And: case Op::Or: case Op::Xor: case Op::Eqv: case Op::Imp: return vb::bitwiseType(left, right);
+    case Op::Round2: return resultType(Op::Round, left);
+    default: return Subtype::Double;  // ^
+  }
+}
+
+// A script variable: its value and the kind of number it holds.
+struct Variable {
+  double value = 0;
+  Subtype type = Subtype::Integer;
+};
+
 struct Instr {
   const void* handler = nullptr;  // where the evaluator runs `op`, set by prepare() (Evaluator.h)
   Op op = Op::Return;
   uint8_t compare = 0;   // Compare kind; for CompareMixed bit 7 set = number on the left
+  Subtype type = Subtype::Double;  // Const, LoadDouble: the kind of number pushed
   int32_t index = -1;    // name or text index; inner position of a fused pair
   union {
     double value;
     int32_t error;         // Fail: the error number
     double* field;
     int32_t* intField;
+    Variable* variable;    // LoadVar, StoreVar
     struct {
       ScriptFunction function;
       ScriptObject* self;
@@ -108,8 +144,11 @@ struct Program {
   int32_t maxDepth = 0;              // numeric stack
   int32_t maxTextDepth = 0;          // text stack
   bool lateBound = false;            // refers to a name that was not defined yet
+  bool bindsVariables = false;       // compiled for the kinds its variables held then
   bool isStatement = false;
-  bool plain = false;                // numbers only, no late names, a small stack: the fast loop
+  // Numbers only, no late names, a small stack, and no Single anywhere (so that the kind
+  // of a number cannot change any value): the fast loop, which keeps no kinds.
+  bool plain = false;
 };
 
 // Error numbers of the language beyond the common run-time ones.
@@ -153,21 +192,28 @@ using NameMap = std::unordered_map<std::string, T, TextHash, std::equal_to<>>;
 // engine's life (until Reset), so compiled code binds it by address.
 class Variables {
  public:
-  double* find(std::string_view lower) const {
+  Variable* find(std::string_view lower) const {
     auto it = map_.find(lower);
     return it == map_.end() ? nullptr : it->second.get();
   }
-  double* create(std::string_view lower) {
-    if (double* v = find(lower)) return v;
+  Variable* create(std::string_view lower) {
+    if (Variable* v = find(lower)) return v;
     ++created_;
-    return map_.emplace(std::string(lower), std::make_unique<double>(0.0)).first->second.get();
+    return map_.emplace(std::string(lower), std::make_unique<Variable>()).first->second.get();
+  }
+  void assign(Variable& v, double value, Subtype type) {
+    if (v.type != type) ++retyped_;
+    v.value = value;
+    v.type = type;
   }
   uint64_t created() const { return created_; }
+  uint64_t retyped() const { return retyped_; }  // assignments that changed a kind
   void clear() { map_.clear(); }
 
  private:
-  NameMap<std::unique_ptr<double>> map_;
+  NameMap<std::unique_ptr<Variable>> map_;
   uint64_t created_ = 0;
+  uint64_t retyped_ = 0;
 };
 
 // What a name means when a text is compiled.
@@ -176,6 +222,7 @@ struct Binding {
   Kind kind = Kind::None;
   double* field = nullptr;
   int32_t* intField = nullptr;
+  Variable* variable = nullptr;
   ScriptFunction function = nullptr;
   ScriptObject* self = nullptr;
 };

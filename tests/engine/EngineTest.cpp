@@ -84,6 +84,32 @@ TEST(Engine, NamesBindWhenTheyAppear) {
   }
 }
 
+// A variable holds the kind of number last assigned to it; formulas compiled for the
+// kind it held before must follow the change.
+TEST(Engine, VariablesHoldTheKindOfNumberAssigned) {
+  const double tenth = 0.1f;
+  const auto single = [](double v) { return static_cast<double>(static_cast<float>(v)); };
+  for (bool optimize : {true, false}) {
+    Recorded t(optimize);
+    t.engine.ExecuteStatement("s = 0.1: k = 3");
+    EXPECT_EQ(t.engine.Eval("s * k"), 0.1 * 3);
+    t.engine.ExecuteStatement("s = CSng(0.1)");
+    EXPECT_EQ(t.engine.Eval("s * k"), single(tenth * 3));
+    EXPECT_EQ(t.engine.Eval("s = 0.1"), -1);
+    t.engine.ExecuteStatement("k = 40000");
+    EXPECT_EQ(t.engine.Eval("s * k"), tenth * 40000);
+    // Within one line each statement sees the kinds the earlier ones left.
+    t.engine.ExecuteStatement("n = 32767: n = n + 1: m = s + n: j = s + 7 \\ 2: k = s");
+    EXPECT_EQ(t.engine.Eval("m"), tenth + 32768);
+    EXPECT_EQ(t.engine.Eval("j"), single(tenth + 3));
+    EXPECT_EQ(t.engine.Eval("k * 3"), single(tenth * 3));
+    // A field of the math object is a Double whatever is assigned to it.
+    t.engine.ExecuteStatement("x = s");
+    EXPECT_EQ(t.engine.Eval("x = 0.1"), 0);
+    EXPECT_TRUE(t.errors.empty());
+  }
+}
+
 TEST(Engine, CacheComparesTextNotBufferAndHoldsManyTexts) {
   Recorded t;
   t.sh.x = 2;

@@ -11,12 +11,15 @@ namespace {
 
 TEST(Language, PrecedenceAndAssociativity) {
   checkValues({
-      {"-2^2", -4}, {"2^3^2", 64}, {"2^-1", 0.5}, {"2^-1^2", 0.25},  // negation takes only the operand after ^
-      {"-x^2", -9, 3}, {"2^2*3", 12}, {"2*-3", -6}, {"1 - -1", 2}, {"--3", 3}, {"+3", 3}, {"2+3*4", 14},
+      // Negation binds tighter than ^, which is left-associative.
+      {"-2^2", 4}, {"-3^2", 9}, {"2*-3^2", 18}, {"2^-2", 0.25}, {"-2^-2", 0.25}, {"2^3^2", 64}, {"2^-1^2", 0.25},
+      {"-x^2", 9, 3}, {"-x^2+4", 13, 3}, {"1-x^2", -8, 3}, {"Exp(-x^2)", M_E, 1}, {"-(x^2)", -9, 3},
+      {"2^2*3", 12}, {"2*-3", -6}, {"1 - -1", 2}, {"--3", 3}, {"+3", 3}, {"2+3*4", 14},
       {"(2+3)*4", 20}, {"10-4-3", 3}, {"64/4/2", 8},
       {"7\\2*3", 1}, {"10 \\ 3 Mod 2", 1}, {"7 Mod 4 * 2", 7},  // * above \ above Mod
       {"5 Mod 3 + 1", 3}, {"1 + 2 & 3", 33}, {"Not 0", -1}, {"Not Not 5", 5},
       {"Not 1 = 2", -1}, {"1 < 2 = True", -1}, {"2 < 3 < 1", -1}, {"1 Or 2 And 0", 1},
+      {"2 => 2", -1}, {"1 => 2", 0}, {"2 =< 2", -1}, {"3 =< 2", 0}, {"2 >< 2", 0}, {"2><1", -1}, {"x=>3", -1, 3},
       {"True And False Or True", -1}, {"3 Xor 5 Eqv 6", -1}, {"0 Imp 0 Xor 1", -1},
       // Shapes the optimizer fuses into single instructions.
       {"x-1", 2, 3}, {"1-x", -2, 3}, {"6/x", 2, 3}, {"x^x", 27, 3}, {"2^x*x", 24, 3}, {"(x-1)*x*(x+1)", 24, 3},
@@ -32,11 +35,15 @@ TEST(Language, LiteralsAndTexts) {
   checkValues({
       {"12", 12}, {"1.5", 1.5}, {".5", 0.5}, {"1.", 1}, {"1E-3", 0.001}, {"1.5e+20", 1.5e20}, {"1E-400", 0},
       {"  7  ", 7}, {"&H1F", 31}, {"&hff", 255}, {"&HFFFF", -1}, {"&H8000", -32768}, {"&H10000", 65536},
-      {"&HFFFFFFFF", -1}, {"&O17", 15}, {"True", -1}, {"False", 0}, {"1 ' a comment", 1},
+      {"&HFFFFFFFF", -1}, {"&h10&", 16}, {"&hffff&", 65535}, {"&hffffffff&", -1}, {"&O17", 15}, {"&o17&", 15},
+      {"&17", 15}, {"&177777", -1}, {"&177777&", 65535}, {"&37777777777", -1}, {"&h01or&h02", 3},
+      {"True", -1}, {"False", 0}, {"1 ' a comment", 1},
       {"\"ab\" & \"cd\" = \"abcd\"", -1}, {"\"a\" + \"b\" = \"ab\"", -1}, {"\"a\"\"b\" <> \"ab\"", -1},
       {"\"abc\" < \"abd\"", -1}, {"\"B\" < \"a\"", -1}, {"1 & 2", 12}, {"2.5 & \"\"", 2.5},
       {"-x & \"\"", -0.5, 0.5}, {"\"12\" + 1", 13}, {"1 + \"2\"", 3}, {"\"2\" - 1", 1}, {"\"3\" * \"4\"", 12},
       {"\"1.5\"", 1.5}, {"1 < \"a\"", -1}, {"\"a\" > 1", -1}, {"\"10\" = 10", -1}, {"Sqr(\"16\")", 4},
+      // A Boolean becomes True or False, a Single seven digits.
+      {"(1 = 1) & (1 = 2) = \"TrueFalse\"", -1}, {"CSng(0.1) & \"\" = \"0.1\"", -1}, {"CSng(x) & \"\"", 1.1, 1.1},
   });
 }
 
@@ -55,6 +62,30 @@ TEST(Language, BuiltinsAtOrdinaryAndBoundaryArguments) {
       {"7 Mod 3", 1}, {"-7 Mod 3", -1}, {"7 Mod -3", 1}, {"5.5 Mod 2", 0}, {"-2147483648 \\ -1", 2147483648.0},
       {"-2147483648 Mod -1", 0}, {"2147483647 + 1", 2147483648.0}, {"3 And 5", 1}, {"3 Or 5", 7},
       {"3 Xor 5", 6}, {"0 Eqv 0", -1}, {"-1 Imp 0", 0},
+  });
+}
+
+// A Single computes at single precision with Singles, Integers and Booleans, and at
+// double precision once a Long or a Double joins in; comparisons with a Single are made
+// at single precision. Which kind an integer result has depends on its size.
+TEST(Language, NumbersKeepTheirKinds) {
+  const auto single = [](double v) { return static_cast<double>(static_cast<float>(v)); };
+  const double tenth = 0.1f;  // CSng(0.1)
+  checkValues({
+      {"CSng(0.001 * 0.001) = 0.000001", -1}, {"CSng(0.1) = 0.1", -1}, {"CDbl(CSng(0.1)) = 0.1", 0},
+      {"CSng(16777217) = 16777217", -1}, {"CSng(x) < x", 0, 0.1}, {"CSng(x) = x", -1, 0.3},
+      {"CSng(0.1) * 3", single(tenth * 3)}, {"CSng(0.1) * 3.0", tenth * 3}, {"CSng(0.1) + True", single(tenth - 1)},
+      {"CSng(0.1) + 30000", single(tenth + 30000)}, {"CSng(0.1) + 40000", tenth + 40000},
+      {"CSng(0.1) + (32767 + 1)", tenth + 32768},  // an Integer sum that outgrew the Integers is a Long
+      {"CSng(0.1) + (32768 - 1)", tenth + 32767},  // and a Long stays one
+      {"CSng(0.1) + CInt(x) * 1000", single(tenth + 20000), 20}, {"CSng(0.1) + CInt(x) * 1000", tenth + 40000, 40},
+      {"CSng(0.1) + -CInt(x)", tenth + 32768, -32768}, {"CSng(0.1) + CLng(x)", tenth + 3, 3},
+      {"CSng(0.1) / 3", single(tenth / 3)}, {"CSng(0.1) / CLng(3)", tenth / 3}, {"1 / 3", 1.0 / 3},
+      {"CSng(0.1) + 7 \\ 2", single(tenth + 3)}, {"CSng(0.1) + 7.5 \\ 2", tenth + 4}, {"CSng(0.1) + x Mod 4", tenth + 1, 5},
+      {"CSng(x) ^ 2", tenth * tenth, 0.1}, {"CSng(x) * x", tenth * 0.1, 0.1}, {"-CSng(0.1)", -tenth},
+      {"Abs(CSng(-0.1)) + 1", single(tenth + 1)}, {"Int(CSng(x)) + 0.1", 2.1, 2.5}, {"Sqr(CSng(0.1)) * 3", std::sqrt(tenth) * 3},
+      {"CSng(3E38) * 10", 3e38f * 10.0},  // a Single too large for one is a Double, not an overflow
+      {"True + True", -2}, {"Not CSng(1.5)", -3}, {"CSng(2) * (x + 1)", 2 * 1.1, 0.1}, {"CSng(2) * x + 1", 1.2, 0.1},
   });
 }
 
@@ -86,7 +117,8 @@ TEST(Language, SyntaxErrorsCarryNumberAndPosition) {
       {"Round(1 2)", 1006, 9}, {"sh.", 1010, 4}, {"1 $ 2", 1032, 3}, {"1 + \xC3\xA9", 1032, 5},
       {"\"\xC3\xA9\xC3\xA9\" & $", 1032, 8},  // columns count characters, not bytes
       {"\"abc", 1033, 1}, {"1E999", 6, 1}, {"1000000000000000000000000000000000000000e300", 6, 1},
-      {"&HFFFFFFFFF", 6, 1}, {"&H", 1031, 1}, {"1 +\n 2", 1023, 4},
+      {"&HFFFFFFFFF", 6, 1}, {"&H", 1023, 1}, {"&O8", 1023, 1}, {"\"a\" &hx", 500, 6}, {"1 &1", 1025, 3},
+      {"1 +\n 2", 1023, 4},
   });
 }
 
@@ -111,7 +143,7 @@ TEST(Language, DescriptionsNameTheOffendingName) {
       {"Sin(1,2)", "Wrong number of arguments or invalid property assignment: 'Sin'"},
       {"sh.Foo", "Object doesn't support this property or method: 'sh.Foo'"}, {"1 +", "Expected expression"},
       {"(1", "Expected ')'"}, {"1 1", "Expected end of statement"}, {"#", "Invalid character"},
-      {"\"a", "Unterminated string constant"}, {"&H", "Invalid number"},
+      {"\"a", "Unterminated string constant"},
   };
   for (const auto& row : rows) EXPECT_EQ(evalEveryWay(row.text, 0).description, row.description) << row.text;
 }
