@@ -132,6 +132,25 @@ void viaMuParser(benchmark::State& state, const Formula& f) {
   }
 }
 
+// A formula of 100,000 terms, Sin(x)+Sin(x)+...: the first Eval of a text compiles it
+// (and runs it once, a small part of the time).
+constexpr int kCompiledTerms = 100000;
+
+std::string sumOfSines(int terms) {
+  std::string text = "Sin(x)";
+  text.reserve(7 * static_cast<size_t>(terms));
+  for (int i = 1; i < terms; ++i) text += "+Sin(x)";
+  return text;
+}
+
+void compileLongFormula(benchmark::State& state) {
+  const std::string text = sumOfSines(kCompiledTerms);
+  for (auto _ : state) {
+    Window w;
+    benchmark::DoNotOptimize(w.engine.Eval(text));
+  }
+}
+
 // Keeps the fastest repetition's time per iteration, in nanoseconds, by benchmark name
 // (the machine is shared; the minimum is the least disturbed measurement).
 class Recorder : public benchmark::ConsoleReporter {
@@ -176,6 +195,7 @@ int main(int argc, char** argv) {
     benchmark::RegisterBenchmark(("native/" + id).c_str(), [&f](benchmark::State& s) { viaNative(s, f); });
     benchmark::RegisterBenchmark(("muparser/" + id).c_str(), [&f](benchmark::State& s) { viaMuParser(s, f); });
   }
+  benchmark::RegisterBenchmark("compile/sum_of_sines", compileLongFormula);
   // Unless the command line says otherwise: many short repetitions, interleaved at
   // random, so a burst of load from elsewhere hits every variant alike.
   std::vector<char*> args(argv, argv + argc);
@@ -203,5 +223,7 @@ int main(int argc, char** argv) {
     std::printf("figure engine.%s.vs_native %.2f x\n", f.id, ours / native);
     std::printf("figure engine.%s.vs_muparser %.2f x\n", f.id, ours / peer);
   }
+  if (double compile = recorder.ns["compile/sum_of_sines"]; compile > 0)
+    std::printf("figure engine.compile_100k_terms %.1f ms\n", compile / 1e6);
   return 0;
 }

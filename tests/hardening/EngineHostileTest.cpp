@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
+#include <ctime>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -31,6 +34,14 @@ std::string repeat(const std::string& piece, int count) {
 
 constexpr int kTerms = 100000;
 
+std::string sumOfSines(int terms) { return "Sin(x)" + repeat("+Sin(x)", terms - 1); }
+
+double sumOfSinesAt(double x) {
+  double sum = std::sin(x);
+  for (int i = 1; i < kTerms; ++i) sum += std::sin(x);
+  return sum;
+}
+
 TEST(EngineHostile, HundredThousandTermsCompileAndEvaluate) {
   struct Row {
     const char* what;
@@ -46,6 +57,7 @@ TEST(EngineHostile, HundredThousandTermsCompileAndEvaluate) {
       {"mixed operators", repeat("x^2/x\\1 Mod 3+", kTerms / 5) + "0", 2.0, 2.0 * (kTerms / 5)},
       {"calls", repeat("Abs(-x)+", kTerms / 2) + "0", 2.0, 2.0 * (kTerms / 2)},
       {"comparisons", repeat("(x=x)+", kTerms / 3) + "0", 1.0, -1.0 * (kTerms / 3)},
+      {"sines", sumOfSines(kTerms), 0.5, sumOfSinesAt(0.5)},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.what);
@@ -58,6 +70,28 @@ TEST(EngineHostile, HundredThousandTermsCompileAndEvaluate) {
       EXPECT_DOUBLE_EQ(again, row.expected);
     }
   }
+}
+
+// Ten times the terms must take about ten times as long to compile, never the hundred
+// times (or more) that a pass over the whole program for each term gives. A ratio of
+// two times taken on one machine does not depend on its speed, and processor time
+// leaves out other programs; the fastest of five runs each, taken in turn, keeps out
+// what interference remains. A linear compiler measures about 10; 30 leaves room for the
+// larger program's cache misses without letting a quadratic pass through.
+TEST(EngineHostile, CompileTimeGrowsLinearlyWithTheText) {
+  const std::string small = sumOfSines(kTerms / 10), large = sumOfSines(kTerms);
+  auto compileTime = [](const std::string& text) {
+    Window w;
+    const std::clock_t start = std::clock();
+    w.engine.Eval(text);  // compiles, then runs once
+    return static_cast<double>(std::clock() - start);
+  };
+  double fastestSmall = INFINITY, fastestLarge = INFINITY;
+  for (int run = 0; run < 5; ++run) {
+    fastestSmall = std::min(fastestSmall, compileTime(small));
+    fastestLarge = std::min(fastestLarge, compileTime(large));
+  }
+  EXPECT_LT(fastestLarge / fastestSmall, 30.0);
 }
 
 TEST(EngineHostile, LongAndDeepTextConcatenation) {
