@@ -74,7 +74,9 @@ form, or "error N: DESCRIPTION" on standard error (exit status 1).
 constexpr const char* kFitHelp = R"(Usage: orvane-batch fit [--csv] [--save SPECFILE] [--] FILE
 
 Fits y = A0 + A1*x1 + ... + Am*xm and prints the results list as the regression
-window shows it (or its singular-system message, with exit status 1).
+window shows it (or its singular-system message, with exit status 1). When values too
+large for the sums overflowed, the list is printed as the window shows it, but the exit
+status is 1, standard error says why and nothing is saved.
 
 FILE is a regression file pair (FILE, with its data file FILE.dat beside it) or a
 CSV file: a header line naming the columns, the first column the dependent variable,
