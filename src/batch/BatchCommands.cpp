@@ -1,13 +1,13 @@
 #include "batch/BatchCommands.h"
 
+#include <QBuffer>
+#include <QByteArray>
 #include <QImage>
-#include <QSaveFile>
 #include <QString>
 #include <algorithm>
 #include <cctype>
 #include <cmath>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <optional>
 
@@ -19,6 +19,7 @@
 #include "platform/NumberText.h"
 #include "platform/RecordingPrinterPage.h"
 #include "platform/RuntimeError.h"
+#include "platform/SafeFile.h"
 #include "platform/ui/QImageCanvas.h"
 #include "platform/ui/QtPrinterPage.h"
 #include "plot2d/Derivatives.h"
@@ -73,7 +74,9 @@ form, or "error N: DESCRIPTION" on standard error (exit status 1).
 constexpr const char* kFitHelp = R"(Usage: orvane-batch fit [--csv] [--save SPECFILE] [--] FILE
 
 Fits y = A0 + A1*x1 + ... + Am*xm and prints the results list as the regression
-window shows it (or its singular-system message, with exit status 1).
+window shows it (or its singular-system message, with exit status 1). When values too
+large for the sums overflowed, the list is printed as the window shows it, but the exit
+status is 1, standard error says why and nothing is saved.
 
 FILE is a regression file pair (FILE, with its data file FILE.dat beside it) or a
 CSV file: a header line naming the columns, the first column the dependent variable,
@@ -182,27 +185,20 @@ std::string lower(std::string text) {
 
 std::string extensionOf(const std::string& path) { return lower(fs::path(path).extension().string()); }
 
-// Whether FILE is to be read as CSV rather than as a regression file pair.
-bool readsAsCsv(const std::string& path, bool forced) {
-  if (forced || extensionOf(path) == ".csv") return true;
-  std::error_code ec;
-  if (fs::exists(DataFileName(path), ec)) return false;
-  // The first file of a pair starts with the number of data sets.
-  std::ifstream in(path, std::ios::binary);
-  std::string first;
-  std::getline(in, first);
-  const size_t comma = first.find(',');
-  const std::string field = first.substr(0, comma);
-  try {
-    parseStrict(field);
-    return false;
-  } catch (const RuntimeError&) {
-    return true;
-  }
-}
-
+// FILE as a CSV table or as a regression file pair: a table when forced or named .csv;
+// a pair when its data file is beside it; otherwise a table unless it starts as the
+// first file of a pair does, with the number of data sets.
 RegressionProblem readProblem(const std::string& path, bool forceCsv) {
-  return readsAsCsv(path, forceCsv) ? ReadCsvProblem(path) : ReadRegressionFiles(path);
+  if (forceCsv || extensionOf(path) == ".csv") return ReadCsvProblem(path);
+  std::error_code ec;
+  if (fs::exists(DataFileName(path), ec)) return ReadRegressionFiles(path);
+  const std::string text = ReadFileText(path);
+  try {
+    parseStrict(std::string_view(text).substr(0, text.find_first_of(",\r\n")));
+  } catch (const RuntimeError&) {
+    return ParseCsvProblem(path, text);
+  }
+  return ReadRegressionFiles(path);  // it names the missing data file
 }
 
 std::string singlePositional(const ParsedOptions& o, const std::string& what) {
@@ -232,14 +228,15 @@ void registerConstants(FormulaWindow& window, ErrorReport& report) {
 // when every one was written, so a failure leaves nothing half-written and any
 // previous files as they were.
 void saveImages(const std::vector<std::pair<const QImage*, std::string>>& images, const char* format) {
-  std::vector<std::unique_ptr<QSaveFile>> files;
+  SafeSave save;
   for (const auto& [image, path] : images) {
-    files.push_back(std::make_unique<QSaveFile>(QString::fromStdString(path)));
-    if (!files.back()->open(QIODevice::WriteOnly) || !image->save(files.back().get(), format))
-      throw UsageError(path + ": cannot be written");
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    if (!buffer.open(QIODevice::WriteOnly) || !image->save(&buffer, format))
+      throw SaveError(path, "the picture could not be made");
+    save.Text(path, std::string_view(bytes.constData(), static_cast<size_t>(bytes.size())));
   }
-  for (size_t i = 0; i < files.size(); ++i)
-    if (!files[i]->commit()) throw UsageError(images[i].second + ": cannot be written");
+  save.Commit();
 }
 
 const char* imageFormatFor(const std::string& path) {
@@ -289,21 +286,37 @@ int runEval(const std::vector<std::string>& args, std::ostream& out, std::ostrea
 // ---- fit and report ----
 
 // The window's Compute: the results list, or the singular message alone.
-std::vector<std::string> computeListing(RegressionProblem& problem) {
+struct Fit {
+  std::vector<std::string> listing;
+  bool overflowed = false;  // the listing is not that of the data
+};
+
+Fit computeListing(RegressionProblem& problem) {
   problem.computed = false;
-  const FitOutcome outcome = Compute(problem);
-  if (outcome != FitOutcome::Computed) return {SingularMessage(outcome)};
-  return ResultsListing(problem);
+  Fit fit;
+  const FitOutcome outcome = Compute(problem, &fit.overflowed);
+  if (outcome != FitOutcome::Computed) return {{SingularMessage(outcome)}, false};
+  fit.listing = ResultsListing(problem);
+  return fit;
 }
 
-int runFit(const std::vector<std::string>& args, std::ostream& out, std::ostream&) {
+constexpr const char* kOverflowMessage =
+    "The fit's sums overflowed: the values are too large to square and add, so the results "
+    "listed are not those of the data.";
+
+int runFit(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
   const ParsedOptions o = ParseOptions(args, {{"save", 1}, {"csv", 0}});
   if (o.has("help")) {
     out << kFitHelp;
     return 0;
   }
   RegressionProblem problem = readProblem(singlePositional(o, "FILE"), o.has("csv"));
-  for (const std::string& line : computeListing(problem)) out << line << "\n";
+  const Fit fit = computeListing(problem);
+  for (const std::string& line : fit.listing) out << line << "\n";
+  if (fit.overflowed) {
+    err << kOverflowMessage << "\n";
+    return 1;
+  }
   if (auto save = o.single("save")) WriteRegressionFiles(*save, problem);
   return problem.computed ? 0 : 1;
 }
@@ -318,8 +331,12 @@ int runReport(const std::vector<std::string>& args, std::ostream& out, std::ostr
   const std::optional<std::string> pdf = o.single("pdf");
   if (!pdf && !o.has("text")) throw UsageError("give --pdf OUT.pdf or --text");
   RegressionProblem problem = readProblem(file, o.has("csv"));
-  const std::vector<std::string> listing = computeListing(problem);
-  if (!problem.computed) err << listing.front() << "\n";
+  const Fit fit = computeListing(problem);
+  if (fit.overflowed) {
+    err << kOverflowMessage << "\n";
+    return 1;
+  }
+  if (!problem.computed) err << fit.listing.front() << "\n";
 
   if (o.has("text")) {
     RecordingPrinterPage page;
@@ -328,18 +345,16 @@ int runReport(const std::vector<std::string>& args, std::ostream& out, std::ostr
   }
   if (pdf) {
     // Printed into a temporary file that replaces the target only when complete.
-    const std::string temporary = *pdf + ".part";
-    try {
-      {
-        QtPrinterPage page(temporary, "Orvane Regression");
-        PrintRegressionReport(page, problem, problem.N);
-      }
-      fs::rename(temporary, *pdf);
-    } catch (...) {
-      std::error_code ec;
-      fs::remove(temporary, ec);
-      throw UsageError(*pdf + ": cannot be written");
-    }
+    SafeSave save;
+    save.WrittenBy(
+        *pdf,
+        [&problem](const std::string& temporary) {
+          QtPrinterPage page(temporary, "Orvane Regression");
+          PrintRegressionReport(page, problem, problem.N);
+          return true;
+        },
+        "the report could not be printed");
+    save.Commit();
   }
   return 0;
 }
@@ -467,9 +482,9 @@ std::string fittedFunction(RegressionProblem& problem, int m, ErrorReport& repor
     throw UsageError("--data: the fitted " + std::string(m == 1 ? "line" : "plane") + " needs " +
                      std::to_string(m) + " independent variable" + (m == 1 ? "" : "s") + ", the file has " +
                      std::to_string(problem.m));
-  const std::vector<std::string> listing = computeListing(problem);
-  if (!problem.computed) {
-    report.message(listing.front());
+  const Fit fit = computeListing(problem);
+  if (!problem.computed || fit.overflowed) {
+    report.message(fit.overflowed ? kOverflowMessage : fit.listing.front());
     throw CommandFailed{};
   }
   return FittedFunctionText(problem);
@@ -581,12 +596,15 @@ int runPlot2d(const std::vector<std::string>& args, std::ostream& out, std::ostr
   request.height = static_cast<float>(picture.pixelHeight() * 1440.0 / picture.dpi());
   request.dataX = dataX;
   request.dataY = dataY;
+  const size_t errorsBefore = report.errorsShown();
   try {
     drawPlot(picture, d, request);
   } catch (const RuntimeError& e) {
     report.show(e);
     return 1;
   }
+  // An error the window would have shown in a box: the picture is not the function's.
+  if (report.errorsShown() > errorsBefore) return 1;
   saveImages({{&picture.image(), *target}}, format);
   return 0;
 }
@@ -767,7 +785,10 @@ int runStereo(const std::vector<std::string>& args, std::ostream& out, std::ostr
   SurfaceParameters uv;
   DotGenerator random(seed);
   const StereoPlot plot{s, surface, uv, random, marks, true, {}};
+  const size_t errorsBefore = report.errorsShown();
   DrawStereoPlot(left, right, plot);
+  // An error the window would have shown in a box: the pictures are not the surface's.
+  if (report.errorsShown() > errorsBefore) return 1;
 
   const char* qtFormat = format == "png" ? "PNG" : "BMP";
   saveImages({{&left.image(), *prefix + "_left." + format}, {&right.image(), *prefix + "_right." + format}},
@@ -805,6 +826,9 @@ int RunBatch(const std::vector<std::string>& args, std::ostream& out, std::ostre
     err << "orvane-batch " << command << ": " << e.what() << "\n";
     return 1;
   } catch (const RegressionFileError& e) {
+    err << e.what() << "\n";
+    return 1;
+  } catch (const SaveError& e) {
     err << e.what() << "\n";
     return 1;
   } catch (const RuntimeError& e) {

@@ -26,6 +26,8 @@ class ErrorReport {
   void failed(int32_t number);
   // A message of the program's own (a file that cannot be read, a singular system).
   void message(const std::string& text) { err_ << text << "\n"; }
+  // How many distinct errors have been written.
+  size_t errorsShown() const { return shown_.size(); }
 
  private:
   std::ostream& err_;

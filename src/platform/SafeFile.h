@@ -1,14 +1,19 @@
 #pragma once
 // Saving without losing the previous file: each file is written beside its target under
 // a temporary name and renamed over the target only once complete, so that a full
-// device, a missing folder or a refused permission leaves the old file as it was.
-// Reading whole files and splitting them into lines belongs here too.
+// device, a missing folder or a refused permission leaves the old file as it was. The
+// new file keeps what the old one had (permission bits, owner and group where the
+// program may set them); a symbolic link stays and its target gets the new content.
+//
+// Reading a user's file: regular files only, opened so that a pipe without a writer
+// never blocks, and refused before reading when the text would not fit in memory.
 
+#include <cstdint>
+#include <functional>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace orvane {
@@ -29,6 +34,11 @@ class SaveError : public std::runtime_error {
 // Files saved together: each goes to its temporary as it is added, Commit renames them
 // over their targets in the order added. Temporaries not committed are removed when the
 // set goes, so a failure anywhere before Commit changes no target.
+//
+// A target is refused before anything is written when it is not a regular file (a
+// device, a pipe, a folder) or when the user may not write it. Root may write any file,
+// but a file that has no write permission for anyone is refused for root too: it was
+// made read-only on purpose, as an editor warns before overwriting it.
 class SafeSave {
  public:
   SafeSave() = default;
@@ -36,20 +46,39 @@ class SafeSave {
   SafeSave& operator=(const SafeSave&) = delete;
   ~SafeSave();
 
-  void Text(const std::string& target, std::string_view content);
+  void Text(const std::string& target, std::string_view content);  // the bytes as given
   void Lines(const std::string& target, const std::vector<std::string>& lines);  // CR LF after each
   void Picture(const std::string& target, const Canvas& picture);
+  // A file that another routine writes by name (a picture, a printed document): `write`
+  // gets the temporary's name, an empty file made for it, and returns false on failure,
+  // which is reported with `failure` as the reason.
+  void WrittenBy(const std::string& target, const std::function<bool(const std::string&)>& write,
+                 const std::string& failure);
   void Commit();
 
-  static std::string TemporaryName(const std::string& target) { return target + ".part"; }
-
  private:
+  struct Pending {
+    std::string target;       // as the user named it
+    std::string destination;  // the file replaced: the target, or where its links lead
+    std::string temporary;
+  };
+  // Checks the target and makes its temporary beside the destination; the temporary's
+  // descriptor, open for writing.
+  int begin(const std::string& target);
+  // Gives the temporary the old file's owner and permission bits, flushes and closes it.
+  void seal(int fd);
   void discard();
-  std::vector<std::pair<std::string, std::string>> files_;  // temporary, target
+
+  std::vector<Pending> files_;
 };
 
-// The whole file as bytes; nothing and the reason when it cannot be read.
+// The whole file as bytes; nothing and the reason when it cannot be read: not a regular
+// file, a folder, no permission, or more than the memory available could hold.
 std::optional<std::string> ReadWholeFile(const std::string& path, std::string* reason = nullptr);
+
+// The memory the program can still take, in bytes: what the system reports as available,
+// or what is left under the program's memory limit when that is less.
+uint64_t AvailableMemory();
 
 // Lines ended by LF or CR LF; a last line without an end counts, an empty text has none.
 std::vector<std::string> SplitLines(const std::string& text);

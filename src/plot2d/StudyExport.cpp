@@ -90,7 +90,7 @@ void exportStudy(const std::string& path, const StudyExportInput& input,
     save.Lines(path, studyExportLines(input, results));
     save.Commit();
   } catch (const SaveError& e) {
-    throw RuntimeError(err::PathFileAccess, "Path/File access error: " + e.target());
+    throw RuntimeError(err::PathFileAccess, e.what());
   }
 }
 

@@ -6,6 +6,7 @@
 
 #include "platform/LargeBuffer.h"
 #include "platform/NumberText.h"
+#include "platform/RecordLine.h"
 #include "platform/RuntimeError.h"
 #include "platform/SafeFile.h"
 
@@ -54,19 +55,18 @@ class LineReader {
 
   // The fields of the next line; exactly `count` of them.
   std::vector<std::string> record(size_t count, const std::string& expected) {
-    std::vector<std::string> fields;
-    if (!split(nextLine(expected), fields, count) || fields.size() != count) fail(expected);
-    return fields;
+    if (!SplitRecord(nextLine(expected), count, fields_) || fields_.count != count) fail(expected);
+    return std::move(fields_.kept);
   }
   std::string field(const std::string& expected) { return record(1, expected)[0]; }
-  // A name line: read as a field, but a name the program itself wrote with a stray
-  // quote in it ("x or "a"b) is taken as it stands rather than refused.
+  // A name line: read as a field, but a name the program itself wrote with quotes in it
+  // ("x, a"b or "a""b") is taken as it stands rather than refused or changed.
   std::string name(const std::string& expected) {
     if (!atEnd()) {
       const size_t start = pos_;
       const std::string_view line = nextLine(expected);
-      std::vector<std::string> fields;
-      if (line.find(',') == std::string_view::npos && (!split(line, fields, 1) || fields.size() != 1))
+      if (line.find(',') == std::string_view::npos &&
+          (!SplitRecord(line, 1, fields_) || fields_.kept[0].find('"') != std::string::npos))
         return std::string(trim(line));
       pos_ = start;
       --current_;
@@ -83,8 +83,7 @@ class LineReader {
       if (!parse(trim(line), result)) fail(describe());
       return result;
     }
-    std::vector<std::string> fields;
-    if (!split(line, fields, 1) || fields.size() != 1 || !parse(fields[0], result)) fail(describe());
+    if (!SplitRecord(line, 1, fields_) || fields_.count != 1 || !parse(fields_.kept[0], result)) fail(describe());
     return result;
   }
 
@@ -150,45 +149,21 @@ class LineReader {
     }
   }
 
-  // Fields end at a "," or at the line end; blanks around them are ignored; a quoted
-  // text is taken without its quotes. False past `most` fields: a line of commas must
-  // not become millions of strings.
-  static bool split(std::string_view line, std::vector<std::string>& fields, size_t most) {
-    size_t pos = 0;
-    while (true) {
-      while (pos < line.size() && isBlank(line[pos])) ++pos;
-      if (pos < line.size() && line[pos] == '"') {
-        const size_t close = line.find('"', pos + 1);
-        if (close == std::string_view::npos) return false;
-        fields.emplace_back(line.substr(pos + 1, close - pos - 1));
-        pos = close + 1;
-        while (pos < line.size() && isBlank(line[pos])) ++pos;
-        if (pos < line.size() && line[pos] != ',') return false;
-      } else {
-        const size_t comma = std::min(line.find(',', pos), line.size());
-        fields.emplace_back(trim(line.substr(pos, comma - pos)));
-        pos = comma;
-      }
-      if (pos >= line.size()) return true;
-      if (fields.size() >= most) return false;
-      ++pos;  // past the ","
-    }
-  }
-
   std::string file_;
   std::string_view text_;
+  RecordFields fields_;
   size_t pos_ = 0;
   int current_ = 0;
 };
 
-std::string readWholeFile(const std::string& path) {
+}  // namespace
+
+std::string ReadFileText(const std::string& path) {
   std::string reason;
   std::optional<std::string> text = ReadWholeFile(path, &reason);
   if (!text) throw RegressionFileError("Cannot read the file " + path + ": " + reason);
   return std::move(*text);
 }
-
-}  // namespace
 
 RegressionFileError::RegressionFileError(const std::string& file, int line, const std::string& expected)
     : std::runtime_error(file + ", line " + std::to_string(line) + ": expected " + expected + ".") {}
@@ -232,8 +207,8 @@ void WriteRegressionFiles(const std::string& problemFile, const RegressionProble
 }
 
 RegressionProblem ReadRegressionFiles(const std::string& problemFile) {
-  const std::string problemText = readWholeFile(problemFile);
-  const std::string data = readWholeFile(DataFileName(problemFile));
+  const std::string problemText = ReadFileText(problemFile);
+  const std::string data = ReadFileText(DataFileName(problemFile));
   return ParseRegressionFiles(problemFile, problemText, data);
 }
 

@@ -18,6 +18,11 @@ class RegressionFileError : public std::runtime_error {
   explicit RegressionFileError(const std::string& message) : std::runtime_error(message) {}
 };
 
+// A user's file whole, as the readers of problems take it: RegressionFileError naming
+// the file and the system's reason when it is not a regular file, cannot be read or is
+// too large for the memory available.
+std::string ReadFileText(const std::string& path);
+
 // The name of the data file that goes with a problem file.
 std::string DataFileName(const std::string& problemFile);
 

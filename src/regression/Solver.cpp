@@ -11,10 +11,36 @@
 namespace orvane {
 namespace {
 
-// One statement under the fit's error trap: a result that overflowed, divided by zero or
-// took the root of a negative is not stored, and the target keeps its value.
-inline void let(double& target, double value) {
-  if (std::isfinite(value)) target = value;
+// The fit's error trap: a statement whose result overflowed, divided by zero or took the
+// root of a negative is skipped, and its target keeps its value. It notes that it fired;
+// with finite data and a pivot never zero, only an overflow makes it fire.
+class Trap {
+ public:
+  void let(double& target, double value) {
+    if (std::isfinite(value))
+      target = value;
+    else
+      fired_ = true;
+  }
+  void fire() { fired_ = true; }
+  bool fired() const { return fired_; }
+
+ private:
+  bool fired_ = false;
+};
+
+// The estimate for set i, summed as ComputeEstimates says; the trap notes an overflow.
+double estimateOf(const RegressionProblem& problem, int i, Trap& trap) {
+  double estimate = problem.A[0];
+  for (int j = 1; j <= problem.m; ++j) {
+    const double next = estimate + problem.X(j, i) * problem.A[j];
+    if (!std::isfinite(next)) {  // the trap resumes after the call, with the sum so far
+      trap.fire();
+      break;
+    }
+    estimate = next;
+  }
+  return estimate;
 }
 
 // The normal-equation matrix, rows 0..m by columns 0..m+1 (the last the right-hand side).
@@ -31,7 +57,7 @@ class NormalEquations {
 // Each cell sums its products over the sets in order, under the fit's error trap. The
 // sets go in blocks that stay in the cache, and four cells run side by side so that
 // their additions overlap; every cell still sees exactly its own sequence of sums.
-void buildNormalEquations(RegressionProblem& p, NormalEquations& M) {
+void buildNormalEquations(RegressionProblem& p, NormalEquations& M, Trap& trap) {
   const int m = p.m;
   double* constant = p.X.column(0);
   for (int i = 1; i <= p.N; ++i) constant[i] = 1;
@@ -46,7 +72,7 @@ void buildNormalEquations(RegressionProblem& p, NormalEquations& M) {
     for (int k = j; k <= m + 1; ++k) cells.push_back({j, k, p.X.column(j), p.X.column(k)});
   while (cells.size() % kSide != 0) cells.push_back({-1, -1, constant, constant});
 
-  // The error trap as a selection, so the four additions are not branched around.
+  // The error trap as a selection: an addition that overflows leaves the sum as it was.
   const auto add = [](double sum, double term) {
     const double next = sum + term;
     return std::fabs(next) <= std::numeric_limits<double>::max() ? next : sum;
@@ -56,15 +82,25 @@ void buildNormalEquations(RegressionProblem& p, NormalEquations& M) {
     const int last = std::min(p.N, first + kBlock - 1);
     for (size_t c = 0; c < cells.size(); c += kSide) {
       const Cell* g = &cells[c];
-      double s0 = g[0].row < 0 ? 0 : M(g[0].row, g[0].column), s1 = g[1].row < 0 ? 0 : M(g[1].row, g[1].column),
-             s2 = g[2].row < 0 ? 0 : M(g[2].row, g[2].column), s3 = g[3].row < 0 ? 0 : M(g[3].row, g[3].column);
+      const double start[kSide] = {g[0].row < 0 ? 0 : M(g[0].row, g[0].column), g[1].row < 0 ? 0 : M(g[1].row, g[1].column),
+                                   g[2].row < 0 ? 0 : M(g[2].row, g[2].column), g[3].row < 0 ? 0 : M(g[3].row, g[3].column)};
+      // Plain additions first. Once a sum overflows it stays infinite (or NaN), so a
+      // block whose four sums end finite never met the trap and is exact to the bit;
+      // one that did not is summed again with the trap.
+      double s0 = start[0], s1 = start[1], s2 = start[2], s3 = start[3];
       for (int i = first; i <= last; ++i) {
-        s0 = add(s0, g[0].left[i] * g[0].right[i]);
-        s1 = add(s1, g[1].left[i] * g[1].right[i]);
-        s2 = add(s2, g[2].left[i] * g[2].right[i]);
-        s3 = add(s3, g[3].left[i] * g[3].right[i]);
+        s0 += g[0].left[i] * g[0].right[i];
+        s1 += g[1].left[i] * g[1].right[i];
+        s2 += g[2].left[i] * g[2].right[i];
+        s3 += g[3].left[i] * g[3].right[i];
       }
-      const double sums[kSide] = {s0, s1, s2, s3};
+      double sums[kSide] = {s0, s1, s2, s3};
+      for (size_t t = 0; t < kSide; ++t) {
+        if (std::isfinite(sums[t])) continue;
+        trap.fire();
+        sums[t] = start[t];
+        for (int i = first; i <= last; ++i) sums[t] = add(sums[t], g[t].left[i] * g[t].right[i]);
+      }
       for (size_t t = 0; t < kSide; ++t)
         if (g[t].row >= 0) M(g[t].row, g[t].column) = sums[t];
     }
@@ -74,7 +110,7 @@ void buildNormalEquations(RegressionProblem& p, NormalEquations& M) {
 }
 
 // Forward elimination with partial pivoting; only an exact zero column is skipped.
-void eliminate(NormalEquations& M, int m) {
+void eliminate(NormalEquations& M, int m, Trap& trap) {
   double factor = 0;
   for (int k = 0; k <= m - 1; ++k) {
     double largest = std::fabs(M(k, k));
@@ -89,55 +125,57 @@ void eliminate(NormalEquations& M, int m) {
     if (p != k)
       for (int c = 0; c <= m + 1; ++c) std::swap(M(k, c), M(p, c));
     for (int i = k + 1; i <= m; ++i) {
-      let(factor, M(i, k) / M(k, k));
-      for (int c = k; c <= m + 1; ++c) let(M(i, c), M(i, c) - factor * M(k, c));
+      trap.let(factor, M(i, k) / M(k, k));
+      for (int c = k; c <= m + 1; ++c) trap.let(M(i, c), M(i, c) - factor * M(k, c));
     }
   }
 }
 
 // Back substitution; returns the failing row, or -1 when every diagonal was non-zero.
-int backSubstitute(NormalEquations& M, std::vector<double>& A, int m) {
+int backSubstitute(NormalEquations& M, std::vector<double>& A, int m, Trap& trap) {
   for (int i = m; i >= 0; --i) {
     A[i] = 0;
     double sum = 0;
-    for (int j = i + 1; j <= m; ++j) let(sum, sum + M(i, j) * A[j]);
+    for (int j = i + 1; j <= m; ++j) trap.let(sum, sum + M(i, j) * A[j]);
     if (M(i, i) == 0.0) return i;
-    let(A[i], (M(i, m + 1) - sum) / M(i, i));
+    trap.let(A[i], (M(i, m + 1) - sum) / M(i, i));
   }
   return -1;
 }
 
-FitOutcome singularOutcome(NormalEquations& M, const std::vector<double>& A, int m, int row) {
+FitOutcome singularOutcome(NormalEquations& M, const std::vector<double>& A, int m, int row, Trap& trap) {
   double sum = 0;
-  for (int j = row; j <= m; ++j) let(sum, sum + M(row, j) * A[j]);
+  for (int j = row; j <= m; ++j) trap.let(sum, sum + M(row, j) * A[j]);
   return M(row, m + 1) == sum ? FitOutcome::LinearlyDependent : FitOutcome::Inconsistent;
 }
 
-void computeStatistics(RegressionProblem& p) {
+void computeStatistics(RegressionProblem& p, Trap& trap) {
   FitStatistics& s = p.statistics;
   const int m = p.m;
   const double* given = p.X.column(m + 1);
   double total = 0;
-  for (int i = 1; i <= p.N; ++i) let(total, total + given[i]);
-  let(s.averageGiven, total / p.N);
+  for (int i = 1; i <= p.N; ++i) trap.let(total, total + given[i]);
+  trap.let(s.averageGiven, total / p.N);
   const double mean = s.averageGiven;
 
   double estimates = 0, explained = 0, residual = 0, spread = 0;
   for (int i = 1; i <= p.N; ++i) {
-    const double e = ComputeEstimates(p, i);
-    let(estimates, estimates + e);
-    let(explained, explained + (mean - e) * (mean - e));
-    let(residual, residual + (given[i] - e) * (given[i] - e));
-    let(spread, spread + (mean - given[i]) * (mean - given[i]));
+    const double e = estimateOf(p, i, trap);
+    trap.let(estimates, estimates + e);
+    trap.let(explained, explained + (mean - e) * (mean - e));
+    trap.let(residual, residual + (given[i] - e) * (given[i] - e));
+    trap.let(spread, spread + (mean - given[i]) * (mean - given[i]));
   }
-  let(s.averageEstimated, estimates / p.N);
+  trap.let(s.averageEstimated, estimates / p.N);
   if (spread == 0.0)
     s.correlation = 1;
   else
-    let(s.correlation, std::sqrt(explained / spread));
+    trap.let(s.correlation, std::sqrt(explained / spread));
   s.residualSquares = residual;
-  // N - 2 whatever m is: the program's own rule, kept.
-  let(s.standardError, std::sqrt(residual / (p.N - 2)));
+  // N - 2 whatever m is: the program's own rule, kept. With two sets or fewer it divides
+  // by zero and the value stays as it was: the rule, not an overflow.
+  const double unbiased = std::sqrt(residual / (p.N - 2));
+  if (std::isfinite(unbiased)) s.standardError = unbiased;
 }
 
 std::string label38(std::string_view label) {
@@ -146,28 +184,29 @@ std::string label38(std::string_view label) {
 
 }  // namespace
 
-FitOutcome Compute(RegressionProblem& problem) {
+FitOutcome Compute(RegressionProblem& problem, bool* overflowed) {
   const int m = problem.m;
   problem.computed = false;
   NormalEquations M(m);
   problem.A.assign(static_cast<size_t>(m) + 2, 0.0);
-  buildNormalEquations(problem, M);
-  eliminate(M, m);
-  const int failing = backSubstitute(M, problem.A, m);
-  if (failing >= 0) return singularOutcome(M, problem.A, m, failing);
-  computeStatistics(problem);
-  problem.computed = true;
-  return FitOutcome::Computed;
+  Trap trap;
+  buildNormalEquations(problem, M, trap);
+  eliminate(M, m, trap);
+  const int failing = backSubstitute(M, problem.A, m, trap);
+  FitOutcome outcome = FitOutcome::Computed;
+  if (failing >= 0) {
+    outcome = singularOutcome(M, problem.A, m, failing, trap);
+  } else {
+    computeStatistics(problem, trap);
+    problem.computed = true;
+  }
+  if (overflowed) *overflowed = trap.fired();
+  return outcome;
 }
 
 double ComputeEstimates(const RegressionProblem& problem, int i) {
-  double estimate = problem.A[0];
-  for (int j = 1; j <= problem.m; ++j) {
-    const double next = estimate + problem.X(j, i) * problem.A[j];
-    if (!std::isfinite(next)) break;  // the trap resumes after the call, with the sum so far
-    estimate = next;
-  }
-  return estimate;
+  Trap ignored;
+  return estimateOf(problem, i, ignored);
 }
 
 std::string SingularMessage(FitOutcome outcome) {

@@ -23,8 +23,10 @@ enum class FitOutcome {
 
 // Builds and solves the normal equations for sets 1..N and computes the statistics.
 // Sets X(0, i) = 1 for every set and re-creates A. On a singular system the statistics
-// keep their previous values and problem.computed is false.
-FitOutcome Compute(RegressionProblem& problem);
+// keep their previous values and problem.computed is false. `overflowed`, when given,
+// tells whether the error trap skipped a sum, product or quotient that overflowed: the
+// results are then not those of the data (the window lists them all the same).
+FitOutcome Compute(RegressionProblem& problem, bool* overflowed = nullptr);
 
 // The model's estimate for set i: A(0) + X(1,i)·A(1) + ... + X(m,i)·A(m), summed in that
 // order. An overflowing term ends the sum with what it held before.

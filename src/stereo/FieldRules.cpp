@@ -34,30 +34,33 @@ bool wholeNumber(double v) { return std::isfinite(v) && v == std::floor(v); }
 
 }  // namespace
 
+bool RangeLimitsValid(double lower, double upper) { return lower <= upper; }
+
 bool RangeLimitsValid(ExpressionReader& reader, std::string_view lower, std::string_view upper) {
   double lo = 0, hi = 0;
-  return evaluatePair(reader, lower, upper, lo, hi) && lo <= hi;
+  return evaluatePair(reader, lower, upper, lo, hi) && RangeLimitsValid(lo, hi);
 }
+
+bool WindowLimitsValid(double lower, double upper) { return lower < upper; }
 
 bool WindowLimitsValid(ExpressionReader& reader, std::string_view lower, std::string_view upper) {
   double lo = 0, hi = 0;
-  return evaluatePair(reader, lower, upper, lo, hi) && lo < hi;
+  return evaluatePair(reader, lower, upper, lo, hi) && WindowLimitsValid(lo, hi);
 }
 
-bool CountFieldValid(std::string_view text) {
-  const double v = leadingNumber(text);
-  return wholeNumber(v) && v >= 1 && v <= 2147483647.0;
-}
+bool CountValueValid(double v) { return wholeNumber(v) && v >= 1 && v <= 2147483647.0; }
 
-bool GridFieldValid(std::string_view text) {
-  const double v = leadingNumber(text);
-  return wholeNumber(v) && v >= 0 && v <= 2147483647.0;
-}
+bool CountFieldValid(std::string_view text) { return CountValueValid(leadingNumber(text)); }
+
+bool GridValueValid(double v) { return wholeNumber(v) && v >= 0 && v <= 2147483647.0; }
+
+bool GridFieldValid(std::string_view text) { return GridValueValid(leadingNumber(text)); }
+
+bool ReduceValueValid(double v) { return v > 0 && v <= 1; }
 
 bool ReduceFieldValid(ExpressionReader& reader, std::string_view text) {
   try {
-    const double v = reader.evalSetting(text);
-    return v > 0 && v <= 1;
+    return ReduceValueValid(reader.evalSetting(text));
   } catch (const RuntimeError&) {
     return false;
   }

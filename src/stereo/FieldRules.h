@@ -9,18 +9,26 @@
 
 namespace orvane {
 
+// Each rule is given for the field's text, as the window checks it, and for its value,
+// as an imported file is checked, so that the two never disagree.
+
 // Range limits (x/u or y/v): both evaluated; equal limits are accepted. False also when
 // either text has no value.
 bool RangeLimitsValid(ExpressionReader& reader, std::string_view lower, std::string_view upper);
+bool RangeLimitsValid(double lower, double upper);
 // Window limits: the lower must be strictly below the upper (a zero extent would divide
 // by zero in the depth slopes).
 bool WindowLimitsValid(ExpressionReader& reader, std::string_view lower, std::string_view upper);
+bool WindowLimitsValid(double lower, double upper);
 // Spacings, segments and number of dots: a whole number of at least 1.
 bool CountFieldValid(std::string_view text);
+bool CountValueValid(double value);
 // Number of reference lines: a whole number of at least 0.
 bool GridFieldValid(std::string_view text);
+bool GridValueValid(double value);
 // Reduction factor: above 0 and at most 1.
 bool ReduceFieldValid(ExpressionReader& reader, std::string_view text);
+bool ReduceValueValid(double value);
 // Order of a partial derivative: a whole number 0, 1 or 2.
 bool DerivativeOrderValid(std::string_view text);
 // Both orders together: their sum must not exceed 2.

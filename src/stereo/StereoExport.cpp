@@ -9,8 +9,10 @@
 
 #include "platform/Canvas.h"
 #include "platform/NumberText.h"
+#include "platform/RecordLine.h"
 #include "platform/RuntimeError.h"
 #include "platform/SafeFile.h"
+#include "stereo/FieldRules.h"
 
 namespace orvane {
 
@@ -50,53 +52,6 @@ struct Fault {
   std::string expected;
 };
 
-// One record split into its items: quoted strings (with doubled quotes) or bare text.
-// Only the first `keep` items are kept (a line of commas must not become millions of
-// strings); `found` receives how many there are.
-std::vector<std::string> splitRecord(std::string_view line, size_t keep = SIZE_MAX, size_t* found = nullptr) {
-  std::vector<std::string> items;
-  size_t count = 0;
-  size_t i = 0;
-  while (true) {
-    while (i < line.size() && (line[i] == ' ' || line[i] == '\t')) ++i;
-    std::string item;
-    if (i < line.size() && line[i] == '"') {
-      ++i;
-      while (i < line.size()) {
-        if (line[i] == '"') {
-          if (i + 1 < line.size() && line[i + 1] == '"') {
-            item += '"';
-            i += 2;
-            continue;
-          }
-          ++i;
-          break;
-        }
-        item += line[i++];
-      }
-      while (i < line.size() && line[i] != ',') ++i;
-    } else {
-      const size_t start = i;
-      while (i < line.size() && line[i] != ',') ++i;
-      item = std::string(line.substr(start, i - start));
-      while (!item.empty() && (item.back() == ' ' || item.back() == '\t')) item.pop_back();
-    }
-    if (items.size() < keep) items.push_back(std::move(item));
-    ++count;
-    if (i >= line.size()) break;
-    ++i;  // the comma
-  }
-  if (found) *found = count;
-  return items;
-}
-
-// A text found in the file, as a message quotes it: a line of megabytes is cut short.
-std::string shown(std::string_view text) {
-  constexpr size_t kLongest = 60;
-  if (text.size() <= kLongest) return std::string(text);
-  return std::string(text.substr(0, kLongest)) + "...";
-}
-
 // Reads the records in order, each item straight into the fields, so that a fault
 // leaves everything read before it in place.
 class RecordReader {
@@ -108,13 +63,13 @@ class RecordReader {
     ++lineNo_;
     if (static_cast<size_t>(lineNo_) > lines_.size())
       throw Fault{lineNo_, what + "; the file ends before it"};
-    size_t found = 0;
-    items_ = splitRecord(lines_[static_cast<size_t>(lineNo_) - 1], count, &found);
+    if (!SplitRecord(lines_[static_cast<size_t>(lineNo_) - 1], count, record_))
+      throw Fault{lineNo_, what + ", with " + record_.fault};
     next_ = 0;
     what_ = what;
-    if (found != count) {
+    if (record_.count != count) {
       std::ostringstream m;
-      m << what << " (" << count << (count == 1 ? " value" : " values") << "), found " << found;
+      m << what << " (" << count << (count == 1 ? " value" : " values") << "), found " << record_.count;
       // The items that are there are still read, up to the first missing one.
       pendingCountFault_ = m.str();
     } else {
@@ -128,38 +83,48 @@ class RecordReader {
 
   std::string text() { return item(); }
 
-  double number(const char* name) {
-    const std::string t = item();
+  double number(const std::string& name) {
+    const std::string& t = item();
     try {
       return parseStrict(t);
     } catch (const RuntimeError&) {
-      throw Fault{lineNo_, std::string("a number for ") + name + " in " + what_ + ", found \"" + shown(t) + "\""};
+      throw Fault{lineNo_, "a number for " + name + " in " + what_ + ", found \"" + Excerpt(t) + "\""};
     }
   }
-  void single(const char* name, std::string& field) {
-    const double v = number(name);
-    if (!std::isfinite(v) || std::fabs(v) > 3.4028234663852886e38)
-      throw Fault{lineNo_, std::string("a single-precision number for ") + name + " in " + what_};
-    field = formatSingle(static_cast<float>(v));
+  void single(const std::string& name, std::string& field) { field = formatSingle(singleValue(name)); }
+  // A single the window's field would also have to accept: a value it refuses never
+  // reaches the field.
+  void single(const std::string& name, std::string& field, bool (*valid)(double), const std::string& rule) {
+    const float v = singleValue(name);
+    if (!valid(v)) refuse(rule + " for " + name);
+    field = formatSingle(v);
   }
-  int32_t integer(const char* name, int32_t low, int32_t high) {
+  // Two limits that the window checks together.
+  void limits(const std::string& lowerName, const std::string& upperName, std::string& lower, std::string& upper,
+              bool (*valid)(double, double), const std::string& rule) {
+    const float lo = singleValue(lowerName);
+    const std::string lowerText = record_.kept[next_ - 1];
+    const float hi = singleValue(upperName);
+    if (!valid(lo, hi))
+      throw Fault{lineNo_, lowerName + " " + rule + " " + upperName + ", found " + Excerpt(lowerText) + " and " +
+                               Excerpt(record_.kept[next_ - 1])};
+    lower = formatSingle(lo);
+    upper = formatSingle(hi);
+  }
+  int32_t integer(const std::string& name, int32_t low, int32_t high) {
     const double v = number(name);
-    int32_t n = 0;
-    bool fits = true;
-    try {
-      n = toInt32(v);
-    } catch (const RuntimeError&) {
-      fits = false;
-    }
-    if (!fits || n < low || n > high) {
+    if (!(v >= low && v <= high && v == std::floor(v))) {
       std::ostringstream m;
       m << "a whole number from " << low << " to " << high << " for " << name << " in " << what_;
       throw Fault{lineNo_, m.str()};
     }
-    return n;
+    return static_cast<int32_t>(v);
   }
-  void count(const char* name, std::string& field) {
-    field = std::to_string(integer(name, std::numeric_limits<int32_t>::min(), std::numeric_limits<int32_t>::max()));
+  // A count with the rule of the window's field.
+  void count(const std::string& name, std::string& field, bool (*valid)(double), const std::string& rule) {
+    const double v = number(name);
+    if (!valid(v)) refuse(rule + " for " + name);
+    field = std::to_string(static_cast<int32_t>(v));
   }
   // A print line: the whole line as it stands.
   std::string wholeLine(const std::string& what) {
@@ -170,13 +135,23 @@ class RecordReader {
   int lineNo() const { return lineNo_; }
 
  private:
-  std::string item() {
-    if (next_ >= items_.size()) end();  // a short record: report it as such
-    return items_[next_++];
+  const std::string& item() {
+    if (next_ >= record_.kept.size()) end();  // a short record: report it as such
+    return record_.kept[next_++];
+  }
+  float singleValue(const std::string& name) {
+    const double v = number(name);
+    if (!std::isfinite(v) || std::fabs(v) > 3.4028234663852886e38)
+      throw Fault{lineNo_, "a single-precision number for " + name + " in " + what_};
+    return static_cast<float>(v);
+  }
+  // The item just read breaks a rule of its field.
+  [[noreturn]] void refuse(const std::string& expected) const {
+    throw Fault{lineNo_, expected + ", found " + Excerpt(record_.kept[next_ - 1])};
   }
 
   const std::vector<std::string>& lines_;
-  std::vector<std::string> items_;
+  RecordFields record_;
   size_t next_ = 0;
   int lineNo_ = 0;
   std::string what_;
@@ -198,12 +173,13 @@ void readSettings(RecordReader& r, StereoFields& f, std::vector<std::string>& co
   f.equationZ = r.text();
   r.end();
 
+  constexpr const char* kCountRule = "a whole number of at least 1";
   r.begin(5, "the stereoscopic factor, 0, reduction factor, number of dots, number of reference lines");
   r.single("the stereoscopic factor", f.stereo);
   r.number("the reserved value");
-  r.single("the reduction factor", f.reduce);
-  r.count("the number of dots", f.ndots);
-  r.count("the number of reference lines", f.grid);
+  r.single("the reduction factor", f.reduce, ReduceValueValid, "a value above 0 and at most 1");
+  r.count("the number of dots", f.ndots, CountValueValid, kCountRule);
+  r.count("the number of reference lines", f.grid, GridValueValid, "a whole number of at least 0");
   r.end();
 
   r.begin(3, "the axes origin");
@@ -212,27 +188,24 @@ void readSettings(RecordReader& r, StereoFields& f, std::vector<std::string>& co
   r.single("z", f.zorigin);
   r.end();
 
+  constexpr const char* kWindowRule = "below";
   r.begin(6, "the viewing window");
-  r.single("the lower x limit", f.windowlx);
-  r.single("the upper x limit", f.windowgx);
-  r.single("the lower y limit", f.windowly);
-  r.single("the upper y limit", f.windowgy);
-  r.single("the lower z limit", f.windowlz);
-  r.single("the upper z limit", f.windowgz);
+  r.limits("the lower x limit", "the upper x limit", f.windowlx, f.windowgx, WindowLimitsValid, kWindowRule);
+  r.limits("the lower y limit", "the upper y limit", f.windowly, f.windowgy, WindowLimitsValid, kWindowRule);
+  r.limits("the lower z limit", "the upper z limit", f.windowlz, f.windowgz, WindowLimitsValid, kWindowRule);
   r.end();
 
+  constexpr const char* kRangeRule = "not above";
   r.begin(4, "the parameter ranges");
-  r.single("the lower x/u limit", f.rangelxu);
-  r.single("the upper x/u limit", f.rangegxu);
-  r.single("the lower y/v limit", f.rangelyv);
-  r.single("the upper y/v limit", f.rangegyv);
+  r.limits("the lower x/u limit", "the upper x/u limit", f.rangelxu, f.rangegxu, RangeLimitsValid, kRangeRule);
+  r.limits("the lower y/v limit", "the upper y/v limit", f.rangelyv, f.rangegyv, RangeLimitsValid, kRangeRule);
   r.end();
 
   r.begin(4, "the spacings and segments per spacing");
-  r.count("the spacings along x/u", f.spacexu);
-  r.count("the spacings along y/v", f.spaceyv);
-  r.count("the segments along x/u", f.segsxu);
-  r.count("the segments along y/v", f.segsyv);
+  r.count("the spacings along x/u", f.spacexu, CountValueValid, kCountRule);
+  r.count("the spacings along y/v", f.spaceyv, CountValueValid, kCountRule);
+  r.count("the segments along x/u", f.segsxu, CountValueValid, kCountRule);
+  r.count("the segments along y/v", f.segsyv, CountValueValid, kCountRule);
   r.end();
 
   r.begin(9, "the divisions, rotations and translations");
@@ -261,7 +234,7 @@ void readSettings(RecordReader& r, StereoFields& f, std::vector<std::string>& co
     if (v >= 0 && v <= 1e6 && v == std::floor(v)) n = static_cast<int32_t>(v);
   } catch (const RuntimeError&) {
   }
-  if (n < 0) throw Fault{r.lineNo(), "the number of constants, found \"" + shown(countLine) + "\""};
+  if (n < 0) throw Fault{r.lineNo(), "the number of constants, found \"" + Excerpt(countLine) + "\""};
   for (int32_t k = 1; k <= n; ++k)
     constants.push_back(r.wholeLine("constant " + std::to_string(k) + " of " + std::to_string(n)));
 }
@@ -323,7 +296,7 @@ void SaveStereoPictures(Canvas& left, Canvas& right, const std::string& path, bo
       left.SetAutoRedraw(false);
       right.SetAutoRedraw(false);
     }
-    throw RuntimeError(err::PathFileAccess, "Cannot write \"" + e.target() + "\"");
+    throw RuntimeError(err::PathFileAccess, e.what());
   }
   if (!persist) {
     left.SetAutoRedraw(false);
@@ -335,7 +308,9 @@ StereoImport ParseStereoFile(const std::string& text, const std::string& name, c
   StereoImport result;
   result.fields = current;
   const std::vector<std::string> lines = SplitLines(text);
-  if (lines.empty() || splitRecord(lines[0], 1).front() != kStereoMagic) {
+  RecordFields first;
+  SplitRecord(lines.empty() ? std::string_view{} : std::string_view(lines[0]), 1, first);
+  if (first.kept.empty() || first.kept[0] != kStereoMagic) {
     result.status = ImportStatus::Incompatible;
     result.message = kIncompatibleFile;
     return result;

@@ -1,14 +1,20 @@
 // eval, fit and report through the executable: the window texts they print, the CSV
-// reader's handling of real-world files, the file pair written by --save, and the
-// accuracy of the fit against NIST's certified values.
+// reader's handling of real-world and hostile files, the file pair written by --save,
+// the exit status of a fit that fails, and the accuracy of the fit against NIST's
+// certified values.
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
+#include <QDir>
 #include <QTemporaryDir>
 #include <cmath>
 #include <filesystem>
 
 #include "batch/BatchSupport.h"
+#include "batch/CsvProblem.h"
+#include "hardening/AllocationProbe.h"
 #include "platform/NumberText.h"
 #include "regression/RegressionFile.h"
 #include "regression/Solver.h"
@@ -154,13 +160,87 @@ TEST_F(BatchFiles, BadCsvFilesNameTheFileAndTheLine) {
   }
   const BatchRun missing = runBatch({"fit", path("none.csv")});
   EXPECT_EQ(missing.status, 1);
-  EXPECT_EQ(missing.err, path("none.csv") + ": cannot be opened.\n");
+  EXPECT_EQ(missing.err, "Cannot read the file " + path("none.csv") + ": No such file or directory\n");
 }
 
-TEST_F(BatchFiles, SingularSystemsPrintTheWindowsMessage) {
+// A line of 10 MB costs a few times the line, however many fields it holds, and the
+// message quotes at most 40 characters of it.
+TEST(BatchCsv, HugeLinesCostAFewTimesTheLineAndGiveAShortMessage) {
+  const size_t huge = 10 << 20;
+  const struct {
+    const char* what;
+    std::string text;
+    std::string message;  // after "big.csv, "
+  } rows[] = {
+      {"a 10 MB field", "y,x\n1," + std::string(huge, '7') + "x\n",
+       "line 2: expected a number in column 2 (x), not \"" + std::string(40, '7') + "...\"."},
+      {"10 MB of commas in a set", "y,x\n1" + std::string(huge, ',') + "\n",
+       "line 2: expected 2 numbers separated by \",\", found " + std::to_string(huge + 1) + " fields."},
+      {"10 MB of commas in the header", "y" + std::string(huge, ',') + "\n",
+       "line 1: expected at most 16383 columns (more variables than a fit can solve), found " +
+           std::to_string(huge + 1) + "."},
+      {"a 10 MB name of quotes", "y," + std::string(huge, '"') + "\n",
+       "line 1: expected a name for column 2 without \",\" or quotes, not \"" + std::string(40, '"') + "...\"."},
+      {"a 10 MB dependent name", std::string(huge, 'Y') + "_,x\n",
+       "line 1: expected a dependent-variable name made of a letter followed by letters and digits, not \"" +
+           std::string(40, 'Y') + "...\"."},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.what);
+    test::resetLargestAllocation();
+    try {
+      ParseCsvProblem("big.csv", row.text);
+      ADD_FAILURE() << "read";
+    } catch (const RegressionFileError& e) {
+      EXPECT_EQ(std::string(e.what()), "big.csv, " + row.message);
+    }
+    EXPECT_LT(test::peakAllocated(), 4 * huge);  // a comma-separated 10 MB took 700 MB
+  }
+}
+
+TEST_F(BatchFiles, SingularAndOverflowingFitsExitWithTheReason) {
   const BatchRun dependent = runBatch({"fit", csv("dep.csv", "y,x1,x2\n1,1,1\n2,2,2\n3,3,3\n4,4,4\n")});
   EXPECT_EQ(dependent.status, 1);
   EXPECT_EQ(dependent.outLines(), std::vector<std::string>{"YIELDS LINEARLY DEPENDENT SYSTEM"});
+
+  // Squares of 1e300 overflow: the window lists what its error trap left (a residual sum
+  // of 0 among it); the tool lists it too, but fails and says why, and saves nothing.
+  const std::string huge = csv("huge.csv", "y,x\n1e300,1\n-1e300,2\n1e300,3\n-1e300,4\n");
+  const std::string why =
+      "The fit's sums overflowed: the values are too large to square and add, so the results listed are not those "
+      "of the data.\n";
+  const BatchRun fit = runBatch({"fit", huge, "--save", path("huge.txt")});
+  EXPECT_EQ(fit.status, 1);
+  EXPECT_EQ(fit.outLines().at(2), "                    SUM (RESIDUALS)^2=0");
+  EXPECT_EQ(fit.err, why);
+  EXPECT_FALSE(std::filesystem::exists(path("huge.txt")));
+  const BatchRun report = runBatch({"report", huge, "--pdf", path("huge.pdf")});
+  EXPECT_EQ(report.status, 1);
+  EXPECT_EQ(report.err, why);
+  EXPECT_FALSE(std::filesystem::exists(path("huge.pdf")));
+}
+
+// Pipes, devices and folders are refused at once by every command that reads a file.
+TEST_F(BatchFiles, WhatIsNoRegularFileIsRefusedAtOnce) {
+  const std::string pipe = path("pipe");
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0644), 0);
+  const std::string folder = dir.path().toStdString();
+  const struct {
+    std::vector<std::string> args;
+    std::string err;
+  } rows[] = {
+      {{"fit", pipe}, "Cannot read the file " + pipe + ": not a regular file\n"},
+      {{"fit", "--csv", "/dev/zero"}, "Cannot read the file /dev/zero: not a regular file\n"},
+      {{"report", "--text", folder}, "Cannot read the file " + folder + ": Is a directory\n"},
+      {{"plot2d", "--data", pipe, "--out", path("p.png")}, "Cannot read the file " + pipe + ": not a regular file\n"},
+      {{"stereo", "--import", pipe, "--out", path("s")}, "Cannot open \"" + pipe + "\": not a regular file.\n"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.args.front());
+    const BatchRun run = runBatch(row.args);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err, row.err);
+  }
 }
 
 TEST_F(BatchFiles, SavedPairOpensWithTheSameListing) {
@@ -223,7 +303,7 @@ TEST_F(BatchFiles, ReportPdfIsWrittenWholeOrNotAtAll) {
   std::string head(5, '\0');
   in.read(head.data(), 5);
   EXPECT_EQ(head, "%PDF-");
-  EXPECT_FALSE(std::filesystem::exists(pdf + ".part"));
+  EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), (QStringList{"r.csv", "report.pdf"}));  // no temporary left
 
   const BatchRun noTarget = runBatch({"report", file});
   EXPECT_EQ(noTarget.status, 1);

@@ -108,6 +108,12 @@ TEST_F(BatchPictures, Plot2dSizesFormatsAndFailures) {
   const BatchRun inverted = runBatch({"plot2d", "x", "--window", "1", "-1", "0", "1", "--out", path("y.png")});
   EXPECT_EQ(inverted.status, 1);
   EXPECT_FALSE(std::filesystem::exists(path("y.png")));
+
+  // An error the window would show in a box: no picture of a function that was not drawn.
+  const BatchRun undefined = runBatch({"plot2d", "x*undefinedName", "--out", path("u.png")});
+  EXPECT_EQ(undefined.status, 1);
+  EXPECT_EQ(undefined.err, "error 500: Variable is undefined: 'undefinedName'\n");
+  EXPECT_FALSE(std::filesystem::exists(path("u.png")));
 }
 
 TEST_F(BatchPictures, StereoSizesBackgroundAndImportRoundTrip) {
@@ -151,6 +157,12 @@ TEST_F(BatchPictures, StereoSizesBackgroundAndImportRoundTrip) {
                          QImage(QString::fromStdString(path("b_left.png")))));
   EXPECT_TRUE(samePixels(QImage(QString::fromStdString(path("a_right.png"))),
                          QImage(QString::fromStdString(path("b_right.png")))));
+
+  // An error the window would show in a box: neither pictures nor export.
+  const BatchRun undefined = runBatch({"stereo", "--out", path("u"), "--export", path("u.stereo"), "x*nope"});
+  EXPECT_EQ(undefined.status, 1);
+  EXPECT_EQ(undefined.err, "error 500: Variable is undefined: 'nope'\n");
+  EXPECT_FALSE(std::filesystem::exists(path("u_left.png")) || std::filesystem::exists(path("u.stereo")));
 
   writeFile(path("other.txt"), "\"CURVE\",0\r\n");
   const BatchRun incompatible = runBatch({"stereo", "--out", path("c"), "--import", path("other.txt")});

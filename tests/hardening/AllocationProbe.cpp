@@ -1,5 +1,7 @@
 #include "hardening/AllocationProbe.h"
 
+#include <malloc.h>
+
 #include <atomic>
 #include <cstdlib>
 #include <new>
@@ -7,20 +9,39 @@
 namespace {
 
 std::atomic<size_t> largest{0};
+std::atomic<size_t> held{0}, peak{0}, heldAtReset{0};
+
+void raise(std::atomic<size_t>& mark, size_t value) {
+  size_t seen = mark.load(std::memory_order_relaxed);
+  while (value > seen && !mark.compare_exchange_weak(seen, value, std::memory_order_relaxed)) {
+  }
+}
 
 void* allocate(size_t size) {
-  size_t seen = largest.load(std::memory_order_relaxed);
-  while (size > seen && !largest.compare_exchange_weak(seen, size, std::memory_order_relaxed)) {
+  raise(largest, size);
+  if (void* p = std::malloc(size ? size : 1)) {
+    raise(peak, held.fetch_add(malloc_usable_size(p), std::memory_order_relaxed) + malloc_usable_size(p));
+    return p;
   }
-  if (void* p = std::malloc(size ? size : 1)) return p;
   throw std::bad_alloc();
+}
+
+void release(void* p) {
+  if (!p) return;
+  held.fetch_sub(malloc_usable_size(p), std::memory_order_relaxed);
+  std::free(p);
 }
 
 }  // namespace
 
 namespace orvane::test {
-void resetLargestAllocation() { largest.store(0); }
+void resetLargestAllocation() {
+  largest.store(0);
+  heldAtReset.store(held.load());
+  peak.store(held.load());
+}
 size_t largestAllocation() { return largest.load(); }
+size_t peakAllocated() { return peak.load() - heldAtReset.load(); }
 }  // namespace orvane::test
 
 // Every form of the plain operators, so that all memory they hand out comes from malloc
@@ -35,9 +56,9 @@ void* operator new(size_t size, const std::nothrow_t&) noexcept {
   }
 }
 void* operator new[](size_t size, const std::nothrow_t& tag) noexcept { return operator new(size, tag); }
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete[](void* p) noexcept { std::free(p); }
-void operator delete(void* p, size_t) noexcept { std::free(p); }
-void operator delete[](void* p, size_t) noexcept { std::free(p); }
-void operator delete(void* p, const std::nothrow_t&) noexcept { std::free(p); }
-void operator delete[](void* p, const std::nothrow_t&) noexcept { std::free(p); }
+void operator delete(void* p) noexcept { release(p); }
+void operator delete[](void* p) noexcept { release(p); }
+void operator delete(void* p, size_t) noexcept { release(p); }
+void operator delete[](void* p, size_t) noexcept { release(p); }
+void operator delete(void* p, const std::nothrow_t&) noexcept { release(p); }
+void operator delete[](void* p, const std::nothrow_t&) noexcept { release(p); }

@@ -1,6 +1,7 @@
 #pragma once
-// The largest single allocation made since the last reset, from the test program's own
-// operator new: proves that a refused file cost no memory.
+// What the test program's own operator new has handed out since the last reset: the
+// largest single allocation, and the most held at once. Proves that a refused file cost
+// no memory, and that reading a huge line costs a few times the line, not more.
 
 #include <cstddef>
 
@@ -8,5 +9,8 @@ namespace orvane::test {
 
 void resetLargestAllocation();
 size_t largestAllocation();
+// The most bytes held at once through operator new since the last reset, above what was
+// held at the reset.
+size_t peakAllocated();
 
 }  // namespace orvane::test

@@ -1,19 +1,23 @@
 // Regression file pairs no one should have to open: garbage, absurd counts, huge lines,
-// values that are not numbers. Each is refused with a message naming the file and the
-// line, without allocating for what the header claims.
+// values that are not numbers, pipes and devices. Each is refused with a message naming
+// the file and the line, without allocating for what the header claims.
 
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <functional>
+#include <future>
 #include <random>
 #include <string>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "hardening/AllocationProbe.h"
 #include "regression/RegressionFile.h"
+#include "stereo/StereoExport.h"
 
 namespace orvane {
 namespace {
@@ -179,20 +183,65 @@ TEST(RegressionFileHostile, NamesWithQuotesAndCommas) {
   }
 }
 
-TEST(RegressionFileHostile, AMissingDataFileIsNamed) {
+// Every reader of a user's file, offered what is no regular file: each is refused at
+// once with a message naming it. A pipe without a writer must not hold the reader, nor
+// /dev/zero fill the memory.
+TEST(RegressionFileHostile, WhatIsNoRegularFileIsRefusedWithoutWaiting) {
   namespace fs = std::filesystem;
   const fs::path dir = fs::temp_directory_path() / ("orvane-hostile-" + std::to_string(::getpid()));
   fs::create_directories(dir);
-  const std::string problemFile = (dir / "pair.reg").string();
-  std::ofstream(problemFile, std::ios::binary) << kGoodProblem;
-  try {
-    ReadRegressionFiles(problemFile);
-    ADD_FAILURE() << "read without its data file";
-  } catch (const RegressionFileError& e) {
-    EXPECT_NE(std::string(e.what()).find(problemFile + ".dat"), std::string::npos) << e.what();
+  const std::string pipe = (dir / "pipe").string();
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0644), 0);
+  const std::string lonely = (dir / "lonely.reg").string();
+  std::ofstream(lonely, std::ios::binary) << kGoodProblem;
+  const auto pairWithData = [&dir](const std::string& name, auto makeData) {
+    const std::string problemFile = (dir / name).string();
+    std::ofstream(problemFile, std::ios::binary) << kGoodProblem;
+    makeData(problemFile + ".dat");
+    return problemFile;
+  };
+  const std::string dataPipe = pairWithData("piped.reg", [](const std::string& data) { ::mkfifo(data.c_str(), 0644); });
+  const std::string dataFolder = pairWithData("folder.reg", [](const std::string& data) { fs::create_directory(data); });
+
+  struct Row {
+    std::string what;
+    std::function<std::string()> read;  // the message
+    std::string expected;
+  };
+  const auto pair = [](const std::string& file) {
+    return [file] {
+      try {
+        ReadRegressionFiles(file);
+      } catch (const RegressionFileError& e) {
+        return std::string(e.what());
+      }
+      return std::string("<read>");
+    };
+  };
+  const auto stereo = [](const std::string& file) {
+    return [file] { return ReadStereoFile(file, StereoFields{}).message; };
+  };
+  const std::vector<Row> rows = {
+      {"pair: a pipe", pair(pipe), "Cannot read the file " + pipe + ": not a regular file"},
+      {"pair: /dev/zero", pair("/dev/zero"), "Cannot read the file /dev/zero: not a regular file"},
+      {"pair: a folder", pair(dir.string()), "Cannot read the file " + dir.string() + ": Is a directory"},
+      {"pair: no data file", pair(lonely), "Cannot read the file " + lonely + ".dat: No such file or directory"},
+      {"pair: a pipe for data", pair(dataPipe), "Cannot read the file " + dataPipe + ".dat: not a regular file"},
+      {"pair: a folder for data", pair(dataFolder), "Cannot read the file " + dataFolder + ".dat: Is a directory"},
+      {"stereo: a pipe", stereo(pipe), "Cannot open \"" + pipe + "\": not a regular file."},
+      {"stereo: /dev/zero", stereo("/dev/zero"), "Cannot open \"/dev/zero\": not a regular file."},
+      {"stereo: a folder", stereo(dir.string()), "Cannot open \"" + dir.string() + "\": Is a directory."},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.what);
+    auto reading = std::async(std::launch::async, row.read);
+    if (reading.wait_for(std::chrono::seconds(20)) != std::future_status::ready) {
+      ADD_FAILURE() << "the reader waits";
+      std::ofstream(pipe) << "";  // lets it go
+      std::ofstream(dataPipe + ".dat") << "";
+    }
+    EXPECT_EQ(reading.get(), row.expected);
   }
-  fs::create_directory(problemFile + ".dat");  // a folder where the data file should be
-  EXPECT_THROW(ReadRegressionFiles(problemFile), RegressionFileError);
   fs::remove_all(dir);
 }
 

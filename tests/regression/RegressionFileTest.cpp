@@ -169,6 +169,31 @@ TEST(RegressionFile, MalformedFilesNameFileAndLine) {
   }
 }
 
+// Saving over a pair replaces what the files hold, not what they are: a private pair
+// stays private and a pair of links keeps its links, the files they lead to replaced.
+TEST(RegressionFile, SavingOverAPairKeepsItsPermissionsAndLinks) {
+  TempDir dir;
+  const std::string secret = dir.file("secret.txt");
+  WriteRegressionFiles(secret, sample());
+  const auto privateMode = fs::perms::owner_read | fs::perms::owner_write;
+  for (const std::string& file : {secret, secret + ".dat"}) fs::permissions(file, privateMode);
+  RegressionProblem after = sample();
+  after.dependentName = "other";
+  WriteRegressionFiles(secret, after);
+  for (const std::string& file : {secret, secret + ".dat"}) EXPECT_EQ(fs::status(file).permissions(), privateMode);
+  EXPECT_EQ(ReadRegressionFiles(secret).dependentName, "other");
+
+  TempDir elsewhere;
+  WriteRegressionFiles(elsewhere.file("real.txt"), sample());
+  fs::create_symlink(elsewhere.file("real.txt"), dir.file("link.txt"));
+  fs::create_symlink("../" + elsewhere.path.filename().string() + "/real.txt.dat", dir.file("link.txt.dat"));
+  WriteRegressionFiles(dir.file("link.txt"), after);
+  EXPECT_TRUE(fs::is_symlink(dir.file("link.txt")) && fs::is_symlink(dir.file("link.txt.dat")));
+  EXPECT_EQ(readText(elsewhere.file("real.txt")), ProblemText(after));
+  EXPECT_EQ(readText(elsewhere.file("real.txt.dat")), DataText(after));
+  EXPECT_EQ(elsewhere.entries(), 2) << "no temporary file left behind";
+}
+
 TEST(RegressionFile, MissingFilesAndFailedSaves) {
   TempDir dir;
   std::ofstream(dir.file("lonely"), std::ios::binary) << crlf({"3,1,#FALSE#,\"y\"", "x"});
@@ -196,6 +221,19 @@ TEST(RegressionFile, MissingFilesAndFailedSaves) {
   EXPECT_THROW(WriteRegressionFiles(blockedMain, after), RegressionFileError);
   EXPECT_EQ(readText(blockedMain), oldMain);
   EXPECT_EQ(blocked.entries(), 2) << "no temporary file left behind";
+
+  // A read-only data file is refused with the reason, for the superuser too: it was made
+  // read-only on purpose. Neither file changes.
+  fs::permissions(path + ".dat", fs::perms::owner_read | fs::perms::group_read);
+  try {
+    WriteRegressionFiles(path, after);
+    ADD_FAILURE() << "saved over a read-only data file";
+  } catch (const RegressionFileError& e) {
+    EXPECT_EQ(std::string(e.what()), "Cannot write the file " + path + ".dat: Permission denied");
+  }
+  EXPECT_EQ(readText(path), oldMain);
+  EXPECT_EQ(readText(path + ".dat"), oldData);
+  fs::permissions(path + ".dat", fs::perms::owner_read | fs::perms::owner_write);
 
   EXPECT_THROW(WriteRegressionFiles(dir.file("no/such/folder/x"), after), RegressionFileError);
   if (::geteuid() != 0) {  // permissions mean nothing to the superuser

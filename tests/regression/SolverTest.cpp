@@ -34,10 +34,27 @@ TEST(Solver, SameBitsAsThePlainOrderOfOperations) {
        {0x1.5c71c71c71c63p+0, 0x1.e38e38e38e395p-1, 0x1.8e38e38e38e34p-2}},
   };
   for (auto c : cases) {
-    ASSERT_EQ(Compute(c.p), FitOutcome::Computed) << "m=" << c.p.m;
+    bool overflowed = true;
+    ASSERT_EQ(Compute(c.p, &overflowed), FitOutcome::Computed) << "m=" << c.p.m;
     EXPECT_EQ(coefficients(c.p), c.A) << "m=" << c.p.m;
+    EXPECT_FALSE(overflowed);
     for (int i = 1; i <= c.p.N; ++i) EXPECT_EQ(c.p.X(0, i), 1.0);
   }
+}
+
+// Squares of 1e154 overflow from the second set on: the error trap skips those additions
+// and the fit goes on with what the sums held, as it always has (a correlation above 1
+// among them), and says that it overflowed.
+TEST(Solver, AnOverflowingSumIsSkippedAndReported) {
+  RegressionProblem p =
+      makeProblem(2, {{1e154, 1, 1}, {1.5e154, 2, 2}, {-1e154, 3, 2}, {3, 5, 4}, {2e153, 4, 7}});
+  bool overflowed = false;
+  ASSERT_EQ(Compute(p, &overflowed), FitOutcome::Computed);
+  EXPECT_TRUE(overflowed);
+  EXPECT_EQ(coefficients(p), (std::vector<double>{0x1.a2e8ba2e8ba22p+1, -0x1.b3355de738676p-511, 0x1.0d79435e50d91p-2}));
+  const FitStatistics& s = p.statistics;
+  EXPECT_EQ((std::vector<double>{s.correlation, s.standardError, s.residualSquares}),
+            (std::vector<double>{0x1.208e51c50ce2ep+0, 0x1.b921d333c9365p+1, 0x1.1d0e154c34d01p+5}));
 }
 
 TEST(Solver, StatisticsOfSmallFits) {

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -32,6 +33,12 @@ class StereoFileTest : public ::testing::Test {
     return s.str();
   }
   static void put(const std::string& p, const std::string& text) { std::ofstream(p, std::ios::binary) << text; }
+  Lines entries() const {
+    Lines names;
+    for (const auto& entry : fs::directory_iterator(dir_)) names.push_back(entry.path().filename().string());
+    std::sort(names.begin(), names.end());
+    return names;
+  }
 
   fs::path dir_;
 };
@@ -42,7 +49,7 @@ TEST_F(StereoFileTest, DefaultSettingsWriteTheseExactLines) {
       "-1,1,-1,1\r\n4,4,1,1\r\n1,1,1,0,0,0,0,0,0\r\n0,0\r\n 0 \r\n";
   WriteStereoFile(path("plot.txt"), StereoSettings{}, {});
   EXPECT_EQ(slurp(path("plot.txt")), expected);
-  EXPECT_FALSE(fs::exists(path("plot.txt.part")));
+  EXPECT_EQ(entries(), Lines{"plot.txt"});  // no temporary left
   StereoSettings s;  // parametric: the x and y equations on line 2, quotes doubled
   s.parametric = true;
   s.equationX = "Cos(u)";
@@ -160,11 +167,69 @@ TEST_F(StereoFileTest, AShortOrMalformedFileNamesTheLineAndKeepsWhatWasRead) {
   EXPECT_EQ(ParseStereoFile(rows[4].text, "f", StereoFields{}).constants, Lines{"a=1"});
 }
 
+// A value the window's own fields would refuse (some of them would hang the plot) makes
+// the file malformed at its line, and never reaches the field.
+TEST_F(StereoFileTest, ValuesTheFieldsRefuseMakeTheFileMalformed) {
+  const std::vector<std::string> good = {"\"STEREO\",0", "\"x*y\"", "2,0,0.5,10,3", "1,2,3", "-1,1,-2,2,-3,3",
+                                         "0,1,0,2",      "5,6,2,3",  "1,1,1,0,0,0,0,0,0", "0,0", "0"};
+  StereoFields current;  // what the window shows before the import
+  current.reduce = "0.25";
+  current.ndots = "77";
+  current.grid = "7";
+  current.windowly = "-7";
+  current.windowlz = "-8";
+  current.rangelyv = "-9";
+  current.spacexu = "3";
+  current.segsxu = "4";
+  const struct {
+    size_t line;  // in the file, from 1
+    const char* record;
+    const char* words;
+    std::string StereoFields::*refused;
+  } rows[] = {
+      {3, "2,0,0,10,3", "a value above 0 and at most 1 for the reduction factor, found 0", &StereoFields::reduce},
+      {3, "2,0,1E-50,10,3", "a value above 0 and at most 1 for the reduction factor, found 1E-50", &StereoFields::reduce},
+      {3, "2,0,1.5,10,3", "a value above 0 and at most 1 for the reduction factor, found 1.5", &StereoFields::reduce},
+      {3, "2,0,0.5,0,3", "a whole number of at least 1 for the number of dots, found 0", &StereoFields::ndots},
+      {3, "2,0,0.5,10,-1", "a whole number of at least 0 for the number of reference lines, found -1", &StereoFields::grid},
+      {3, "2,0,0.5,10,2.5", "found 2.5", &StereoFields::grid},
+      {5, "-1,1,2,2,-3,3", "the lower y limit below the upper y limit, found 2 and 2", &StereoFields::windowly},
+      {5, "-1,1,-2,2,3,-3", "the lower z limit below the upper z limit, found 3 and -3", &StereoFields::windowlz},
+      {6, "0,1,2,1", "the lower y/v limit not above the upper y/v limit, found 2 and 1", &StereoFields::rangelyv},
+      {7, "0,6,2,3", "a whole number of at least 1 for the spacings along x/u, found 0", &StereoFields::spacexu},
+      {7, "5,6,-2,3", "a whole number of at least 1 for the segments along x/u, found -2", &StereoFields::segsxu},
+  };
+  for (const auto& r : rows) {
+    std::vector<std::string> lines = good;
+    lines[r.line - 1] = r.record;
+    std::string text;
+    for (const std::string& line : lines) text += line + "\r\n";
+    const StereoImport imp = ParseStereoFile(text, "/tmp/rules.dup", current);
+    SCOPED_TRACE(r.record);
+    EXPECT_EQ(imp.status, ImportStatus::Malformed);
+    EXPECT_EQ(imp.line, static_cast<int>(r.line));
+    EXPECT_EQ(imp.message.rfind("Cannot read \"/tmp/rules.dup\", line " + std::to_string(r.line) + ": expected ", 0), 0u)
+        << imp.message;
+    EXPECT_NE(imp.message.find(r.words), std::string::npos) << imp.message;
+    EXPECT_EQ(imp.fields.*r.refused, current.*r.refused);
+  }
+  // Equal range limits pass, as in the window; the good file reads.
+  std::string text;
+  for (const std::string& line : good) text += (line == "0,1,0,2" ? "1,1,2,2" : line) + "\r\n";
+  EXPECT_EQ(ParseStereoFile(text, "f", current).status, ImportStatus::Ok);
+}
+
 TEST_F(StereoFileTest, AFailedWriteLeavesThePreviousFileIntact) {
   put(path("keep.dup"), "old");
-  fs::create_directories(path("keep.dup.part"));  // the temporary file cannot be made
-  EXPECT_THROW(WriteStereoFile(path("keep.dup"), StereoSettings{}, {}), RuntimeError);
+  fs::permissions(path("keep.dup"), fs::perms::owner_read);  // read-only: refused, for root too
+  try {
+    WriteStereoFile(path("keep.dup"), StereoSettings{}, {});
+    ADD_FAILURE() << "wrote over a read-only file";
+  } catch (const RuntimeError& e) {
+    EXPECT_EQ(e.description(), "Cannot write \"" + path("keep.dup") + "\": Permission denied");
+  }
   EXPECT_EQ(slurp(path("keep.dup")), "old");
+  EXPECT_EQ(entries(), Lines{"keep.dup"});
   EXPECT_THROW(WriteStereoFile(path("no/such/dir/x.dup"), StereoSettings{}, {}), RuntimeError);
 }
 
@@ -179,7 +244,7 @@ TEST_F(StereoFileTest, PicturesAreSavedFromPersistentImages) {
     SaveStereoPictures(left, right, path("plot.dup"), persist, [&] { ++replots; });
     EXPECT_EQ(replots, persist ? 0 : 1);  // redrawn into images when not persistent
     EXPECT_EQ(slurp(path("plot.dup_left.bmp")) + slurp(path("plot.dup_right.bmp")), "LR");
-    EXPECT_FALSE(fs::exists(path("plot.dup_left.bmp.part")));
+    EXPECT_EQ(entries(), (Lines{"plot.dup_left.bmp", "plot.dup_right.bmp"}));
     EXPECT_EQ(left.persistentAtSave, std::vector<bool>{true});
     EXPECT_EQ(right.persistentAtSave, std::vector<bool>{true});
     EXPECT_TRUE(left.AutoRedraw() == persist && right.AutoRedraw() == persist);
@@ -198,7 +263,7 @@ TEST_F(StereoFileTest, PicturesAreSavedFromPersistentImages) {
   }
   EXPECT_FALSE(right.AutoRedraw());
   EXPECT_EQ(slurp(path("p_left.bmp")) + "|" + slurp(path("p_right.bmp")), "old left|old right");
-  EXPECT_FALSE(fs::exists(path("p_left.bmp.part")));
+  EXPECT_EQ(entries(), (Lines{"p_left.bmp", "p_right.bmp", "plot.dup_left.bmp", "plot.dup_right.bmp"}));
   EXPECT_THROW(SaveStereoPictures(left, left, path("no/such/dir/p"), true, nullptr), RuntimeError);
 }
 
