@@ -84,7 +84,6 @@ void frmOrvane::buildControls() {
   TextBox::setCausesValidation(cmdExit, false);
   txtOrder->setNumberField(true);
   txtN->setNumberField(true);
-  TextBox::reportErrorsTo(this, dialogs_);
 
   auto* fields = new QGridLayout();
   fields->addWidget(lblOrder, 0, 0);
@@ -173,6 +172,7 @@ void frmOrvane::Form_Load() {
   mnuPrint->setEnabled(false);
   mnuAbout->setVisible(false);
   lblVarNam->setText(QStringLiteral("Enter the names of the independent variables, separated by commas:"));
+  TextBox::reportErrorsTo(this, dialogs_);
   txtOrder->setFocus();  // the problem is set up from its first field on
   workbench_.tolerance = 0.004;
   workbench_.tolerance2 = 0.008;

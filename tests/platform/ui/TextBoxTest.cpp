@@ -1,10 +1,15 @@
 // The text field's focus events: selection on entry, Validate before the focus moves
-// (by Tab, by a click on another field or a button, by the program), LostFocus after.
+// (by Tab, by a click on another field or a button, by the program), LostFocus after;
+// its character filter on every way text comes in; its run-time errors.
 
+#include <QClipboard>
+#include <QMimeData>
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <QtTest>
 
+#include "platform/RuntimeError.h"
+#include "platform/ScriptedDialogs.h"
 #include "platform/ui/TextBox.h"
 
 using namespace orvane;
@@ -102,6 +107,81 @@ class TextBoxTest : public QObject {
     form.refuseA = true;
     QTest::mouseClick(form.cmdHelp, Qt::LeftButton);
     QCOMPARE(form.log, QStringList({"A.LostFocus", "Help.Click"}));
+  }
+
+  void filteredCharactersStayOutHoweverTheyCome_data() {
+    QTest::addColumn<QString>("route");
+    for (const char* route : {"typed", "Ctrl+V", "Shift+Insert", "context menu", "middle click", "dropped",
+                              "input method", "set by the program"})
+      QTest::newRow(route) << route;
+  }
+  void filteredCharactersStayOutHoweverTheyCome() {
+    QFETCH(QString, route);
+    Form form;
+    QVERIFY(form.started);
+    form.txtA->setCharacterFilter([](char16_t c) { return c >= '0' && c <= '9'; });
+    form.txtA->clear();
+    const QString text = QStringLiteral("5abc1\u00e92");
+    QGuiApplication::clipboard()->setText(text);
+    if (route == "typed") {
+      for (const QChar c : text) QTest::sendKeyEvent(QTest::Click, form.txtA, Qt::Key_unknown, QString(c), {});
+    } else if (route == "Ctrl+V") {
+      QTest::keyClick(form.txtA, Qt::Key_V, Qt::ControlModifier);
+    } else if (route == "Shift+Insert") {
+      QTest::keyClick(form.txtA, Qt::Key_Insert, Qt::ShiftModifier);
+    } else if (route == "context menu") {
+      form.txtA->paste();  // what the menu's Paste entry calls
+    } else if (route == "middle click") {
+      if (!QGuiApplication::clipboard()->supportsSelection()) QSKIP("no selection clipboard on this platform");
+      QGuiApplication::clipboard()->setText(text, QClipboard::Selection);
+      QTest::mouseClick(form.txtA, Qt::MiddleButton);
+    } else if (route == "dropped") {
+      QMimeData dragged;
+      dragged.setText(text);
+      const QPoint at = form.txtA->rect().center();
+      QDragEnterEvent enter(at, Qt::CopyAction, &dragged, Qt::LeftButton, {});
+      QCoreApplication::sendEvent(form.txtA, &enter);
+      QDropEvent drop(QPointF(at), Qt::CopyAction, &dragged, Qt::LeftButton, {});
+      QCoreApplication::sendEvent(form.txtA, &drop);
+    } else if (route == "input method") {
+      QInputMethodEvent commit;
+      commit.setCommitString(text);
+      QCoreApplication::sendEvent(form.txtA, &commit);
+    } else {
+      form.txtA->setText(text);
+    }
+    QCOMPARE(form.txtA->text(), QStringLiteral("512"));
+  }
+
+  // A field's run-time error shows the run-time error box: a refused Validate (or a
+  // number field holding a number beyond a double) keeps the focus, a LostFocus lets it go.
+  void runTimeErrorsAreShownAndKeepTheFocusInValidate_data() {
+    QTest::addColumn<QString>("raisedIn");
+    QTest::addColumn<bool>("keepsFocus");
+    QTest::newRow("number field") << "number field" << true;
+    QTest::newRow("Validate") << "Validate" << true;
+    QTest::newRow("LostFocus") << "LostFocus" << false;
+  }
+  void runTimeErrorsAreShownAndKeepTheFocusInValidate() {
+    QFETCH(QString, raisedIn);
+    QFETCH(bool, keepsFocus);
+    Form form;
+    QVERIFY(form.started);
+    ScriptedDialogs dialogs;
+    TextBox::reportErrorsTo(&form.window, dialogs);
+    form.txtA->setNumberField(raisedIn == "number field");
+    form.txtA->setText(QStringLiteral("-1e400"));
+    QObject::connect(form.txtA, &TextBox::Validate, [&](bool&) {
+      if (raisedIn == "Validate") throw RuntimeError(err::Overflow);
+    });
+    QObject::connect(form.txtA, &TextBox::LostFocus, [&] {
+      if (raisedIn == "LostFocus") throw RuntimeError(err::Overflow);
+    });
+    QTest::keyClick(form.txtA, Qt::Key_Tab);
+    QCOMPARE(dialogs.messages().size(), size_t{1});
+    QCOMPARE(dialogs.messages()[0].prompt, std::string("Overflow"));
+    QCOMPARE(form.txtA->hasFocus(), keepsFocus);
+    QCOMPARE(form.log.contains("A.LostFocus"), !keepsFocus);
   }
 
   void keyPressCanDiscardOrChangeKeys() {
