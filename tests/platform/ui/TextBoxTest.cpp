@@ -1,6 +1,6 @@
 // The text field's focus events: selection on entry, Validate before the focus moves
 // (by Tab, by a click on another field or a button, by the program), LostFocus after;
-// its character filter on every way text comes in; its run-time errors.
+// its character filter on every way text comes in.
 
 #include <QClipboard>
 #include <QMimeData>
@@ -8,8 +8,6 @@
 #include <QVBoxLayout>
 #include <QtTest>
 
-#include "platform/RuntimeError.h"
-#include "platform/ScriptedDialogs.h"
 #include "platform/ui/TextBox.h"
 
 using namespace orvane;
@@ -151,37 +149,6 @@ class TextBoxTest : public QObject {
       form.txtA->setText(text);
     }
     QCOMPARE(form.txtA->text(), QStringLiteral("512"));
-  }
-
-  // A field's run-time error shows the run-time error box: a refused Validate (or a
-  // number field holding a number beyond a double) keeps the focus, a LostFocus lets it go.
-  void runTimeErrorsAreShownAndKeepTheFocusInValidate_data() {
-    QTest::addColumn<QString>("raisedIn");
-    QTest::addColumn<bool>("keepsFocus");
-    QTest::newRow("number field") << "number field" << true;
-    QTest::newRow("Validate") << "Validate" << true;
-    QTest::newRow("LostFocus") << "LostFocus" << false;
-  }
-  void runTimeErrorsAreShownAndKeepTheFocusInValidate() {
-    QFETCH(QString, raisedIn);
-    QFETCH(bool, keepsFocus);
-    Form form;
-    QVERIFY(form.started);
-    ScriptedDialogs dialogs;
-    TextBox::reportErrorsTo(&form.window, dialogs);
-    form.txtA->setNumberField(raisedIn == "number field");
-    form.txtA->setText(QStringLiteral("-1e400"));
-    QObject::connect(form.txtA, &TextBox::Validate, [&](bool&) {
-      if (raisedIn == "Validate") throw RuntimeError(err::Overflow);
-    });
-    QObject::connect(form.txtA, &TextBox::LostFocus, [&] {
-      if (raisedIn == "LostFocus") throw RuntimeError(err::Overflow);
-    });
-    QTest::keyClick(form.txtA, Qt::Key_Tab);
-    QCOMPARE(dialogs.messages().size(), size_t{1});
-    QCOMPARE(dialogs.messages()[0].prompt, std::string("Overflow"));
-    QCOMPARE(form.txtA->hasFocus(), keepsFocus);
-    QCOMPARE(form.log.contains("A.LostFocus"), !keepsFocus);
   }
 
   void keyPressCanDiscardOrChangeKeys() {
