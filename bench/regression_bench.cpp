@@ -18,6 +18,7 @@
 #include <string>
 
 #include "BenchRun.h"
+#include "platform/ScriptedDialogs.h"
 #include "regression/RegressionFile.h"
 #include "regression/Solver.h"
 #include "regression/ui/DataGridModel.h"
@@ -95,8 +96,9 @@ void open(benchmark::State& state) {
 void editorOpen(benchmark::State& state) {
   RegressionProblem& p = problem();
   for (auto _ : state) {
-    orvane::frmEdit editor(p);
-    editor.PrepareGrid(true);
+    orvane::ScriptedDialogs dialogs;
+    orvane::frmEdit editor(p, dialogs);
+    editor.PrepareGrid(false);
     QCoreApplication::processEvents();
     if (editor.model()->rowCount() != kSets) state.SkipWithError("the grid does not hold every set");
     state.PauseTiming();

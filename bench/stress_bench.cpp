@@ -45,6 +45,7 @@
 #include "engine/Class1.h"
 #include "engine/ExpressionEngine.h"
 #include "engine/PointEvaluation.h"
+#include "platform/ScriptedDialogs.h"
 #include "plot2d/Derivatives.h"
 #include "plot2d/EngineFunction.h"
 #include "plot2d/RootFinder.h"
@@ -219,8 +220,9 @@ void editorWindow1e6(benchmark::State& state) {
   PeakWatch watch;
   for (auto _ : state) {
     const int before = stages->problem.N;
-    frmEdit window(stages->problem);
-    window.PrepareGrid(true);
+    ScriptedDialogs dialogs;
+    frmEdit window(stages->problem, dialogs);
+    window.PrepareGrid(false);
     QCoreApplication::processEvents();
     const int rows = window.model()->rowCount();
     for (const int row : {0, rows - 1, rows / 2}) {

@@ -10,6 +10,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/RuntimeError.h"
+
 namespace orvane {
 
 class Canvas;
@@ -64,6 +66,10 @@ class Dialogs {
   // Lets pending window events run (paints what was drawn so far).
   virtual void DoEvents() = 0;
 };
+
+// The run-time error box: the error's description with an OK button under the program's
+// title ("Overflow" for a number beyond the range of a double).
+inline void ShowRunTimeError(Dialogs& dialogs, const RuntimeError& error) { dialogs.MsgBox(error.description()); }
 
 // Opens one of the program's help files from `directory`; a file that cannot be shown
 // is reported with its full path.

@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <limits>
 #include <string>
 
@@ -171,18 +170,47 @@ size_t scanDecimal(std::string_view text, std::string& out, bool& hasDigits) {
   return i;
 }
 
+// The power of ten of the first significant digit of a number in from_chars form (a
+// non-zero mantissa): 2 for "123", -3 for "0.00123e0", 397 for "1.5e397". Saturates far
+// beyond any double's range, so exponents of any length are safe.
+int64_t decimalMagnitude(std::string_view number) {
+  constexpr int64_t kFar = int64_t{1} << 40;
+  size_t i = number.empty() || number[0] != '-' ? 0 : 1;
+  int64_t magnitude = -1;
+  bool significant = false, afterPoint = false;
+  for (; i < number.size() && number[i] != 'e'; ++i) {
+    const char c = number[i];
+    if (c == '.') {
+      afterPoint = true;
+    } else if (!significant && c == '0') {
+      if (afterPoint) --magnitude;
+    } else if (!significant) {
+      significant = true;
+      if (!afterPoint) magnitude = 0;
+    } else if (!afterPoint) {
+      magnitude = std::min(magnitude + 1, kFar);
+    }
+  }
+  int64_t exponent = 0;
+  if (i < number.size()) {
+    const bool negative = i + 1 < number.size() && number[i + 1] == '-';
+    for (++i; i < number.size(); ++i)
+      if (isDigit(number[i])) exponent = std::min(exponent * 10 + (number[i] - '0'), kFar);
+    if (negative) exponent = -exponent;
+  }
+  return magnitude + exponent;
+}
+
 double toDouble(const std::string& number) {
   double value = 0;
   const char* first = number.data();
-  auto [ptr, ec] = std::from_chars(first, first + number.size(), value);
-  if (ec == std::errc::result_out_of_range) {
-    // Tiny magnitudes underflow to zero; large ones are an overflow.
-    const char* e = std::strpbrk(number.c_str(), "e");
-    if (e && e[1] == '-') return 0.0;
-    throw RuntimeError(err::Overflow);
-  }
+  const auto [ptr, ec] = std::from_chars(first, first + number.size(), value);
   (void)ptr;
-  return value;
+  if (ec != std::errc::result_out_of_range) return value;
+  // Magnitudes below the smallest double underflow to zero, however they are written
+  // ("1e-999", or a point followed by 400 zeros); larger ones are an overflow.
+  if (decimalMagnitude(number) < 0) return 0.0;
+  throw RuntimeError(err::Overflow);
 }
 
 }  // namespace

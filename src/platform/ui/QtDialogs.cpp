@@ -55,6 +55,12 @@ int answerOf(QMessageBox::StandardButton button) {
 
 QtDialogs::QtDialogs(QWidget* parent) : parent_(parent) {}
 
+QWidget* QtDialogs::owner() const {
+  if (QWidget* modal = QApplication::activeModalWidget()) return modal;
+  if (QWidget* active = QApplication::activeWindow()) return active;
+  return parent_;
+}
+
 QtDialogs::~QtDialogs() {
   if (busy_) QApplication::restoreOverrideCursor();
   delete helpWindow_.data();
@@ -68,7 +74,7 @@ QString QtDialogs::promptText(std::string_view prompt) {
 }
 
 int QtDialogs::MsgBox(std::string_view prompt, int style, std::string_view title) {
-  QMessageBox box(parent_);
+  QMessageBox box(owner());
   box.setWindowTitle(qs(title));
   box.setText(promptText(prompt));
   switch (style & 0x70) {
@@ -129,31 +135,39 @@ int QtDialogs::MsgBox(std::string_view prompt, int style, std::string_view title
 
 std::optional<std::string> QtDialogs::InputBox(std::string_view prompt, std::string_view title,
                                                std::string_view defaultText) {
-  bool ok = false;
-  const QString text = QInputDialog::getText(parent_, qs(title), promptText(prompt),
-                                             QLineEdit::Normal, qs(defaultText), &ok);
-  if (!ok) return std::nullopt;
-  return text.toStdString();
+  QInputDialog dialog(owner());
+  dialog.setInputMode(QInputDialog::TextInput);
+  dialog.setWindowTitle(qs(title));
+  dialog.setLabelText(promptText(prompt));
+  dialog.setTextValue(qs(defaultText));
+  if (dialog.exec() != QDialog::Accepted) return std::nullopt;
+  return dialog.textValue().toStdString();
 }
 
 std::optional<std::string> QtDialogs::OpenFileName(std::string_view title,
                                                    std::string_view filter,
                                                    std::string_view initialPath) {
-  return pathOrNone(
-      QFileDialog::getOpenFileName(parent_, qs(title), qs(initialPath), qs(filter)));
+  QFileDialog dialog(owner(), qs(title), qs(initialPath), qs(filter));
+  dialog.setAcceptMode(QFileDialog::AcceptOpen);
+  dialog.setFileMode(QFileDialog::ExistingFile);
+  if (dialog.exec() != QDialog::Accepted) return std::nullopt;
+  return pathOrNone(dialog.selectedFiles().value(0));
 }
 
 std::optional<std::string> QtDialogs::SaveFileName(std::string_view title,
                                                    std::string_view filter,
                                                    std::string_view initialPath) {
-  return pathOrNone(
-      QFileDialog::getSaveFileName(parent_, qs(title), qs(initialPath), qs(filter)));
+  QFileDialog dialog(owner(), qs(title), qs(initialPath), qs(filter));
+  dialog.setAcceptMode(QFileDialog::AcceptSave);
+  dialog.setFileMode(QFileDialog::AnyFile);
+  if (dialog.exec() != QDialog::Accepted) return std::nullopt;
+  return pathOrNone(dialog.selectedFiles().value(0));
 }
 
 std::unique_ptr<PrinterPage> QtDialogs::OpenPrinter(std::string_view documentName) {
   auto printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
   printer->setDocName(qs(documentName));
-  QPrintDialog dialog(printer.get(), parent_);
+  QPrintDialog dialog(printer.get(), owner());
   if (dialog.exec() != QDialog::Accepted) return nullptr;
   return std::make_unique<QtPrinterPage>(std::move(printer));
 }

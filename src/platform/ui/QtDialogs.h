@@ -15,7 +15,11 @@ namespace orvane {
 
 class QtDialogs : public Dialogs {
  public:
-  // Dialogs are centred on `parent` (may be null, and changed later).
+  // Each box and dialog opens over the window the user is working in; `parent` (may be
+  // null, and changed later) serves when no window of the program is active. They stay
+  // modal to the whole program: a window that could be closed under its own box (the
+  // main window's close box while a study window asks something) would take the box and
+  // the handler waiting on it with it.
   explicit QtDialogs(QWidget* parent);
   ~QtDialogs() override;
   QtDialogs(const QtDialogs&) = delete;
@@ -47,6 +51,10 @@ class QtDialogs : public Dialogs {
   static QString promptText(std::string_view prompt);
 
  private:
+  // The window a dialog opens over: an open modal box, else the active window, else the
+  // parent given.
+  QWidget* owner() const;
+
   QPointer<QWidget> parent_;
   QPointer<QWidget> helpWindow_;
   QPointer<QTextBrowser> helpBrowser_;

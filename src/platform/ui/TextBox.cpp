@@ -5,7 +5,12 @@
 #include <QFocusEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QValidator>
 #include <QWindow>
+
+#include "platform/Dialogs.h"
+#include "platform/NumberText.h"
+#include "platform/RuntimeError.h"
 
 namespace orvane {
 
@@ -34,6 +39,34 @@ QWidget* widgetAt(QWindow* window, const QPointF& pos) {
   return nullptr;
 }
 
+// Drops the characters a field does not take from every text that reaches it, however
+// it came; the caret keeps its place among the characters that stay.
+class CharacterFilter : public QValidator {
+ public:
+  CharacterFilter(std::function<bool(char16_t)> accepts, QObject* parent)
+      : QValidator(parent), accepts_(std::move(accepts)) {}
+
+  State validate(QString& input, int& pos) const override {
+    QString kept;
+    kept.reserve(input.size());
+    int caret = pos;
+    for (qsizetype i = 0; i < input.size(); ++i) {
+      if (accepts_(input.at(i).unicode()))
+        kept += input.at(i);
+      else if (i < pos)
+        --caret;
+    }
+    if (kept.size() != input.size()) {
+      input = kept;
+      pos = caret;
+    }
+    return Acceptable;
+  }
+
+ private:
+  std::function<bool(char16_t)> accepts_;
+};
+
 bool isMouseButtonEvent(QEvent::Type type) {
   return type == QEvent::MouseButtonPress || type == QEvent::MouseButtonRelease ||
          type == QEvent::MouseButtonDblClick;
@@ -57,13 +90,43 @@ bool TextBox::causesValidation(const QWidget* widget) {
   return !value.isValid() || value.toBool();
 }
 
+void TextBox::reportErrorsTo(const QWidget* window, Dialogs& dialogs) {
+  for (TextBox* box : window->findChildren<TextBox*>()) box->reportErrorsTo(&dialogs);
+}
+
+void TextBox::setCharacterFilter(std::function<bool(char16_t)> accepts) {
+  delete validator();
+  accepts_ = std::move(accepts);
+  setValidator(accepts_ ? new CharacterFilter(accepts_, this) : nullptr);
+}
+
 bool TextBox::validateNow() {
   if (validating_) return false;
   validating_ = true;
   bool cancel = false;
-  emit Validate(cancel);
+  try {
+    // A number the program cannot hold is refused before any rule of the field.
+    if (numberField_) (void)leadingNumber(text().toStdString());
+    emit Validate(cancel);
+  } catch (const RuntimeError& error) {
+    if (dialogs_ == nullptr) {
+      validating_ = false;
+      throw;
+    }
+    cancel = true;
+    ShowRunTimeError(*dialogs_, error);  // the departure waits while the box is open
+  }
   validating_ = false;
   return !cancel;
+}
+
+void TextBox::emitReported(void (TextBox::*event)()) {
+  try {
+    emit (this->*event)();
+  } catch (const RuntimeError& error) {
+    if (dialogs_ == nullptr) throw;
+    ShowRunTimeError(*dialogs_, error);
+  }
 }
 
 bool TextBox::validatesMoveTo(QWidget* target) const {
@@ -93,7 +156,7 @@ void TextBox::focusInEvent(QFocusEvent* event) {
   if (restoring_ || back) return;
   selectAll();
   selectOnRelease_ = event->reason() == Qt::MouseFocusReason;
-  emit GotFocus();
+  emitReported(&TextBox::GotFocus);
 }
 
 void TextBox::focusOutEvent(QFocusEvent* event) {
@@ -120,7 +183,7 @@ void TextBox::focusOutEvent(QFocusEvent* event) {
   selectOnRelease_ = false;
   QLineEdit::focusOutEvent(event);
   watchApplication(false);
-  emit LostFocus();
+  emitReported(&TextBox::LostFocus);
 }
 
 void TextBox::mouseReleaseEvent(QMouseEvent* event) {
@@ -145,8 +208,11 @@ void TextBox::keyPressEvent(QKeyEvent* event) {
       ascii = 8;
       break;
     default: {
+      // With Ctrl or Meta a letter is a command (Ctrl+V pastes), not a character.
       const QString text = event->text();
-      if (text.size() == 1 && text.at(0).unicode() >= 32) ascii = text.at(0).unicode();
+      if (text.size() == 1 && text.at(0).unicode() >= 32 &&
+          !(event->modifiers() & (Qt::ControlModifier | Qt::MetaModifier)))
+        ascii = text.at(0).unicode();
     }
   }
   if (ascii == 0) {
@@ -155,6 +221,7 @@ void TextBox::keyPressEvent(QKeyEvent* event) {
   }
   const int typed = ascii;
   emit KeyPress(ascii);
+  if (ascii >= 32 && accepts_ && (ascii > 0xFFFF || !accepts_(static_cast<char16_t>(ascii)))) ascii = 0;
   if (ascii == 0) {
     event->accept();  // discarded
     return;

@@ -19,13 +19,23 @@
 // Widgets marked with setCausesValidation(widget, false) (a Cancel or Help button, say)
 // take the focus without validating the field.
 //
+// A character filter keeps the characters a field takes, whether typed, pasted (keys,
+// middle click, context menu), dropped or set by the program. A number field refuses to
+// be left while the number its text starts with is beyond the range of a double. A
+// run-time error raised by a field's handler (or by that check) shows the run-time error
+// box through the Dialogs given with reportErrorsTo; in Validate it refuses the
+// departure, so the field keeps the focus.
+//
 // Handlers connect directly:
 //   connect(txtOrder, &TextBox::Validate, this, &frmOrvane::txtOrder_Validate);
 //   void frmOrvane::txtOrder_Validate(bool& cancel);
 
 #include <QLineEdit>
+#include <functional>
 
 namespace orvane {
+
+class Dialogs;
 
 class TextBox : public QLineEdit {
   Q_OBJECT
@@ -42,6 +52,16 @@ class TextBox : public QLineEdit {
 
   // Runs Validate now as if the focus were leaving; true when it was accepted.
   bool validateNow();
+
+  // The characters the field takes; null takes every character.
+  void setCharacterFilter(std::function<bool(char16_t)> accepts);
+  // The field's text is a number (its leading numeric part).
+  void setNumberField(bool number) { numberField_ = number; }
+  bool isNumberField() const { return numberField_; }
+  // Where the field's run-time errors are shown; without it they reach the caller.
+  void reportErrorsTo(Dialogs* dialogs) { dialogs_ = dialogs; }
+  // The same for every text field in `window`.
+  static void reportErrorsTo(const QWidget* window, Dialogs& dialogs);
 
  signals:
   void GotFocus();
@@ -60,6 +80,12 @@ class TextBox : public QLineEdit {
  private:
   bool validatesMoveTo(QWidget* target) const;
   void watchApplication(bool on);
+  // Emits GotFocus or LostFocus; a run-time error of the handler is shown.
+  void emitReported(void (TextBox::*event)());
+
+  std::function<bool(char16_t)> accepts_;
+  bool numberField_ = false;
+  Dialogs* dialogs_ = nullptr;
 
   bool validating_ = false;
   bool validated_ = false;         // this focus departure was already validated

@@ -419,6 +419,9 @@ void frmPlot::buildMenus() {
 }
 
 void frmPlot::Form_Load() {
+  // Every field but the formula holds a number; an unreadable one is reported.
+  for (TextBox* box : findChildren<TextBox*>()) box->setNumberField(box != txtEquation);
+  TextBox::reportErrorsTo(this, dialogs_);
   sh.sharedError = &workbench_.evaluationError;
   ScriptControl1.SetErrorHandler([this](const RuntimeError& error) { ScriptControl1_Error(error); });
   RegisterMathObject(ScriptControl1, sh);
@@ -811,13 +814,13 @@ void frmPlot::mnuPrint_Click() {
   input.derivative = plottedDerivative_;
   input.equation = texts.equation;
   input.constants = constants_.entries();
-  input.xlower = leadingNumber(texts.xlower);
-  input.xupper = leadingNumber(texts.xupper);
   input.subintervals = texts.subintervals;
   input.maxcy = texts.maxcy;
   input.error = texts.error;
   dialogs_.SetBusy(true);
   try {
+    input.xlower = leadingNumber(texts.xlower);
+    input.xupper = leadingNumber(texts.xupper);
     input.plotted = plotted_ ? plottedSetup_ : readPlotSetup(plotSetupTexts());
     EngineFunction f(ScriptControl1, sh, texts.equation);
     printStudyReport(*page, input, results_, f, Picture1->canvas(), [this] { Replot(); });

@@ -1,9 +1,16 @@
 #pragma once
 // The editor's grid as a view of the problem's own data matrix: one row per data set,
-// the dependent value in the first column, then x1..xm. Cells are formatted when asked
-// for, so a million sets cost no more than the matrix itself.
+// the dependent value in the first column, then x1..xm.
+//
+// A cell shows what was typed into it; a cell of a set added by hand and not typed into
+// is empty; any other cell (the sets of an opened file) shows its value in the general
+// number form, formatted when asked for. So a million opened sets cost no more than the
+// matrix itself: typed texts are kept for the typed cells only, and the sets added by
+// hand carry one mark each.
 
 #include <QAbstractTableModel>
+#include <unordered_map>
+#include <vector>
 
 #include "regression/RegressionProblem.h"
 
@@ -13,6 +20,7 @@ class DataGridModel : public QAbstractTableModel {
   Q_OBJECT
 
  public:
+  // The sets the problem holds now show their values.
   explicit DataGridModel(RegressionProblem& problem, QObject* parent = nullptr);
 
   int rowCount(const QModelIndex& parent = {}) const override;
@@ -22,17 +30,26 @@ class DataGridModel : public QAbstractTableModel {
 
   // The index into X of a grid column (0 = the dependent value, c = x(c)).
   int dataIndex(int column) const;
-  // Stores a value typed into a cell.
-  void setValue(const QModelIndex& index, double value);
-  // Removes a data set: the last one moves into its row.
+  // What the cell shows.
+  QString cellText(const QModelIndex& index) const;
+  // Text typed into a cell: the cell shows it and the matrix holds its leading numeric
+  // value. A number beyond the range of a double raises run-time error 6 and changes
+  // nothing.
+  void setCellText(const QModelIndex& index, const QString& text);
+  // Removes a data set: the last one moves into its row, its cells' texts with it.
   void deleteSet(int row);
-  // The problem changed as a whole (sizes, names, data).
-  void reload();
+  // The problem's sizes or names changed. Sets beyond the rows shown so far are new and
+  // empty; with `fromFile` every cell shows its value instead.
+  void reload(bool fromFile);
 
  private:
+  static qint64 key(int row, int column) { return (qint64(row) << 32) | quint32(column); }
+
   RegressionProblem& problem_;
   int rows_ = 0;
   int columns_ = 0;
+  std::unordered_map<qint64, QString> typed_;  // texts of the typed cells
+  std::vector<bool> addedByHand_;              // per row: not filled from the matrix
 };
 
 }  // namespace orvane

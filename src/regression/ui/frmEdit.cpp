@@ -8,7 +8,8 @@
 #include <QTableView>
 #include <QVBoxLayout>
 
-#include "platform/NumberText.h"
+#include "platform/Dialogs.h"
+#include "platform/RuntimeError.h"
 #include "platform/ui/TextBox.h"
 #include "regression/ui/DataGridModel.h"
 
@@ -17,14 +18,14 @@ namespace orvane {
 namespace {
 
 // The characters a number can be typed with.
-bool isEntryCharacter(int c) {
+bool isEntryCharacter(char16_t c) {
   return c == '+' || c == '-' || c == '.' || (c >= '0' && c <= '9') || c == 'E' || c == 'e';
 }
 
 }  // namespace
 
-frmEdit::frmEdit(RegressionProblem& problem, QWidget* parent)
-    : QWidget(parent, Qt::Window), problem_(problem), model_(new DataGridModel(problem, this)) {
+frmEdit::frmEdit(RegressionProblem& problem, Dialogs& dialogs, QWidget* parent)
+    : QWidget(parent, Qt::Window), problem_(problem), dialogs_(dialogs), model_(new DataGridModel(problem, this)) {
   setObjectName(QStringLiteral("frmEdit"));
   setWindowTitle(QStringLiteral("Enter/Edit data"));
 
@@ -35,6 +36,7 @@ frmEdit::frmEdit(RegressionProblem& problem, QWidget* parent)
   MSFlexGridEdit->setSelectionMode(QAbstractItemView::SingleSelection);
   MSFlexGridEdit->setSelectionBehavior(QAbstractItemView::SelectItems);
   MSFlexGridEdit->setWordWrap(false);
+  MSFlexGridEdit->setTabKeyNavigation(false);  // Tab leaves the grid, as from any control
   // Fixed row heights: the view never measures a million rows.
   MSFlexGridEdit->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
   MSFlexGridEdit->horizontalHeader()->setSectionResizeMode(QHeaderView::Interactive);
@@ -44,6 +46,7 @@ frmEdit::frmEdit(RegressionProblem& problem, QWidget* parent)
   txtDataEntry = new TextBox(MSFlexGridEdit->viewport());
   txtDataEntry->setObjectName(QStringLiteral("txtDataEntry"));
   txtDataEntry->setAlignment(Qt::AlignCenter);
+  txtDataEntry->setCharacterFilter(isEntryCharacter);  // typed, pasted and dropped alike
   txtDataEntry->hide();
   txtDataEntry->installEventFilter(this);
 
@@ -68,10 +71,7 @@ frmEdit::frmEdit(RegressionProblem& problem, QWidget* parent)
   connect(txtDataEntry, &QLineEdit::textChanged, this, &frmEdit::txtDataEntry_Change);
   connect(txtDataEntry, &TextBox::KeyPress, this, &frmEdit::txtDataEntry_KeyPress);
   connect(txtDataEntry, &TextBox::GotFocus, this, &frmEdit::txtDataEntry_GotFocus);
-  connect(txtDataEntry, &TextBox::LostFocus, this, [this] {
-    active_ = false;
-    txtDataEntry->hide();
-  });
+  connect(txtDataEntry, &TextBox::LostFocus, this, &frmEdit::hideEntryBox);
   connect(cmdToggleWidth, &QPushButton::clicked, this, &frmEdit::cmdToggleWidth_Click);
   connect(cmdDelete, &QPushButton::clicked, this, &frmEdit::cmdDelete_Click);
   connect(cmdExit, &QPushButton::clicked, this, &frmEdit::cmdExit_Click);
@@ -79,16 +79,15 @@ frmEdit::frmEdit(RegressionProblem& problem, QWidget* parent)
 
 frmEdit::~frmEdit() = default;
 
-void frmEdit::PrepareGrid(bool show) {
-  active_ = false;
-  txtDataEntry->hide();
-  model_->reload();
+void frmEdit::PrepareGrid(bool loadedFromFile) {
+  hideEntryBox();
+  model_->reload(loadedFromFile);
   const int width = wideColumns_ ? 2 * baseWidth_ : baseWidth_;
   for (int c = 0; c < model_->columnCount(); ++c) MSFlexGridEdit->setColumnWidth(c, width);
   if (model_->rowCount() > 0 && model_->columnCount() > 0)
     MSFlexGridEdit->setCurrentIndex(model_->index(0, 0));
-  if (show) {
-    this->show();
+  if (!loadedFromFile) {
+    show();
     raise();
     activateWindow();
     MSFlexGridEdit->setFocus();
@@ -102,7 +101,7 @@ void frmEdit::startEdit(const QModelIndex& index, const QString& text, bool type
   editColumn_ = index.column();
   MSFlexGridEdit->setCurrentIndex(index);
   MSFlexGridEdit->scrollTo(index);
-  const QString cellText = model_->data(index).toString();
+  const QString cellText = model_->cellText(index);
   txtDataEntry->setText(text);
   txtDataEntry->setToolTip(QStringLiteral("A(%1,%2)=%3").arg(editRow_ + 1).arg(editColumn_ + 1).arg(cellText));
   placeEntryBox();
@@ -118,15 +117,20 @@ void frmEdit::placeEntryBox() {
   txtDataEntry->setGeometry(MSFlexGridEdit->visualRect(model_->index(editRow_, editColumn_)));
 }
 
-void frmEdit::endEdit() {
+void frmEdit::hideEntryBox() {
   active_ = false;
+  // The grid takes the focus before the box goes: a box hidden with the focus would pass
+  // it on as Tab does, and the grid would step to another cell.
+  if (window()->focusWidget() == txtDataEntry) MSFlexGridEdit->setFocus();
   txtDataEntry->hide();
+}
+
+void frmEdit::endEdit() {
+  hideEntryBox();
   MSFlexGridEdit->setFocus();
 }
 
-void frmEdit::MSFlexGridEdit_DblClick(const QModelIndex& index) {
-  startEdit(index, model_->data(index).toString(), false);
-}
+void frmEdit::MSFlexGridEdit_DblClick(const QModelIndex& index) { startEdit(index, model_->cellText(index), false); }
 
 bool frmEdit::MSFlexGridEdit_KeyPress(const QString& text) {
   if (text.size() != 1 || text.at(0).unicode() < 32) return false;  // navigation keys
@@ -136,16 +140,20 @@ bool frmEdit::MSFlexGridEdit_KeyPress(const QString& text) {
 
 void frmEdit::txtDataEntry_Change(const QString& text) {
   if (!active_ || !txtDataEntry->isVisible()) return;
-  model_->setValue(model_->index(editRow_, editColumn_), leadingNumber(text.toStdString()));
+  const QModelIndex cell = model_->index(editRow_, editColumn_);
+  try {
+    model_->setCellText(cell, text);
+  } catch (const RuntimeError& error) {
+    // A number beyond the range of a double: the cell keeps what it had.
+    const QSignalBlocker quiet(txtDataEntry);
+    txtDataEntry->setText(model_->cellText(cell));
+    ShowRunTimeError(dialogs_, error);
+  }
 }
 
 void frmEdit::txtDataEntry_KeyPress(int& keyAscii) {
-  if (keyAscii == 13) {
-    keyAscii = 0;
-    endEdit();
-    return;
-  }
-  if (!isEntryCharacter(keyAscii)) keyAscii = 0;  // Backspace too: retype over a selection
+  if (keyAscii == 13) endEdit();
+  if (keyAscii < 32) keyAscii = 0;  // Backspace too: the user retypes over a selection
 }
 
 void frmEdit::txtDataEntry_GotFocus() {
@@ -169,7 +177,7 @@ bool frmEdit::txtDataEntry_KeyDown(int key) {
   endEdit();
   if (row >= 0 && column >= 0 && row < model_->rowCount() && column < model_->columnCount()) {
     const QModelIndex next = model_->index(row, column);
-    startEdit(next, model_->data(next).toString(), false);
+    startEdit(next, model_->cellText(next), false);
   }
   return true;
 }
@@ -185,8 +193,7 @@ bool frmEdit::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void frmEdit::cmdToggleWidth_Click() {
-  active_ = false;
-  txtDataEntry->hide();
+  hideEntryBox();
   wideColumns_ = !wideColumns_;
   const int width = wideColumns_ ? 2 * baseWidth_ : baseWidth_;
   for (int c = 0; c < model_->columnCount(); ++c) MSFlexGridEdit->setColumnWidth(c, width);
@@ -196,8 +203,7 @@ void frmEdit::cmdDelete_Click() {
   const QModelIndex current = MSFlexGridEdit->currentIndex();
   if (!current.isValid()) return;
   deleted_ = true;
-  active_ = false;
-  txtDataEntry->hide();
+  hideEntryBox();
   model_->deleteSet(current.row());
   emit dataSetDeleted();
 }
@@ -205,8 +211,7 @@ void frmEdit::cmdDelete_Click() {
 void frmEdit::cmdExit_Click() { close(); }
 
 void frmEdit::closeEvent(QCloseEvent* event) {
-  active_ = false;
-  txtDataEntry->hide();
+  hideEntryBox();
   event->accept();
   emit done();
 }

@@ -1,6 +1,6 @@
 #pragma once
 // The data-set editor: the data matrix as a grid, and an entry box laid over the
-// current cell that writes every keystroke into the matrix.
+// current cell that writes every keystroke into the cell and the matrix.
 
 #include <QWidget>
 
@@ -14,17 +14,20 @@ class QTableView;
 namespace orvane {
 
 class DataGridModel;
+class Dialogs;
 class TextBox;
 
 class frmEdit : public QWidget {
   Q_OBJECT
 
  public:
-  explicit frmEdit(RegressionProblem& problem, QWidget* parent = nullptr);
+  frmEdit(RegressionProblem& problem, Dialogs& dialogs, QWidget* parent = nullptr);
   ~frmEdit() override;
 
-  // Sizes, labels and names from the problem; shows the window when asked to.
-  void PrepareGrid(bool show);
+  // Sizes, labels and names from the problem. After an open (`loadedFromFile`) every
+  // cell shows its value and the window stays hidden; otherwise the window is shown,
+  // typed cells keep their texts and new sets are empty.
+  void PrepareGrid(bool loadedFromFile);
   DataGridModel* model() const { return model_; }
 
   QTableView* MSFlexGridEdit;
@@ -55,11 +58,13 @@ class frmEdit : public QWidget {
  private:
   void startEdit(const QModelIndex& index, const QString& text, bool typed);
   void endEdit();
+  void hideEntryBox();
   bool MSFlexGridEdit_KeyPress(const QString& text);
   bool txtDataEntry_KeyDown(int key);
   void placeEntryBox();
 
   RegressionProblem& problem_;
+  Dialogs& dialogs_;
   DataGridModel* model_;
   int baseWidth_ = 0;
   bool wideColumns_ = false;

@@ -8,6 +8,7 @@
 #include <QScrollArea>
 #include <QVBoxLayout>
 
+#include "platform/Dialogs.h"
 #include "platform/NumberText.h"
 #include "platform/RuntimeError.h"
 #include "platform/ui/TextBox.h"
@@ -15,8 +16,8 @@
 
 namespace orvane {
 
-frmEvaluations::frmEvaluations(const RegressionProblem& problem, QWidget* parent)
-    : QWidget(parent, Qt::Window), problem_(problem) {
+frmEvaluations::frmEvaluations(const RegressionProblem& problem, Dialogs& dialogs, QWidget* parent)
+    : QWidget(parent, Qt::Window), problem_(problem), dialogs_(dialogs) {
   setObjectName(QStringLiteral("frmEvaluations"));
   setWindowTitle(QStringLiteral("Estimates"));
 
@@ -56,6 +57,7 @@ frmEvaluations::frmEvaluations(const RegressionProblem& problem, QWidget* parent
   connect(cmdCompute, &QPushButton::clicked, this, &frmEvaluations::cmdCompute_Click);
   connect(cmdExit, &QPushButton::clicked, this, &frmEvaluations::cmdExit_Click);
   Form_Load();
+  TextBox::reportErrorsTo(this, dialogs_);
 }
 
 void frmEvaluations::Form_Load() {
@@ -68,6 +70,7 @@ void frmEvaluations::Form_Load() {
     label->setObjectName(QStringLiteral("lblVarx%1").arg(i));
     auto* field = new TextBox();
     field->setObjectName(QStringLiteral("txtVarx%1").arg(i));
+    field->setNumberField(true);
     grid->addWidget(label, i, 0);
     grid->addWidget(field, i, 1);
     lblVarx.push_back(label);
@@ -85,7 +88,7 @@ void frmEvaluations::cmdCompute_Click() {
   try {
     lblApprox->setText(QString::fromStdString(formatGeneral(EstimateAt(problem_, texts))));
   } catch (const RuntimeError& error) {
-    lblApprox->setText(QString::fromStdString(error.description()));
+    ShowRunTimeError(dialogs_, error);  // an estimate beyond the range of a double
   }
 }
 

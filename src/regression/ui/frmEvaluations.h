@@ -14,13 +14,15 @@ class QScrollArea;
 
 namespace orvane {
 
+class Dialogs;
 class TextBox;
 
 class frmEvaluations : public QWidget {
   Q_OBJECT
 
  public:
-  explicit frmEvaluations(const RegressionProblem& problem, QWidget* parent = nullptr);
+  // Evaluates the problem's fit; closed by the main window when the fit is cleared.
+  frmEvaluations(const RegressionProblem& problem, Dialogs& dialogs, QWidget* parent = nullptr);
 
   QGroupBox* fraEval;
   QScrollArea* scrollEval;
@@ -39,6 +41,7 @@ class frmEvaluations : public QWidget {
   void Form_Load();
 
   const RegressionProblem& problem_;
+  Dialogs& dialogs_;
 };
 
 }  // namespace orvane

@@ -82,6 +82,8 @@ void frmOrvane::buildControls() {
   cmdExit = named(new QPushButton(QStringLiteral("E&xit")), "cmdExit");
   // Leaving the program never waits for a field to be filled in correctly.
   TextBox::setCausesValidation(cmdExit, false);
+  txtOrder->setNumberField(true);
+  txtN->setNumberField(true);
 
   auto* fields = new QGridLayout();
   fields->addWidget(lblOrder, 0, 0);
@@ -170,6 +172,7 @@ void frmOrvane::Form_Load() {
   mnuPrint->setEnabled(false);
   mnuAbout->setVisible(false);
   lblVarNam->setText(QStringLiteral("Enter the names of the independent variables, separated by commas:"));
+  TextBox::reportErrorsTo(this, dialogs_);
   txtOrder->setFocus();  // the problem is set up from its first field on
   workbench_.tolerance = 0.004;
   workbench_.tolerance2 = 0.008;
@@ -184,6 +187,7 @@ void frmOrvane::ClearResults() {
   workbench_.problem.computed = false;
   workbench_.fitted = false;
   cmdEvaluations->setEnabled(false);
+  if (evaluations_) evaluations_->close();  // it would evaluate coefficients that are gone
 }
 
 void frmOrvane::SetDisplayedSpecs() {
@@ -192,13 +196,13 @@ void frmOrvane::SetDisplayedSpecs() {
   txtN->setText(QString::number(p.N));
   txtDepVarNam->setText(qs(p.dependentName));
   txtVarNams->setText(qs(joinNames(p.names)));
-  editorWindow().PrepareGrid(false);
+  editorWindow().PrepareGrid(loadingFile_);
 }
 
 frmEdit& frmOrvane::editorWindow() {
   if (!editor_) {
     // A window of its own (no parent), so disabling the main window leaves it usable.
-    editor_ = std::make_unique<frmEdit>(workbench_.problem);
+    editor_ = std::make_unique<frmEdit>(workbench_.problem, dialogs_);
     connect(editor_.get(), &frmEdit::dataSetDeleted, this, &frmOrvane::frmEdit_DataSetDeleted);
     connect(editor_.get(), &frmEdit::done, this, &frmOrvane::frmEdit_Done);
   }
@@ -260,7 +264,7 @@ void frmOrvane::txtN_Validate(bool& cancel) {
   try {
     value = parseStrict(txtN->text().toStdString());
   } catch (const RuntimeError& error) {
-    dialogs_.MsgBox(error.description());
+    ShowRunTimeError(dialogs_, error);
     cancel = true;
     return;
   }
@@ -281,11 +285,13 @@ void frmOrvane::cmdEditData_Click() {
     txtOrder->setFocus();  // the problem has no variables yet
     return;
   }
+  // The grid is made before the first sets exist, so that it shows them as new.
+  frmEdit& editor = editorWindow();
   int32_t N = 0;
   try {
     N = toInt32(parseStrict(txtN->text().toStdString()));
   } catch (const RuntimeError& error) {
-    dialogs_.MsgBox(error.description());
+    ShowRunTimeError(dialogs_, error);
     return;
   }
   RegressionProblem& p = workbench_.problem;
@@ -305,7 +311,7 @@ void frmOrvane::cmdEditData_Click() {
     cmdAddData->setEnabled(true);
     txtN->setEnabled(false);
   }
-  editorWindow().PrepareGrid(true);
+  editor.PrepareGrid(false);
   setEnabled(false);
 }
 
@@ -313,7 +319,13 @@ void frmOrvane::cmdAddData_Click() {
   const std::optional<std::string> answer =
       dialogs_.InputBox("How many additional data sets?", "Add data");
   if (!answer) return;
-  const double value = roundHalfEven(leadingNumber(*answer));
+  double value = 0;
+  try {
+    value = roundHalfEven(leadingNumber(*answer));
+  } catch (const RuntimeError& error) {
+    ShowRunTimeError(dialogs_, error);
+    return;
+  }
   if (!(value >= 1) || value > 2147483647.0 - workbench_.problem.N) return;
   try {
     if (RegressionProblem::tooLarge(workbench_.problem.m, workbench_.problem.N + static_cast<int64_t>(value))) throw std::bad_alloc();
@@ -365,7 +377,7 @@ void frmOrvane::showResults() {
 
 void frmOrvane::cmdEvaluations_Click() {
   if (!evaluations_ || !evaluations_->isVisible())
-    evaluations_ = std::make_unique<frmEvaluations>(workbench_.problem);
+    evaluations_ = std::make_unique<frmEvaluations>(workbench_.problem, dialogs_);
   evaluations_->show();
   evaluations_->raise();
   evaluations_->activateWindow();

@@ -57,6 +57,10 @@ frmStereoPlot::frmStereoPlot(Workbench& workbench, Dialogs& dialogs, QWidget* pa
   buildControls();
   buildMenus();
   connectFieldRules();
+  // Every field but the formulas holds a number; an unreadable one is reported.
+  for (TextBox* box : findChildren<TextBox*>())
+    box->setNumberField(box != txtEquationZ && box != txtEquationX && box != txtEquationY);
+  TextBox::reportErrorsTo(this, dialogs_);
   Form_Load();
 }
 
@@ -402,7 +406,12 @@ void frmStereoPlot::whenIdle(std::function<void()> action) {
 
 void frmStereoPlot::ZoomView(int code) {
   StereoFields f = readFields();
-  if (!orvane::ZoomView(code, f)) return;
+  try {
+    if (!orvane::ZoomView(code, f)) return;
+  } catch (const RuntimeError& e) {
+    ShowRunTimeError(dialogs_, e);
+    return;
+  }
   const std::pair<TextBox*, const std::string*> window[] = {
       {txtWindowlx, &f.windowlx}, {txtWindowgx, &f.windowgx}, {txtWindowly, &f.windowly},
       {txtWindowgy, &f.windowgy}, {txtWindowlz, &f.windowlz}, {txtWindowgz, &f.windowgz}};
@@ -412,7 +421,12 @@ void frmStereoPlot::ZoomView(int code) {
 
 void frmStereoPlot::stepField(StepTarget target, StepDirection direction) {
   StereoFields f = readFields();
-  StepField(target, direction, f);
+  try {
+    StepField(target, direction, f);
+  } catch (const RuntimeError& e) {
+    ShowRunTimeError(dialogs_, e);
+    return;
+  }
   showFields(f);
 }
 

@@ -56,6 +56,36 @@ class QtDialogsTest : public QObject {
     QCOMPARE(seenTitle, QString("Title"));
   }
 
+  // A box or dialog belongs to the window the user works in, so it opens over it.
+  void dialogsOpenOverTheActiveWindow_data() {
+    QTest::addColumn<QString>("dialog");
+    for (const char* dialog : {"message box", "input box", "file dialog"}) QTest::newRow(dialog) << dialog;
+  }
+  void dialogsOpenOverTheActiveWindow() {
+    QFETCH(QString, dialog);
+    QWidget first, second;
+    for (QWidget* window : {&first, &second}) window->resize(320, 200);
+    first.show();
+    second.show();
+    second.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&second));
+    QtDialogs dialogs(&first);  // the window given serves only when none is active
+    const QWidget* owner = nullptr;
+    QTimer::singleShot(0, [&] {
+      if (QWidget* open = QApplication::activeModalWidget()) {
+        owner = open->parentWidget();
+        open->close();
+      }
+    });
+    if (dialog == "message box")
+      dialogs.MsgBox("Overflow");
+    else if (dialog == "input box")
+      QCOMPARE(dialogs.InputBox("How many additional data sets?", "Add data"), std::nullopt);
+    else
+      QCOMPARE(dialogs.OpenFileName("Open", "All files (*)"), std::nullopt);
+    QCOMPARE(owner, &second);
+  }
+
   void helpWindowShowsTheDocumentAndIsReused() {
     QTemporaryDir dir;
     QFile file(dir.filePath("orvane.hlp"));

@@ -1,6 +1,9 @@
 // The text field's focus events: selection on entry, Validate before the focus moves
-// (by Tab, by a click on another field or a button, by the program), LostFocus after.
+// (by Tab, by a click on another field or a button, by the program), LostFocus after;
+// its character filter on every way text comes in.
 
+#include <QClipboard>
+#include <QMimeData>
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <QtTest>
@@ -102,6 +105,50 @@ class TextBoxTest : public QObject {
     form.refuseA = true;
     QTest::mouseClick(form.cmdHelp, Qt::LeftButton);
     QCOMPARE(form.log, QStringList({"A.LostFocus", "Help.Click"}));
+  }
+
+  void filteredCharactersStayOutHoweverTheyCome_data() {
+    QTest::addColumn<QString>("route");
+    for (const char* route : {"typed", "Ctrl+V", "Shift+Insert", "context menu", "middle click", "dropped",
+                              "input method", "set by the program"})
+      QTest::newRow(route) << route;
+  }
+  void filteredCharactersStayOutHoweverTheyCome() {
+    QFETCH(QString, route);
+    Form form;
+    QVERIFY(form.started);
+    form.txtA->setCharacterFilter([](char16_t c) { return c >= '0' && c <= '9'; });
+    form.txtA->clear();
+    const QString text = QStringLiteral("5abc1\u00e92");
+    QGuiApplication::clipboard()->setText(text);
+    if (route == "typed") {
+      for (const QChar c : text) QTest::sendKeyEvent(QTest::Click, form.txtA, Qt::Key_unknown, QString(c), {});
+    } else if (route == "Ctrl+V") {
+      QTest::keyClick(form.txtA, Qt::Key_V, Qt::ControlModifier);
+    } else if (route == "Shift+Insert") {
+      QTest::keyClick(form.txtA, Qt::Key_Insert, Qt::ShiftModifier);
+    } else if (route == "context menu") {
+      form.txtA->paste();  // what the menu's Paste entry calls
+    } else if (route == "middle click") {
+      if (!QGuiApplication::clipboard()->supportsSelection()) QSKIP("no selection clipboard on this platform");
+      QGuiApplication::clipboard()->setText(text, QClipboard::Selection);
+      QTest::mouseClick(form.txtA, Qt::MiddleButton);
+    } else if (route == "dropped") {
+      QMimeData dragged;
+      dragged.setText(text);
+      const QPoint at = form.txtA->rect().center();
+      QDragEnterEvent enter(at, Qt::CopyAction, &dragged, Qt::LeftButton, {});
+      QCoreApplication::sendEvent(form.txtA, &enter);
+      QDropEvent drop(QPointF(at), Qt::CopyAction, &dragged, Qt::LeftButton, {});
+      QCoreApplication::sendEvent(form.txtA, &drop);
+    } else if (route == "input method") {
+      QInputMethodEvent commit;
+      commit.setCommitString(text);
+      QCoreApplication::sendEvent(form.txtA, &commit);
+    } else {
+      form.txtA->setText(text);
+    }
+    QCOMPARE(form.txtA->text(), QStringLiteral("512"));
   }
 
   void keyPressCanDiscardOrChangeKeys() {

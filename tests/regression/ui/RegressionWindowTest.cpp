@@ -1,7 +1,12 @@
 // The regression window as a user drives it: fields filled in order and locked, data
 // typed into the editor, Compute, Evaluations, Add data, Save and Open, Print.
+//
+// Keys go where a person's keys go, to the widget that holds the focus in the active
+// window; the keyboard test also runs on a real X server (see CMakeLists.txt).
 
 #include <QAction>
+#include <QApplication>
+#include <QClipboard>
 #include <QDir>
 #include <QFile>
 #include <QLabel>
@@ -13,6 +18,7 @@
 
 #include "platform/ScriptedDialogs.h"
 #include "platform/ui/TextBox.h"
+#include "regression/RegressionFile.h"
 #include "regression/ui/DataGridModel.h"
 #include "regression/ui/frmEdit.h"
 #include "regression/ui/frmEvaluations.h"
@@ -74,31 +80,41 @@ struct MainWindow {
     return enter(txtOrder, order) && enter(txtDepVarNam, dependent) && enter(txtVarNams, names) && enter(txtN, sets);
   }
 
+  // The editor, shown and active, its grid holding the focus on the first cell.
   frmEdit* openEditor() {
     cmdEditData->click();
-    return window.editor();
-  }
-
-  // Types `text` into grid cell (row, column), counted from 0 over the data cells (column 0
-  // is the dependent variable), as a user does: the first character opens the entry box.
-  void typeCell(int row, int column, const QString& text) {
     frmEdit* editor = window.editor();
-    editor->MSFlexGridEdit->setCurrentIndex(editor->model()->index(row, column));
-    editor->MSFlexGridEdit->setFocus();
-    QTest::keyClick(editor->MSFlexGridEdit, text.at(0).toLatin1());
-    QVERIFY(editor->txtDataEntry->isVisible());
-    QTest::keyClicks(editor->txtDataEntry, text.mid(1));
-    QTest::keyClick(editor->txtDataEntry, Qt::Key_Return);
+    if (editor == nullptr || !QTest::qWaitForWindowActive(editor)) return nullptr;
+    return editor->MSFlexGridEdit->hasFocus() ? editor : nullptr;
   }
 
-  // x = 1..5 against y = 1 + 2x with a little scatter, typed and the editor closed.
+  // Presses keys as a person does, each to whatever holds the focus: "Enter", "Right",
+  // "Left", "Up", "Down", "Paste" (Ctrl+V) or characters to type, separated by blanks.
+  static bool press(const QString& keys) {
+    static const QHash<QString, Qt::Key> named = {{"Enter", Qt::Key_Return}, {"Right", Qt::Key_Right},
+                                                  {"Left", Qt::Key_Left},    {"Up", Qt::Key_Up},
+                                                  {"Down", Qt::Key_Down},    {"Paste", Qt::Key_V}};
+    for (const QString& key : keys.split(' ', Qt::SkipEmptyParts)) {
+      if (named.contains(key)) {
+        if (QApplication::focusWidget() == nullptr) return false;
+        QTest::keyClick(QApplication::focusWidget(), named[key], key == "Paste" ? Qt::ControlModifier : Qt::NoModifier);
+        continue;
+      }
+      for (const QChar c : key) {
+        if (QApplication::focusWidget() == nullptr) return false;
+        QTest::keyClicks(QApplication::focusWidget(), QString(c));
+      }
+    }
+    return true;
+  }
+
+  // x = 1..5 against y = 1 + 2x with a little scatter, typed row by row (y, Right, x)
+  // and the editor closed.
   bool typeLineData() {
     if (!openEditor()) return false;
     const char* given[] = {"3.1", "4.9", "7", "9.2", "10.8"};
-    for (int r = 0; r < 5; ++r) {
-      typeCell(r, 1, QString::number(r + 1));
-      typeCell(r, 0, given[r]);
-    }
+    for (int r = 0; r < 5; ++r)
+      if (!press(QStringLiteral("%1 Enter Right %2 Enter Down Left").arg(given[r]).arg(r + 1))) return false;
     window.editor()->cmdExit->click();
     return problem.X(2, 4) == 9.2 && problem.X(1, 5) == 5.0;  // the first grid column is the dependent
   }
@@ -194,10 +210,13 @@ class RegressionWindowTest : public QObject {
     QVERIFY(w.withLineData());
     w.cmdCompute->click();
     QVERIFY(w.lstCoeff->count() > 0);
+    w.cmdEvaluations->click();
+    QVERIFY(w.window.evaluations()->isVisible());
 
     frmEdit* editor = w.openEditor();
     editor->MSFlexGridEdit->setCurrentIndex(editor->model()->index(1, 0));
     editor->cmdDelete->click();  // the last set moves into the hole; the results go
+    QVERIFY(!w.window.evaluations()->isVisible());  // with the coefficients it evaluated
     QCOMPARE(w.problem.N, 4);
     QCOMPARE(w.txtN->text(), QStringLiteral("4"));
     QCOMPARE(editor->model()->rowCount(), 4);
@@ -218,10 +237,13 @@ class RegressionWindowTest : public QObject {
     QCOMPARE(column(w.problem, 2), QList<double>({3.1, 10.8, 7, 9.2, 0, 0}));  // sets 1, 5, 3, 4 and two new
     QVERIFY(editor->isVisible());
     QCOMPARE(editor->model()->rowCount(), 6);
+    QCOMPARE(QStringList({cell(editor, 3, 0), cell(editor, 4, 0), cell(editor, 5, 1)}),
+             QStringList({"9.2", "", ""}));  // typed cells keep their text, new sets are empty
 
     for (int i = 0; i < 7; ++i) {  // down to no sets; the last press finds none to delete
       editor->MSFlexGridEdit->setCurrentIndex(editor->model()->index(0, 0));
       editor->cmdDelete->click();
+      if (i == 0) QCOMPARE(cell(editor, 0, 0), QString());  // an empty set moved into the first row
     }
     QCOMPARE(w.problem.N, 0);
     QCOMPARE(w.txtN->text(), QStringLiteral("0"));
@@ -246,32 +268,66 @@ class RegressionWindowTest : public QObject {
     QCOMPARE(column(fresh.problem, 2), QList<double>({3.1, 4.9, 7, 9.2, 10.8, 0, 0}));
   }
 
-  void entryBoxKeepsOnlyNumberKeysAndMovesWithTheArrows() {
+  // y then x for three sets, each value ended by Enter, the arrows moving between the
+  // cells: Enter leaves the cell current, and the file holds the sets as typed.
+  void dataTypedAsAPersonTypesIt() {
+    MainWindow w;
+    QVERIFY(w.setUp("1", "y", "x", "3"));
+    frmEdit* editor = w.openEditor();
+    QVERIFY(editor);
+    QVERIFY(w.press("1 Enter Right 10 Enter Down Left 2 Enter Right 20 Enter Down Left 3 Enter Right 31 Enter"));
+    QCOMPARE(editor->MSFlexGridEdit->currentIndex(), editor->model()->index(2, 1));
+    QVERIFY(editor->MSFlexGridEdit->hasFocus() && !editor->txtDataEntry->isVisible());
+    editor->cmdExit->click();
+
+    QTemporaryDir folder;
+    const std::string path = QDir(folder.path()).filePath("typed.txt").toStdString();
+    w.dialogs.queueSaveFileName(path);
+    w.mnuSave->trigger();
+    const RegressionProblem saved = ReadRegressionFiles(path);
+    QCOMPARE(column(saved, 2), QList<double>({1, 2, 3}));
+    QCOMPARE(column(saved, 1), QList<double>({10, 20, 31}));
+  }
+
+  // The entry box takes the characters of a number however they come; a cell shows the
+  // text typed into it (new sets are empty), the matrix its leading numeric value. An
+  // arrow ends the edit and, inside the grid, edits the next cell.
+  void entryBoxKeepsNumberCharactersAndTheirText() {
     MainWindow w;
     QVERIFY(w.setUp("2", "z", "x,y", "3"));
     frmEdit* editor = w.openEditor();
-    editor->MSFlexGridEdit->setCurrentIndex(editor->model()->index(0, 0));
-    editor->MSFlexGridEdit->setFocus();
-    QTest::keyClick(editor->MSFlexGridEdit, 'q');  // not a number key: no edit starts
+    QVERIFY(editor);
+    QCOMPARE(cell(editor, 0, 0), QString());
+    QVERIFY(w.press("q"));  // not a number key: no edit starts
     QVERIFY(!editor->txtDataEntry->isVisible());
-    QTest::keyClick(editor->MSFlexGridEdit, '1');
-    QTest::keyClicks(editor->txtDataEntry, "x_e");
+    QVERIFY(w.press("1 x_e"));
     QCOMPARE(editor->txtDataEntry->text(), QStringLiteral("1e"));
-    QCOMPARE(w.problem.X(3, 1), 1.0);  // "1e" is stored as 1
-    QTest::keyClick(editor->txtDataEntry, Qt::Key_Backspace);  // discarded as well
+    QCOMPARE(w.problem.X(3, 1), 1.0);  // "1e" is stored as 1 in z
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backspace);  // discarded as well
     QCOMPARE(editor->txtDataEntry->text(), QStringLiteral("1e"));
-    QCOMPARE(editor->txtDataEntry->toolTip(), QStringLiteral("A(1,1)=0"));  // the cell as it was
+    QCOMPARE(editor->txtDataEntry->toolTip(), QStringLiteral("A(1,1)="));  // the cell as it was
 
-    QTest::keyClick(editor->txtDataEntry, Qt::Key_Right);
-    QCOMPARE(editor->MSFlexGridEdit->currentIndex(), editor->model()->index(0, 1));
-    QVERIFY(editor->txtDataEntry->isVisible());
-    QTest::keyClick(editor->txtDataEntry, Qt::Key_Up);  // the top edge: nothing moves
-    QCOMPARE(editor->MSFlexGridEdit->currentIndex(), editor->model()->index(0, 1));
-    QTest::keyClick(editor->txtDataEntry, Qt::Key_Return);
-    w.typeCell(1, 2, "7");
-    QCOMPARE(w.problem.X(2, 2), 7.0);
-    w.typeCell(1, 2, "e5");
+    QVERIFY(w.press("Up"));  // the top edge: the edit ends and nothing moves
+    QVERIFY(editor->MSFlexGridEdit->hasFocus() && !editor->txtDataEntry->isVisible());
+    QCOMPARE(editor->MSFlexGridEdit->currentIndex(), editor->model()->index(0, 0));
+    QCOMPARE(cell(editor, 0, 0), QStringLiteral("1e"));
+    QVERIFY(w.press("Right 2.50 Left"));
+    QCOMPARE(cell(editor, 0, 1), QStringLiteral("2.50"));
+    QCOMPARE(w.problem.X(1, 1), 2.5);
+    QVERIFY(editor->txtDataEntry->hasFocus());  // the cell to the left, edited with its text
+    QCOMPARE(editor->txtDataEntry->text(), QStringLiteral("1e"));
+    QVERIFY(w.press("Left"));  // the left edge
+    QCOMPARE(editor->MSFlexGridEdit->currentIndex(), editor->model()->index(0, 0));
+    QVERIFY(editor->MSFlexGridEdit->hasFocus());
+
+    QGuiApplication::clipboard()->setText("5abc12");  // pasted text is filtered as typed text
+    QVERIFY(w.press("Down Right Right 7 Paste"));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Insert, Qt::ShiftModifier);
+    QCOMPARE(editor->txtDataEntry->text(), QStringLiteral("7512512"));
+    QCOMPARE(w.problem.X(2, 2), 7512512.0);
+    QVERIFY(w.press("Enter e5 Enter"));
     QCOMPARE(w.problem.X(2, 2), 0.0);  // "e5" is stored as 0
+    QCOMPARE(cell(editor, 1, 2), QStringLiteral("e5"));
 
     const int base = editor->MSFlexGridEdit->columnWidth(1);
     editor->cmdToggleWidth->click();

@@ -1,0 +1,344 @@
+// Hostile text in every text field of every window, typed (or, when long, pasted) and
+// the field left with Tab, as a person would: the program lives, a number beyond the
+// range of a double shows the run-time error box and keeps the focus (a data cell keeps
+// a text it can hold), and nothing changes but what the field's own rules change. The
+// plot windows' commands then read what their fields were left holding.
+//
+// The test runs under the program's own Application: its last-resort guard for errors
+// that escape an event handler must never be reached by any of this.
+
+#include <QAction>
+#include <QApplication>
+#include <QClipboard>
+#include <QComboBox>
+#include <QHeaderView>
+#include <QLabel>
+#include <QPushButton>
+#include <QTableView>
+#include <QtTest>
+#include <map>
+#include <memory>
+
+#include "app/Application.h"
+#include "platform/NumberText.h"
+#include "platform/RuntimeError.h"
+#include "platform/ScriptedDialogs.h"
+#include "platform/ui/TextBox.h"
+#include "plot2d/ui/frmPlot.h"
+#include "regression/Workbench.h"
+#include "regression/ui/DataGridModel.h"
+#include "regression/ui/frmEdit.h"
+#include "regression/ui/frmEvaluations.h"
+#include "regression/ui/frmOrvane.h"
+#include "stereo/ui/frmStereoPlot.h"
+
+namespace orvane {
+namespace {
+
+ScriptedDialogs* guardDialogs = nullptr;  // where the Application shows escaped errors
+size_t guardMessagesAllowed = 0;          // the guard's own test makes one escape
+
+const QStringList kHostileTexts = {"1e999", "-1e999",   "1e-999", "abc",  "",
+                                   QString(10000, '9'), "1,5", "NaN", "Inf", QStringLiteral("x\u00e9\u20ac\u6f22")};
+
+bool overflows(const QString& text) {
+  try {
+    (void)leadingNumber(text.toStdString());
+  } catch (const RuntimeError&) {
+    return true;
+  }
+  return false;
+}
+
+// Types over the selected text of the widget that holds the focus: Delete, then the text
+// key by key, or pasted when long.
+void typeText(const QString& text) {
+  QTest::keyClick(QApplication::focusWidget(), Qt::Key_Delete);
+  if (text.size() > 64) {
+    QGuiApplication::clipboard()->setText(text);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_V, Qt::ControlModifier);
+    return;
+  }
+  for (const QChar c : text) QTest::sendKeyEvent(QTest::Click, QApplication::focusWidget(), Qt::Key_unknown, QString(c), {});
+}
+
+bool activate(QWidget& window) {
+  window.show();
+  window.activateWindow();
+  return QTest::qWaitForWindowActive(&window);
+}
+
+// What typing `text` into `field` and pressing Tab did.
+struct Entry {
+  bool keptFocus = false;
+  std::vector<std::string> messages;
+};
+
+Entry enter(TextBox* field, const QString& text, const ScriptedDialogs& dialogs) {
+  const size_t before = dialogs.messages().size();
+  field->setFocus(Qt::TabFocusReason);
+  field->selectAll();
+  typeText(text);
+  QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+  QCoreApplication::processEvents();
+  Entry entry;
+  entry.keptFocus = field->hasFocus();
+  for (size_t i = before; i < dialogs.messages().size(); ++i) entry.messages.push_back(dialogs.messages()[i].prompt);
+  return entry;
+}
+
+// The fields whose text is a name or a formula; every other field holds a number.
+const QStringList kTextFields = {"txtDepVarNam", "txtVarNams", "txtEquation", "txtEquationZ", "txtEquationX",
+                                 "txtEquationY"};
+
+// "Overflow" comes exactly when a number field holds a number beyond a double, once,
+// and the field keeps the focus. (Other boxes are the fields' own: "Type mismatch" for
+// the number of data sets, the engine's messages for the stereo window's expressions.)
+void checkEntry(const Entry& entry, const TextBox* field, const QString& text) {
+  const QByteArray where = (field->objectName() + " <- " + text.left(12)).toUtf8();
+  const bool overflow = !kTextFields.contains(field->objectName()) && overflows(text);
+  QVERIFY2(std::count(entry.messages.begin(), entry.messages.end(), "Overflow") == (overflow ? 1 : 0),
+           where.constData());
+  if (overflow) QVERIFY2(entry.keptFocus, where.constData());
+}
+
+std::map<QString, QString> fieldTexts(const QWidget& window) {
+  std::map<QString, QString> texts;
+  for (const TextBox* box : window.findChildren<TextBox*>()) texts[box->objectName()] = box->text();
+  return texts;
+}
+
+// The main window with the problem set up up to (not including) field `upTo`.
+struct Main {
+  ScriptedDialogs dialogs;
+  frmOrvane window{dialogs};
+  const RegressionProblem& problem = window.workbench().problem;
+  TextBox* field(const char* name) { return window.findChild<TextBox*>(name); }
+  QPushButton* button(const char* name) { return window.findChild<QPushButton*>(name); }
+
+  bool setUpTo(const char* upTo) {
+    if (!activate(window)) return false;
+    const std::pair<const char*, const char*> fields[] = {
+        {"txtOrder", "1"}, {"txtDepVarNam", "y"}, {"txtVarNams", "x"}, {"txtN", "3"}};
+    for (const auto& [name, text] : fields) {
+      if (qstrcmp(name, upTo) == 0) return true;
+      if (enter(field(name), text, dialogs).keptFocus) return false;
+    }
+    return true;
+  }
+  frmEdit* openEditor() {
+    button("cmdEditData")->click();
+    frmEdit* editor = window.editor();
+    return editor != nullptr && QTest::qWaitForWindowActive(editor) ? editor : nullptr;
+  }
+};
+
+// The 2-D study window on a fitted line with its five data sets.
+struct Plot2d {
+  Workbench workbench;
+  ScriptedDialogs dialogs;
+  std::unique_ptr<frmPlot> window;
+  Plot2d() {
+    RegressionProblem& p = workbench.problem;
+    p.m = 1;
+    p.N = 5;
+    p.names = {"x"};
+    p.dependentName = "y";
+    p.dimensionData();
+    for (int i = 1; i <= 5; ++i) {
+      p.X(1, i) = i;
+      p.X(2, i) = 1 + 2 * i;
+    }
+    p.A = {1, 2, 0};
+    p.computed = workbench.fitted = true;
+    window = std::make_unique<frmPlot>(workbench, dialogs);
+    window->txtEquation->setText("x^2-2");
+  }
+};
+
+// The stereo window on its opening surface.
+struct Stereo {
+  Workbench workbench;
+  ScriptedDialogs dialogs;
+  std::unique_ptr<frmStereoPlot> window = std::make_unique<frmStereoPlot>(workbench, dialogs);
+};
+
+// Every visible field of a plot window: each hostile text entered and checked, then the
+// window's commands run on what the field was left holding, then the field restored.
+template <class Window>
+void walkPlotWindow(Window& window, const ScriptedDialogs& dialogs, const QStringList& buttons) {
+  QVERIFY(activate(window));
+  const std::map<QString, QString> opening = fieldTexts(window);
+  for (TextBox* field : window.template findChildren<TextBox*>()) {
+    if (!field->isVisible()) continue;
+    for (const QString& text : kHostileTexts) {
+      const Entry entry = enter(field, text, dialogs);
+      checkEntry(entry, field, text);
+      std::map<QString, QString> now = fieldTexts(window);
+      now[field->objectName()] = opening.at(field->objectName());  // a field may correct itself
+      QVERIFY2(now == opening, qPrintable(field->objectName() + " <- " + text.left(12)));
+      if (!entry.keptFocus) {
+        for (const QString& name : buttons) window.template findChild<QPushButton*>(name)->click();
+        window.template findChild<QAction*>("mnuPrint")->trigger();
+      }
+      for (TextBox* box : window.template findChildren<TextBox*>())  // zoom and steps moved some
+        if (box->text() != opening.at(box->objectName())) box->setText(opening.at(box->objectName()));
+      field->setFocus(Qt::TabFocusReason);
+      QTest::keyClick(field, Qt::Key_Tab);
+      QVERIFY2(!field->hasFocus(), qPrintable(field->objectName()));
+    }
+  }
+}
+
+// A user constant of each hostile value, added and used by a plot.
+template <class Window>
+void walkConstants(Window& window) {
+  auto* constants = window.template findChild<QComboBox*>("cboConstants");
+  for (const QString& text : kHostileTexts) {
+    constants->setEditText("a=" + text);
+    window.template findChild<QPushButton*>("cmdAddCons")->click();
+    window.template findChild<QPushButton*>("cmdPlot")->click();
+  }
+}
+
+}  // namespace
+
+class HostileTextTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void init() { QGuiApplication::clipboard()->clear(); }
+  void cleanup() { QCOMPARE(guardDialogs->messages().size(), guardMessagesAllowed); }  // nothing escaped
+
+  void mainWindowFields_data() {
+    QTest::addColumn<QString>("name");
+    for (const char* name : {"txtOrder", "txtDepVarNam", "txtVarNams", "txtN"}) QTest::newRow(name) << name;
+  }
+  void mainWindowFields() {
+    QFETCH(QString, name);
+    for (const QString& text : kHostileTexts) {
+      Main w;
+      QVERIFY(w.setUpTo(qPrintable(name)));
+      const RegressionProblem before = w.problem;
+      TextBox* field = w.field(qPrintable(name));
+      const Entry entry = enter(field, text, w.dialogs);
+      checkEntry(entry, field, text);
+      // Only the field's own part of the problem may change, and a refused count not.
+      const RegressionProblem& after = w.problem;
+      QVERIFY(after.m == before.m || (name == "txtOrder" && !entry.keptFocus));
+      QVERIFY(after.names == before.names || name == "txtVarNams");
+      QVERIFY(after.dependentName == before.dependentName || name == "txtDepVarNam");
+      QCOMPARE(after.N, before.N);
+    }
+  }
+
+  void addDataCount() {
+    Main w;
+    QVERIFY(w.setUpTo(""));
+    QVERIFY(w.openEditor());
+    for (const QString& text : kHostileTexts) {
+      const int sets = w.problem.N;
+      const size_t messages = w.dialogs.messages().size();
+      w.window.editor()->cmdExit->click();
+      w.dialogs.queueInputBox(text.toStdString());
+      w.button("cmdAddData")->click();
+      QCOMPARE(w.dialogs.messages().size(), messages + (overflows(text) ? 1 : 0));
+      QCOMPARE(w.problem.N, sets + (text == "1,5" ? 1 : 0));  // only "1,5" counts, as one
+    }
+  }
+
+  void editorCell() {
+    Main w;
+    QVERIFY(w.setUpTo(""));
+    frmEdit* editor = w.openEditor();
+    QVERIFY(editor);
+    QTest::keyClicks(QApplication::focusWidget(), "7");
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    const QModelIndex cell = editor->model()->index(0, 0);
+    const QPoint centre = editor->MSFlexGridEdit->visualRect(cell).center();
+    for (const QString& text : kHostileTexts) {
+      const size_t before = w.dialogs.messages().size();
+      QTest::mouseClick(editor->MSFlexGridEdit->viewport(), Qt::LeftButton, {}, centre);  // a double click
+      QTest::mouseDClick(editor->MSFlexGridEdit->viewport(), Qt::LeftButton, {}, centre);
+      QVERIFY(editor->txtDataEntry->hasFocus());
+      editor->txtDataEntry->selectAll();
+      typeText(text);  // an overflowing key or paste is undone: the cell keeps a text it can hold
+      QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+      QString kept;  // what the cell's filter lets in
+      for (const QChar c : text)
+        if (QStringLiteral("+-.0123456789Ee").contains(c)) kept += c;
+      const QString shown = editor->model()->cellText(cell);
+      const bool told = w.dialogs.messages().size() == before + 1 && w.dialogs.messages().back().prompt == "Overflow";
+      QCOMPARE(told, overflows(kept));
+      QCOMPARE(shown == kept, !told);
+      QCOMPARE(w.problem.X(2, 1), leadingNumber(shown.toStdString()));
+      QCOMPARE(w.problem.X(1, 1), 0.0);
+    }
+  }
+
+  void estimatesPoint() {
+    Main w;
+    QVERIFY(w.setUpTo(""));
+    frmEdit* editor = w.openEditor();
+    QVERIFY(editor);
+    for (int r = 0; r < 3; ++r) {  // y = 1 + 2x
+      editor->model()->setCellText(editor->model()->index(r, 0), QString::number(3 + 2 * r));
+      editor->model()->setCellText(editor->model()->index(r, 1), QString::number(1 + r));
+    }
+    editor->cmdExit->click();
+    w.button("cmdCompute")->click();
+    w.button("cmdEvaluations")->click();
+    frmEvaluations* estimates = w.window.evaluations();
+    QVERIFY(estimates && activate(*estimates));
+    for (const QString& text : kHostileTexts) {
+      const QString shown = estimates->lblApprox->text();
+      const Entry entry = enter(estimates->txtVarx.at(0), text, w.dialogs);
+      checkEntry(entry, estimates->txtVarx.at(0), text);
+      if (entry.keptFocus) {
+        QCOMPARE(estimates->lblApprox->text(), shown);
+        estimates->txtVarx.at(0)->setText("1");
+        continue;
+      }
+      estimates->cmdCompute->click();
+      QCOMPARE(estimates->lblApprox->text().toDouble(), 1 + 2 * leadingNumber(text.toStdString()));
+    }
+  }
+
+  void studyWindowFields() {
+    Plot2d plot;
+    walkPlotWindow(*plot.window, plot.dialogs, {"cmdPlot", "cmdRoots", "cmdIntegrate", "cmdExtrema", "cmdDerVal", "cmdZoomIn"});
+    walkConstants(*plot.window);
+  }
+
+  void stereoWindowFields() {
+    Stereo stereo;
+    walkPlotWindow(*stereo.window, stereo.dialogs, {"cmdPlot", "cmdZoomIn", "cmdIncRotX", "cmdIncWindX"});
+    walkConstants(*stereo.window);
+  }
+
+  // The guard behind all this: an error escaping an event handler is shown, not fatal.
+  void escapedErrorIsShownByTheApplication() {
+    struct Raising : QObject {
+      bool event(QEvent*) override { throw RuntimeError(err::Overflow); }
+    } raising;
+    QEvent event(QEvent::User);
+    QVERIFY(!QCoreApplication::sendEvent(&raising, &event));
+    QCOMPARE(guardDialogs->messages().size(), size_t{1});
+    QCOMPARE(guardDialogs->messages()[0].prompt, std::string("Overflow"));
+    guardMessagesAllowed = 1;
+  }
+};
+
+}  // namespace orvane
+
+int main(int argc, char** argv) {
+  orvane::Application application(argc, argv);
+  orvane::ScriptedDialogs guard;
+  orvane::guardDialogs = &guard;
+  application.reportErrorsTo(&guard);
+  orvane::HostileTextTest test;
+  QTEST_SET_MAIN_SOURCE_PATH
+  return QTest::qExec(&test, argc, argv);
+}
+
+#include "HostileTextTest.moc"
