@@ -19,6 +19,7 @@
 #include "platform/NumberText.h"
 #include "platform/RecordingPrinterPage.h"
 #include "platform/RuntimeError.h"
+#include "platform/StopCheck.h"
 #include "platform/ui/QImageCanvas.h"
 #include "platform/ui/QtPrinterPage.h"
 #include "plot2d/Derivatives.h"
@@ -37,6 +38,9 @@
 #include "stereo/SurfaceMesh.h"
 
 namespace orvane {
+
+volatile std::sig_atomic_t batchInterrupted = 0;
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -55,7 +59,8 @@ The workbench's routines without a window. Commands:
 
 "orvane-batch COMMAND --help" describes each command. "--" ends the options, so an
 expression may start with "-". Results go to standard output, messages to standard
-error; the exit status is 0 when the command gave its result and 1 otherwise.
+error; the exit status is 0 when the command gave its result and 1 otherwise. Ctrl+C
+(or SIGTERM) stops a command at once with status 130, leaving no file half-written.
 )";
 
 constexpr const char* kEvalHelp = R"(Usage: orvane-batch eval [--x V] [--y V] [--u V] [--v V] [--const NAME=EXPR]... [--] EXPR
@@ -172,6 +177,16 @@ the window's fields (pi/2 is accepted); defaults are the window's.
 
 // ---- shared helpers ----
 
+// What long work polls: the signal flag, read about every 20 ms.
+StopCheck signalStopCheck() {
+  return StopCheck([] { return batchInterrupted != 0; });
+}
+
+// Before results are printed or saves committed: a stopped command gives neither.
+void stopIfInterrupted() {
+  if (batchInterrupted != 0) throw WorkInterrupted{};
+}
+
 // A command that cannot go on; the message has been or will be written to err.
 struct CommandFailed {};
 
@@ -238,6 +253,7 @@ void saveImages(const std::vector<std::pair<const QImage*, std::string>>& images
     if (!files.back()->open(QIODevice::WriteOnly) || !image->save(files.back().get(), format))
       throw UsageError(path + ": cannot be written");
   }
+  stopIfInterrupted();  // the temporaries go with the QSaveFiles
   for (size_t i = 0; i < files.size(); ++i)
     if (!files[i]->commit()) throw UsageError(images[i].second + ": cannot be written");
 }
@@ -411,9 +427,12 @@ int runStudy(const std::vector<std::string>& args, std::ostream& out, std::ostre
   registerConstants(window, report);
   EngineFunction f(window.engine(), window.sh(), fields.study.equation);
   DerivativeEvaluator d(f);
+  StopCheck stop = signalStopCheck();
+  d.setStopCheck(&stop);
 
   auto listAndLabel = [&](const std::vector<std::string>& list, const std::optional<std::string>& label,
                           int32_t error) {
+    stopIfInterrupted();
     for (const std::string& line : list) out << line << "\n";
     if (label) {
       out << *label << "\n";
@@ -432,6 +451,7 @@ int runStudy(const std::vector<std::string>& args, std::ostream& out, std::ostre
   }
   if (command == "integral") {
     const IntegralResult r = integrate(d, fields.study);
+    stopIfInterrupted();
     if (!r.label) {
       report.failed(r.error);
       return 1;
@@ -563,6 +583,8 @@ int runPlot2d(const std::vector<std::string>& args, std::ostream& out, std::ostr
   const StudySettings study = readStudySettings(fields.study);
   EngineFunction f(window.engine(), window.sh(), study.equation);
   DerivativeEvaluator d(f);
+  StopCheck stop = signalStopCheck();
+  d.setStopCheck(&stop);
 
   QImageCanvas picture(fields.pictureWidth, fields.pictureHeight);
   picture.Cls();
@@ -587,6 +609,7 @@ int runPlot2d(const std::vector<std::string>& args, std::ostream& out, std::ostr
     report.show(e);
     return 1;
   }
+  stopIfInterrupted();
   saveImages({{&picture.image(), *target}}, format);
   return 0;
 }
@@ -766,13 +789,16 @@ int runStereo(const std::vector<std::string>& args, std::ostream& out, std::ostr
   }
   SurfaceParameters uv;
   DotGenerator random(seed);
-  const StereoPlot plot{s, surface, uv, random, marks, true, {}};
+  StopCheck stop = signalStopCheck();
+  const StereoPlot plot{s, surface, uv, random, marks, true, &stop};
   DrawStereoPlot(left, right, plot);
+  stopIfInterrupted();
 
   const char* qtFormat = format == "png" ? "PNG" : "BMP";
   saveImages({{&left.image(), *prefix + "_left." + format}, {&right.image(), *prefix + "_right." + format}},
              qtFormat);
   if (auto file = o.single("export")) {
+    stopIfInterrupted();
     SaveStereoPictures(left, right, *file, true, {});
     WriteStereoFile(*file, s, window.constants().entries());
   }
@@ -812,6 +838,9 @@ int RunBatch(const std::vector<std::string>& args, std::ostream& out, std::ostre
     return 1;
   } catch (const CommandFailed&) {
     return 1;
+  } catch (const WorkInterrupted&) {
+    err << "orvane-batch " << command << ": interrupted\n";
+    return kInterruptedStatus;
   } catch (const std::bad_alloc&) {
     err << "Out of memory\n";
     return 1;
