@@ -14,6 +14,7 @@
 #include "engine/Class1.h"
 #include "engine/ExpressionEngine.h"
 #include "engine/PointEvaluation.h"
+#include "platform/StopCheck.h"
 #include "platform/ui/QImageCanvas.h"
 #include "stereo/EngineSurface.h"
 #include "stereo/StereoRender.h"
@@ -32,6 +33,7 @@ struct StereoWindow {
   QImageCanvas left{400, 400, 96}, right{400, 400, 96};
   SurfaceParameters uv;
   DotGenerator random{12345};
+  StopCheck stop{[] { return false; }};  // polled at every evaluation, as the window's
   StereoSettings settings;
 
   explicit StereoWindow(const StereoFields& fields) {
@@ -43,7 +45,7 @@ struct StereoWindow {
     left.Cls();
     right.Cls();
     ApplyPlotAppearance(left, right, settings);
-    const StereoPlot plot{settings, surface, uv, random, {}, true, nullptr};
+    const StereoPlot plot{settings, surface, uv, random, {}, true, &stop};
     DrawStereoPlot(left, right, plot);
   }
 };

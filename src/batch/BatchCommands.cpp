@@ -20,6 +20,7 @@
 #include "platform/RecordingPrinterPage.h"
 #include "platform/RuntimeError.h"
 #include "platform/SafeFile.h"
+#include "platform/StopCheck.h"
 #include "platform/ui/QImageCanvas.h"
 #include "platform/ui/QtPrinterPage.h"
 #include "plot2d/Derivatives.h"
@@ -38,6 +39,9 @@
 #include "stereo/SurfaceMesh.h"
 
 namespace orvane {
+
+volatile std::sig_atomic_t batchInterrupted = 0;
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -56,7 +60,8 @@ The workbench's routines without a window. Commands:
 
 "orvane-batch COMMAND --help" describes each command. "--" ends the options, so an
 expression may start with "-". Results go to standard output, messages to standard
-error; the exit status is 0 when the command gave its result and 1 otherwise.
+error; the exit status is 0 when the command gave its result and 1 otherwise. Ctrl+C
+(or SIGTERM) stops a command at once with status 130, leaving no file half-written.
 )";
 
 constexpr const char* kEvalHelp = R"(Usage: orvane-batch eval [--x V] [--y V] [--u V] [--v V] [--const NAME=EXPR]... [--] EXPR
@@ -175,6 +180,16 @@ the window's fields (pi/2 is accepted); defaults are the window's.
 
 // ---- shared helpers ----
 
+// What long work polls: the signal flag, read about every 20 ms.
+StopCheck signalStopCheck() {
+  return StopCheck([] { return batchInterrupted != 0; });
+}
+
+// Before results are printed or saves committed: a stopped command gives neither.
+void stopIfInterrupted() {
+  if (batchInterrupted != 0) throw WorkInterrupted{};
+}
+
 // A command that cannot go on; the message has been or will be written to err.
 struct CommandFailed {};
 
@@ -236,6 +251,7 @@ void saveImages(const std::vector<std::pair<const QImage*, std::string>>& images
       throw SaveError(path, "the picture could not be made");
     save.Text(path, std::string_view(bytes.constData(), static_cast<size_t>(bytes.size())));
   }
+  stopIfInterrupted();  // the temporaries go with the unsaved SafeSave
   save.Commit();
 }
 
@@ -426,9 +442,12 @@ int runStudy(const std::vector<std::string>& args, std::ostream& out, std::ostre
   registerConstants(window, report);
   EngineFunction f(window.engine(), window.sh(), fields.study.equation);
   DerivativeEvaluator d(f);
+  StopCheck stop = signalStopCheck();
+  d.setStopCheck(&stop);
 
   auto listAndLabel = [&](const std::vector<std::string>& list, const std::optional<std::string>& label,
                           int32_t error) {
+    stopIfInterrupted();
     for (const std::string& line : list) out << line << "\n";
     if (label) {
       out << *label << "\n";
@@ -447,6 +466,7 @@ int runStudy(const std::vector<std::string>& args, std::ostream& out, std::ostre
   }
   if (command == "integral") {
     const IntegralResult r = integrate(d, fields.study);
+    stopIfInterrupted();
     if (!r.label) {
       report.failed(r.error);
       return 1;
@@ -578,6 +598,8 @@ int runPlot2d(const std::vector<std::string>& args, std::ostream& out, std::ostr
   const StudySettings study = readStudySettings(fields.study);
   EngineFunction f(window.engine(), window.sh(), study.equation);
   DerivativeEvaluator d(f);
+  StopCheck stop = signalStopCheck();
+  d.setStopCheck(&stop);
 
   QImageCanvas picture(fields.pictureWidth, fields.pictureHeight);
   picture.Cls();
@@ -605,6 +627,7 @@ int runPlot2d(const std::vector<std::string>& args, std::ostream& out, std::ostr
   }
   // An error the window would have shown in a box: the picture is not the function's.
   if (report.errorsShown() > errorsBefore) return 1;
+  stopIfInterrupted();
   saveImages({{&picture.image(), *target}}, format);
   return 0;
 }
@@ -784,16 +807,19 @@ int runStereo(const std::vector<std::string>& args, std::ostream& out, std::ostr
   }
   SurfaceParameters uv;
   DotGenerator random(seed);
-  const StereoPlot plot{s, surface, uv, random, marks, true, {}};
+  StopCheck stop = signalStopCheck();
+  const StereoPlot plot{s, surface, uv, random, marks, true, &stop};
   const size_t errorsBefore = report.errorsShown();
   DrawStereoPlot(left, right, plot);
   // An error the window would have shown in a box: the pictures are not the surface's.
   if (report.errorsShown() > errorsBefore) return 1;
+  stopIfInterrupted();
 
   const char* qtFormat = format == "png" ? "PNG" : "BMP";
   saveImages({{&left.image(), *prefix + "_left." + format}, {&right.image(), *prefix + "_right." + format}},
              qtFormat);
   if (auto file = o.single("export")) {
+    stopIfInterrupted();
     SaveStereoPictures(left, right, *file, true, {});
     WriteStereoFile(*file, s, window.constants().entries());
   }
@@ -836,6 +862,9 @@ int RunBatch(const std::vector<std::string>& args, std::ostream& out, std::ostre
     return 1;
   } catch (const CommandFailed&) {
     return 1;
+  } catch (const WorkInterrupted&) {
+    err << "orvane-batch " << command << ": interrupted\n";
+    return kInterruptedStatus;
   } catch (const std::bad_alloc&) {
     err << "Out of memory\n";
     return 1;

@@ -1,6 +1,7 @@
 // orvane-batch: the command-line companion of the workbench.
 
 #include <QGuiApplication>
+#include <csignal>
 #include <cstdlib>
 #include <iostream>
 #include <memory>
@@ -10,6 +11,24 @@
 #include "batch/BatchCommands.h"
 
 namespace {
+
+void onStopSignal(int) { orvane::batchInterrupted = 1; }
+
+// Ctrl+C and SIGTERM only set the flag: the command stops at its next check, and its
+// saves remove their temporary files instead of leaving them half-written. A signal the
+// caller chose to ignore (nohup, a background job) stays ignored.
+void catchStopSignals() {
+  struct sigaction action {};
+  action.sa_handler = onStopSignal;
+  sigemptyset(&action.sa_mask);
+  action.sa_flags = SA_RESTART;
+  for (int signal : {SIGINT, SIGTERM}) {
+    struct sigaction previous {};
+    if (sigaction(signal, nullptr, &previous) == 0 && previous.sa_handler == SIG_IGN) continue;
+    sigaction(signal, &action, nullptr);
+  }
+}
+
 // Qt's own notes (a missing runtime directory, font fallbacks) are not the program's
 // messages; only its critical and fatal ones reach standard error.
 void quietQtMessages(QtMsgType type, const QMessageLogContext&, const QString& text) {
@@ -18,6 +37,7 @@ void quietQtMessages(QtMsgType type, const QMessageLogContext&, const QString& t
 }  // namespace
 
 int main(int argc, char** argv) {
+  catchStopSignals();
   std::vector<std::string> args(argv + 1, argv + argc);
   // Pictures and PDF pages need Qt's fonts and painting, never a display.
   std::unique_ptr<QGuiApplication> app;
@@ -28,5 +48,10 @@ int main(int argc, char** argv) {
   }
   const int status = orvane::RunBatch(args, std::cout, std::cerr);
   std::cout.flush();
+  // A signal during work that has no stop check (reading a file) still ends as stopped.
+  if (orvane::batchInterrupted != 0 && status != orvane::kInterruptedStatus) {
+    std::cerr << "orvane-batch: interrupted\n";
+    return orvane::kInterruptedStatus;
+  }
   return status;
 }

@@ -35,6 +35,7 @@ double factorial(int32_t i) {
 }
 
 double DerivativeEvaluator::f(double x) {
+  if (stop_ != nullptr) stop_->poll();
   double y = 0;
   if (int32_t e = f_.tryEval(x, y); e != 0) throw RuntimeError(e);
   return checked::value(y);

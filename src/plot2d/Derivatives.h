@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/StopCheck.h"
 #include "plot2d/FunctionOfX.h"
 
 namespace orvane {
@@ -26,8 +27,14 @@ class DerivativeEvaluator {
  public:
   explicit DerivativeEvaluator(FunctionOfX& f) : f_(f) {}
 
-  // f itself; throws RuntimeError (a non-finite value is error 6).
+  // f itself; throws RuntimeError (a non-finite value is error 6). Every evaluation of
+  // every routine passes here, so this is where long work is stopped: it polls the
+  // stop check first, which throws WorkInterrupted once the owner says stop.
   double f(double x);
+
+  // The check each evaluation polls; none (the default) never stops.
+  void setStopCheck(StopCheck* stop) { stop_ = stop; }
+  StopCheck* stopCheck() const { return stop_; }
 
   // Step settings, one per use. The plot's settings depend on the derivative order;
   // orders above 33 fail with error 9 once the steps are already changed.
@@ -52,6 +59,7 @@ class DerivativeEvaluator {
   double highOrder(int32_t k);
 
   FunctionOfX& f_;
+  StopCheck* stop_ = nullptr;
   DifferenceSteps steps_;
   double x0_ = 0;
 };

@@ -41,7 +41,11 @@ ExtremaResult findExtrema(DerivativeEvaluator& d, const StudySettings& s) {
 
   const ScanEnd end = scanSignChanges(s, slope, newton, add);
   result.error = end.error;
-  if (end.completed) result.label = std::to_string(result.extrema.size()) + " extrema";
+  result.interrupted = end.interrupted;
+  if (end.interrupted)
+    result.label = std::string(kInterruptedText);
+  else if (end.completed)
+    result.label = std::to_string(result.extrema.size()) + " extrema";
   return result;
 }
 

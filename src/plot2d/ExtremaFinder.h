@@ -13,7 +13,8 @@ namespace orvane {
 constexpr double kPossibleRootTolerance = 0.008;
 
 // Sets the extrema steps on d. Silenced errors skip the point or bracket; any other
-// error, or a 256th maximum or minimum (error 9), ends the search with no label.
+// error, or a 256th maximum or minimum (error 9), ends the search with no label. A stop
+// keeps the extrema found so far, labelled "Interrupted".
 ExtremaResult findExtrema(DerivativeEvaluator& d, const StudySettings& s);
 // The command as the window runs it, reading the settings from the field texts first.
 ExtremaResult findExtrema(DerivativeEvaluator& d, const StudyFieldTexts& texts);

@@ -5,6 +5,7 @@
 
 #include "platform/NumberText.h"
 #include "platform/RuntimeError.h"
+#include "platform/StopCheck.h"
 #include "plot2d/CheckedMath.h"
 
 namespace orvane {
@@ -72,6 +73,9 @@ IntegralResult integrate(DerivativeEvaluator& d, const StudySettings& s) {
     result.error = e.number();
     std::string text = integralErrorText(e.number());
     if (!text.empty()) result.label = std::move(text);
+  } catch (const WorkInterrupted&) {
+    result.interrupted = true;
+    result.label = std::string(kInterruptedText);
   }
   return result;
 }

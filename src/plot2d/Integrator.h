@@ -11,7 +11,7 @@ namespace orvane {
 // Accepted when two successive estimates agree within s.err with at least s.n panels;
 // at most s.maxcy halvings, else "No convergence". A failing evaluation ends it with
 // the reason as the label ("division by zero", ...), or no label for an error that has
-// no such text.
+// no such text. Stopped through d's stop check, the label is "Interrupted".
 IntegralResult integrate(DerivativeEvaluator& d, const StudySettings& s);
 // The command as the window runs it, reading the settings from the field texts first;
 // a count that does not fit shows "overflow".

@@ -203,7 +203,7 @@ class PlotPainter {
         if (!(x + step > x)) return;
         x += step;
         ok = evaluate(x, y);
-      } while (!ok && x < gx);
+      } while (!ok && x < gx && !interrupted_);
       if (!ok) return;
       c_.PSet(float(x), clip(y, false));
       if (x == gx) return;
@@ -211,7 +211,7 @@ class PlotPainter {
         if (!(x + step > x)) return;
         x += step;
         if (!evaluate(x, y)) {
-          if (x < gx) break;
+          if (x < gx && !interrupted_) break;
           return;
         }
         segment(x, y);
@@ -222,10 +222,30 @@ class PlotPainter {
 
   void resetLineColor() { linecolor_ = plotcolors::Curve; }
 
+  // Lets the owner's events run before the curve; false once the plot was stopped.
+  bool askToGoOn() {
+    if (StopCheck* stop = d_.stopCheck(); stop != nullptr && !interrupted_) {
+      try {
+        stop->askNow();
+      } catch (const WorkInterrupted&) {
+        interrupted_ = true;
+      }
+    }
+    return !interrupted_;
+  }
+  bool interrupted() const { return interrupted_; }
+
  private:
+  // False where f has no value, and everywhere once the plot was stopped.
   bool evaluate(double x, double& y) {
+    if (interrupted_) return false;
     d_.storePoint(x);
-    return d_.tryD(k_, x, y) == 0;
+    try {
+      return d_.tryD(k_, x, y) == 0;
+    } catch (const WorkInterrupted&) {
+      interrupted_ = true;
+      return false;
+    }
   }
 
   // Draws from the current point to (x, y) unless both ends lie beyond the same
@@ -273,6 +293,7 @@ class PlotPainter {
   const PlotSetup& s_;
   const int32_t k_;
   Color linecolor_ = plotcolors::Curve;
+  bool interrupted_ = false;
 };
 
 }  // namespace
@@ -289,8 +310,7 @@ std::string divisionLabel(float value, bool trailingPoint) {
   return text;
 }
 
-Viewport drawPlot(Canvas& picture, DerivativeEvaluator& d, const PlotRequest& request,
-                  const std::function<void()>& pumpEvents) {
+DrawnPlot drawPlot(Canvas& picture, DerivativeEvaluator& d, const PlotRequest& request) {
   d.prepareForPlot(request.options.derivative);
   const Viewport v =
       setUpViewport(request.setup, request.width, request.height, request.options.grid, picture);
@@ -311,10 +331,9 @@ Viewport drawPlot(Canvas& picture, DerivativeEvaluator& d, const PlotRequest& re
   painter.originAndData();
   if (request.options.labelWindow) painter.windowLabels();
   if (request.options.labelDivisions) painter.divisionLabels(vertical, horizontal);
-  if (pumpEvents) pumpEvents();
-  if (request.options.fittedFunction) painter.curve();
+  if (painter.askToGoOn() && request.options.fittedFunction) painter.curve();
   painter.resetLineColor();
-  return v;
+  return {v, painter.interrupted()};
 }
 
 }  // namespace orvane

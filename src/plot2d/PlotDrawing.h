@@ -4,7 +4,6 @@
 // or of one of its derivatives, all in user coordinates on a Canvas.
 
 #include <cstdint>
-#include <functional>
 #include <span>
 #include <string>
 
@@ -45,13 +44,19 @@ struct PlotRequest {
   std::span<const double> dataY;
 };
 
-// Draws the whole plot onto the picture (the caller clears it first) and returns the
-// viewport it set up. pumpEvents runs after the axes, marks and labels, before the
-// curve. A failing evaluation never raises here: it breaks the curve, ends the shading
-// or leaves out an interval-end line. Overflow or division by zero in the set-up is
-// RuntimeError 6 or 11 before anything is drawn.
-Viewport drawPlot(Canvas& picture, DerivativeEvaluator& d, const PlotRequest& request,
-                  const std::function<void()>& pumpEvents = {});
+struct DrawnPlot {
+  Viewport viewport;         // the one set up, also when the drawing was stopped
+  bool interrupted = false;  // stopped through the evaluator's stop check
+};
+
+// Draws the whole plot onto the picture (the caller clears it first). After the axes,
+// marks and labels, before the curve, it asks d's stop check at once (a window lets
+// its events run there, so the picture shows what is drawn so far). A failing
+// evaluation never raises here: it breaks the curve, ends the shading or leaves out an
+// interval-end line. A stop ends every evaluating part where it is; the frame, ticks,
+// axes, marks and labels are drawn all the same. Overflow or division by zero in the
+// set-up is RuntimeError 6 or 11 before anything is drawn.
+DrawnPlot drawPlot(Canvas& picture, DerivativeEvaluator& d, const PlotRequest& request);
 
 // A division label: the value rounded to an integer (halves away from zero), empty for
 // 0, with a trailing point when asked ("######." and "######").

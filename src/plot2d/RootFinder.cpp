@@ -31,7 +31,11 @@ RootResult findRoots(DerivativeEvaluator& d, const StudySettings& s) {
 
   const ScanEnd end = scanSignChanges(s, f, newton, add);
   result.error = end.error;
-  if (end.completed) result.label = std::to_string(result.roots.size()) + " roots";
+  result.interrupted = end.interrupted;
+  if (end.interrupted)
+    result.label = std::string(kInterruptedText);
+  else if (end.completed)
+    result.label = std::to_string(result.roots.size()) + " roots";
   return result;
 }
 

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "platform/RuntimeError.h"
+#include "platform/StopCheck.h"
 #include "plot2d/CheckedMath.h"
 
 namespace orvane {
@@ -35,40 +36,45 @@ ScanEnd scanSignChanges(const StudySettings& s, const std::function<double(doubl
     return x < s.xupper;
   };
 
-  for (;;) {
-    try {
-      if (!advance()) return {};
-      int previous = sign(g(x));
-      if (previous == 0) {
-        add(x);
-        continue;
-      }
-      for (;;) {
+  // A stop keeps the zeros already added.
+  try {
+    for (;;) {
+      try {
         if (!advance()) return {};
-        const int current = sign(g(x));
-        if (current == 0) {
+        int previous = sign(g(x));
+        if (previous == 0) {
           add(x);
-          break;
+          continue;
         }
-        if (current == previous) continue;
-        previous = current;
-        const double rightEnd = x;
-        x = x - step / 2;
-        int32_t cycles = 0;
-        double xold = x;
-        do {
-          ++cycles;
-          xold = x;
-          x = next(x);
-        } while (!(std::fabs(xold - x) <= s.err || cycles >= s.maxcy));
-        if (std::fabs(xold - x) <= s.err) add(x);
-        if (rightEnd > s.xupper) return {};
-        x = rightEnd;
+        for (;;) {
+          if (!advance()) return {};
+          const int current = sign(g(x));
+          if (current == 0) {
+            add(x);
+            break;
+          }
+          if (current == previous) continue;
+          previous = current;
+          const double rightEnd = x;
+          x = x - step / 2;
+          int32_t cycles = 0;
+          double xold = x;
+          do {
+            ++cycles;
+            xold = x;
+            x = next(x);
+          } while (!(std::fabs(xold - x) <= s.err || cycles >= s.maxcy));
+          if (std::fabs(xold - x) <= s.err) add(x);
+          if (rightEnd > s.xupper) return {};
+          x = rightEnd;
+        }
+      } catch (const RuntimeError& e) {
+        if (!isSilencedError(e.number())) return {false, e.number()};
+        x = lastGrid;
       }
-    } catch (const RuntimeError& e) {
-      if (!isSilencedError(e.number())) return {false, e.number()};
-      x = lastGrid;
     }
+  } catch (const WorkInterrupted&) {
+    return {false, 0, true};
   }
 }
 

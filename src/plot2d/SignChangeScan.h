@@ -11,14 +11,15 @@
 namespace orvane {
 
 struct ScanEnd {
-  bool completed = true;  // false: an error that is not silenced ended the scan
+  bool completed = true;  // false: an error that is not silenced, or a stop, ended it
   int32_t error = 0;
+  bool interrupted = false;  // stopped by the owner (WorkInterrupted from g or next)
 };
 
 // g: the function whose zeros are sought; next: one refinement step from x; add: takes
 // a zero (it may throw, e.g. error 9 when its table is full). The point xupper itself
 // is never sampled. A zero is accepted when the last correction is within s.err; the
-// iteration stops there or after s.maxcy steps.
+// iteration stops there or after s.maxcy steps. The zeros added before a stop stay.
 ScanEnd scanSignChanges(const StudySettings& s, const std::function<double(double)>& g,
                         const std::function<double(double)>& next,
                         const std::function<void(double)>& add);

@@ -93,22 +93,32 @@ void DrawBorder(Canvas& left, Canvas& right, const StereoSettings& s, DeviceUnit
               LineKind::Box);
 }
 
-void DrawReferenceLines(Canvas& left, Canvas& right, const StereoSettings& s) {
+void DrawReferenceLines(Canvas& left, Canvas& right, const StereoSettings& s, StopCheck* stop) {
   const int32_t n = s.grid;
   if (n < 2) return;
   const float stepY = s.delwindy / static_cast<float>(n);
   const float stepZ = s.delwindz / static_cast<float>(n);
+  auto poll = [stop] {
+    if (stop != nullptr) stop->poll();
+  };
   for (Canvas* pic : {&left, &right}) {
     pic->SetDrawStyle(DrawStyle::Dot);
-    float y = s.windowly;
-    for (int32_t i = 1; i < n; ++i) {
-      y += stepY;
-      pic->Line(y, s.windowlz, y, s.windowgz, StereoColors::reference);
-    }
-    float z = s.windowlz;
-    for (int32_t i = 1; i < n; ++i) {
-      z += stepZ;
-      pic->Line(s.windowly, z, s.windowgy, z, StereoColors::reference);
+    try {
+      float y = s.windowly;
+      for (int32_t i = 1; i < n; ++i) {
+        poll();
+        y += stepY;
+        pic->Line(y, s.windowlz, y, s.windowgz, StereoColors::reference);
+      }
+      float z = s.windowlz;
+      for (int32_t i = 1; i < n; ++i) {
+        poll();
+        z += stepZ;
+        pic->Line(s.windowly, z, s.windowgy, z, StereoColors::reference);
+      }
+    } catch (const WorkInterrupted&) {
+      pic->SetDrawStyle(DrawStyle::Solid);  // the next plot's border is solid again
+      throw;
     }
     pic->SetDrawStyle(DrawStyle::Solid);
   }
@@ -144,7 +154,7 @@ void DrawSurfaceMesh(Canvas& left, Canvas& right, const StereoPlot& plot) {
   const StereoSettings& s = plot.settings;
   const ViewTransform view = MakeViewTransform(s);
   const Color color = ColorsFor(s.background).linecolorfunction;
-  SurfaceSampler sampler(s, plot.evaluator, plot.uv);
+  SurfaceSampler sampler(s, plot.evaluator, plot.uv, plot.stop);
   StereoPoint pen;
   auto segment = [&](const Point3& p, bool penDown) {
     Point3 q = p;
@@ -158,14 +168,16 @@ void DrawSurfaceMesh(Canvas& left, Canvas& right, const StereoPlot& plot) {
     pen = to;
     return true;
   };
-  TraceMesh(s, sampler, segment, plot.pump);
+  TraceMesh(s, sampler, segment, [&plot] {
+    if (plot.stop != nullptr) plot.stop->askNow();
+  });
 }
 
 void DrawSurfaceDots(Canvas& left, Canvas& right, const StereoPlot& plot) {
   const StereoSettings& s = plot.settings;
   const ViewTransform view = MakeViewTransform(s);
   const Color color = ColorsFor(s.background).linecolorfunction;
-  SurfaceSampler sampler(s, plot.evaluator, plot.uv);
+  SurfaceSampler sampler(s, plot.evaluator, plot.uv, plot.stop);
   auto dot = [&](const Point3& p) {
     Point3 q = p;
     RotatePoint(view, q);
@@ -187,23 +199,28 @@ std::vector<Point3> DataMarksFrom(int32_t n, int32_t m, FunctionRef<double(int32
   return marks;
 }
 
-void DrawStereoPlot(Canvas& left, Canvas& right, const StereoPlot& plot) {
+bool DrawStereoPlot(Canvas& left, Canvas& right, const StereoPlot& plot) {
   const StereoSettings& s = plot.settings;
   DeviceUnit unit;
   try {
     unit = ScaleStereoPictures(left, right, s);
   } catch (const RuntimeError&) {
-    return;
+    return true;
   }
-  DrawBorder(left, right, s, unit);
-  DrawReferenceLines(left, right, s);
-  DrawAxes(left, right, s);
-  DrawOriginMark(left, right, s);
-  DrawDataMarks(left, right, s, plot.marks);
-  if (plot.pump) plot.pump();
-  if (!plot.surfaceShown) return;
-  if (s.lines) DrawSurfaceMesh(left, right, plot);
-  if (s.dots) DrawSurfaceDots(left, right, plot);
+  try {
+    DrawBorder(left, right, s, unit);
+    DrawReferenceLines(left, right, s, plot.stop);
+    DrawAxes(left, right, s);
+    DrawOriginMark(left, right, s);
+    DrawDataMarks(left, right, s, plot.marks);
+    if (plot.stop != nullptr) plot.stop->askNow();
+    if (!plot.surfaceShown) return true;
+    if (s.lines) DrawSurfaceMesh(left, right, plot);
+    if (s.dots) DrawSurfaceDots(left, right, plot);
+  } catch (const WorkInterrupted&) {
+    return false;
+  }
+  return true;
 }
 
 }  // namespace orvane

@@ -3,11 +3,11 @@
 // with which colours and line styles. The left picture (index 0) carries the stereo
 // shift; the right one (index 1) does not.
 
-#include <functional>
 #include <span>
 #include <vector>
 
 #include "platform/Canvas.h"
+#include "platform/StopCheck.h"
 #include "stereo/StereoSettings.h"
 #include "stereo/SurfaceMesh.h"
 #include "stereo/SurfaceSampler.h"
@@ -44,7 +44,9 @@ struct StereoPlot {
   // The regression's data sets as (first variable, second variable, dependent value).
   std::span<const Point3> marks;
   bool surfaceShown = true;  // the fitted-function flag: without it no surface is drawn
-  std::function<void()> pump;  // yields to pending user-interface events
+  // Asked at the plot's pauses (a window lets its events run there) and polled at every
+  // evaluation and reference line; none: the plot runs to its end.
+  StopCheck* stop = nullptr;
 };
 
 // The marks of the regression's data sets 1..n from its data matrix X (column 1 and 2
@@ -53,13 +55,14 @@ std::vector<Point3> DataMarksFrom(int32_t n, int32_t m, FunctionRef<double(int32
 
 // Draws everything on pictures already sized: scales, border, reference lines, axes,
 // the origin mark, the data marks, then the surface (mesh, then dots). A viewing window
-// that cannot be a picture scale (no width or height) draws nothing.
-void DrawStereoPlot(Canvas& left, Canvas& right, const StereoPlot& plot);
+// that cannot be a picture scale (no width or height) draws nothing. False when the
+// plot's stop check stopped it; what was drawn until then stays.
+bool DrawStereoPlot(Canvas& left, Canvas& right, const StereoPlot& plot);
 
 // The parts of the plot, in the order DrawStereoPlot draws them; each works on both
-// pictures, left first.
+// pictures, left first. Those given a stop check throw WorkInterrupted from it.
 void DrawBorder(Canvas& left, Canvas& right, const StereoSettings& s, DeviceUnit unit);
-void DrawReferenceLines(Canvas& left, Canvas& right, const StereoSettings& s);
+void DrawReferenceLines(Canvas& left, Canvas& right, const StereoSettings& s, StopCheck* stop = nullptr);
 void DrawAxes(Canvas& left, Canvas& right, const StereoSettings& s);
 void DrawOriginMark(Canvas& left, Canvas& right, const StereoSettings& s);
 void DrawDataMarks(Canvas& left, Canvas& right, const StereoSettings& s, std::span<const Point3> marks);

@@ -8,6 +8,7 @@
 namespace orvane {
 
 int32_t SurfaceSampler::TryExpressionAt(float a, float b, const std::string& expression, float& out) {
+  if (stop_ != nullptr) stop_->poll();
   double value = 0;
   if (const int32_t e = evaluator_.tryEvaluate(expression, a, b, uv_.u, uv_.v, value)) return e;
   // Stored in single precision: what does not fit is an overflow.

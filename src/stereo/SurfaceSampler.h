@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 
+#include "platform/StopCheck.h"
 #include "stereo/StereoSettings.h"
 #include "stereo/SurfaceEvaluator.h"
 #include "stereo/ViewTransform.h"
@@ -20,8 +21,11 @@ struct SurfaceParameters {
 
 class SurfaceSampler {
  public:
-  SurfaceSampler(const StereoSettings& settings, SurfaceEvaluator& evaluator, SurfaceParameters& uv)
-      : settings_(settings), evaluator_(evaluator), uv_(uv) {}
+  // Each evaluation polls `stop` first (none: never stops), which throws
+  // WorkInterrupted once its owner says stop.
+  SurfaceSampler(const StereoSettings& settings, SurfaceEvaluator& evaluator, SurfaceParameters& uv,
+                 StopCheck* stop = nullptr)
+      : settings_(settings), evaluator_(evaluator), uv_(uv), stop_(stop) {}
 
   // The expression with x = a, y = b and the current u, v, in single precision.
   // RuntimeError when it has no value there.
@@ -42,6 +46,7 @@ class SurfaceSampler {
   const StereoSettings& settings_;
   SurfaceEvaluator& evaluator_;
   SurfaceParameters& uv_;
+  StopCheck* stop_;
 };
 
 }  // namespace orvane

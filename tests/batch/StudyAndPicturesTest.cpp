@@ -4,8 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QImage>
 #include <QTemporaryDir>
+#include <csignal>
 #include <filesystem>
 
 #include "batch/BatchSupport.h"
@@ -190,6 +192,39 @@ TEST_F(BatchPictures, StereoSizesBackgroundAndImportRoundTrip) {
     EXPECT_EQ(run.status, 1);
     EXPECT_NE(run.err.find("orvane-batch stereo: " + c.err + "\n"), std::string::npos) << run.err;
     EXPECT_FALSE(std::filesystem::exists(path("d_left.png")));
+  }
+}
+
+// Ctrl+C (SIGINT) or SIGTERM during work that would never end: status 130 within
+// moments, nothing on standard output, and no picture or temporary file left behind.
+TEST_F(BatchPictures, ASignalStopsLongWorkLeavingNoFile) {
+  const struct {
+    std::vector<std::string> args;
+    int signal;
+    std::string err;
+  } cases[] = {
+      {{"study", "Sin(x)", "--subintervals", "1e9", "integral"}, SIGINT, "orvane-batch study: interrupted\n"},
+      {{"stereo", "--spacings", "100000", "100000", "--out", path("never"), "x*y"}, SIGTERM,
+       "orvane-batch stereo: interrupted\n"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.args.front());
+    QStringList args;
+    for (const std::string& a : c.args) args << QString::fromStdString(a);
+    QProcess process;
+    process.setWorkingDirectory(dir.path());
+    // A shell running the tests in the background ignores SIGINT; a terminal does not.
+    process.setChildProcessModifier([] { std::signal(SIGINT, SIG_DFL); });
+    process.start(QStringLiteral(ORVANE_BATCH_EXE), args);
+    ASSERT_TRUE(process.waitForStarted());
+    ASSERT_FALSE(process.waitForFinished(1000));  // busy
+    ::kill(static_cast<pid_t>(process.processId()), c.signal);
+    ASSERT_TRUE(process.waitForFinished(10000));
+    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(process.exitCode(), 130);
+    EXPECT_EQ(process.readAllStandardOutput().toStdString(), "");
+    EXPECT_EQ(process.readAllStandardError().toStdString(), c.err);
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot), QStringList());
   }
 }
 

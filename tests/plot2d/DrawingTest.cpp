@@ -32,7 +32,10 @@ Calls plot(const PlotRequest& r, double (*f)(double)) {
   DerivativeEvaluator d(fn);
   RecordingCanvas picture(200, 150);
   size_t pumpedAt = 0;
-  drawPlot(picture, d, r, [&] { pumpedAt = picture.size(); });
+  // Asked only where the plot lets events run: the clock never comes round in a test.
+  StopCheck pump([&] { return pumpedAt = picture.size(), false; }, std::chrono::hours(1));
+  d.setStopCheck(&pump);
+  drawPlot(picture, d, r);
   Calls out;
   for (size_t i = 0; i < picture.size(); ++i) {
     if (i == pumpedAt) out.push_back("pump");
@@ -149,6 +152,39 @@ TEST(PlotDriver, ShadingAndIntervalEnds) {
   EXPECT_EQ(matching(plot(r, [](double) { return 1.0; }), "pset (-1,0) #FF0000").size(), 1u);
   r.options.shade = false;
   EXPECT_EQ(matching(plot(r, [](double) { return 1.0; }), ",0) #FF0000"), (Calls{"pset (0.5,0) #FF0000"}));
+}
+
+// A stop (asked here at every evaluation) ends the shading, the interval-end lines and
+// the curve where they are; the frame, ticks, axes and marks are drawn all the same.
+TEST(PlotDriver, AStopEndsOnlyTheEvaluatingParts) {
+  const struct {
+    bool shade;  // of [-0.5, 0.5]; else the study interval lies outside the window
+    int stopAt;
+    size_t shadingLines, curveLines;
+  } cases[] = {{true, 2, 2, 0}, {false, 3, 0, 2}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.stopAt);
+    PlotRequest r = tinyRequest();
+    if (c.shade) {
+      r.options.shade = true;
+      r.options.xlower = -0.5;
+      r.options.xupper = 0.5;
+    }
+    int calls = 0;
+    LambdaFunction fn([&](double x) { return ++calls, x; });
+    DerivativeEvaluator d(fn);
+    StopCheck stop([&] { return calls >= c.stopAt; }, StopCheck::Clock::duration::zero());
+    d.setStopCheck(&stop);
+    RecordingCanvas picture(200, 150);
+    EXPECT_TRUE(drawPlot(picture, d, r).interrupted);
+    EXPECT_EQ(calls, c.stopAt);
+    const Calls all = picture.describeAll();
+    EXPECT_TRUE(matching(matching(all, "line"), "#FF0000").empty());  // no interval-end line
+    EXPECT_EQ(matching(all, "line (0,-3)-(0,3) #0000FF").size(), 1u);
+    EXPECT_EQ(matching(all, "circle (0,0)").size(), 1u);
+    EXPECT_EQ(matching(matching(all, "line"), "#A0A0FF").size(), c.shadingLines);
+    EXPECT_EQ(matching(matching(all, "line"), "#000000").size(), c.curveLines);
+  }
 }
 
 TEST(PlotDriver, TicksGridAndLabels) {

@@ -5,9 +5,11 @@
 #include <numbers>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "platform/RuntimeError.h"
+#include "platform/StopCheck.h"
 #include "plot2d/ExtremaFinder.h"
 #include "plot2d/Integrator.h"
 #include "plot2d/RootFinder.h"
@@ -187,6 +189,60 @@ TEST(StudyCommands, ReadTheFieldsInsideTheTrap) {
   EXPECT_FALSE(roots.label.has_value());
   EXPECT_FALSE(findExtrema(d, t).label.has_value());
   EXPECT_EQ(integrate(d, t).label, "overflow");
+}
+
+// Long work ends at the first evaluation after its owner says stop (Esc, the close box,
+// a signal) and keeps what it found. Here the owner is asked at every evaluation.
+TEST(LongWork, StopsAtTheNextEvaluationKeepingWhatWasFound) {
+  // Three roots and two extrema near the start, then minutes of scanning or refining.
+  const StudySettings s = study(0.5, 1e6, 1 << 30, 1e-10, 40);
+  struct Outcome {
+    std::optional<std::string> label;
+    size_t found;
+    bool interrupted;
+  };
+  const struct {
+    const char* name;
+    std::function<Outcome(DerivativeEvaluator&)> run;
+    size_t found;
+  } cases[] = {
+      {"roots", [&](DerivativeEvaluator& d) { auto r = findRoots(d, s); return Outcome{r.label, r.list.size(), r.interrupted}; }, 3},
+      {"extrema", [&](DerivativeEvaluator& d) { auto r = findExtrema(d, s); return Outcome{r.label, r.list.size(), r.interrupted}; }, 2},
+      {"integral", [&](DerivativeEvaluator& d) { auto r = integrate(d, s); return Outcome{r.label, 0, r.interrupted}; }, 0},
+  };
+  constexpr int kStopAt = 100000;
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    int calls = 0;
+    LambdaFunction f([&](double x) { return ++calls, (x - 1) * (x - 2) * (x - 3); });
+    DerivativeEvaluator d(f);
+    StopCheck stop([&] { return calls >= kStopAt; }, StopCheck::Clock::duration::zero());
+    d.setStopCheck(&stop);
+    const Outcome o = c.run(d);
+    EXPECT_EQ(calls, kStopAt);
+    EXPECT_EQ(o.label, "Interrupted");
+    EXPECT_TRUE(o.interrupted);
+    EXPECT_EQ(o.found, c.found);
+  }
+}
+
+// A formula of 2 ms: the owner (a window letting its events run) is still asked at least
+// every 20 ms, so Esc is seen well within 0.2 s whatever one evaluation costs.
+TEST(LongWork, ASlowFormulaIsAskedEveryFewEvaluations) {
+  int calls = 0;
+  std::vector<int> askedAt;
+  LambdaFunction f([&](double x) {
+    ++calls;
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    return x;
+  });
+  DerivativeEvaluator d(f);
+  StopCheck stop([&] { return askedAt.push_back(calls), askedAt.size() == 4; });
+  d.setStopCheck(&stop);
+  EXPECT_EQ(integrate(d, study(0, 1, 1 << 20, 1e-12, 30)).label, "Interrupted");
+  ASSERT_EQ(askedAt.size(), 4u);
+  EXPECT_EQ(calls, askedAt.back());
+  for (size_t i = 0; i < askedAt.size(); ++i) EXPECT_LE(askedAt[i] - (i ? askedAt[i - 1] : 0), 11) << i;
 }
 
 }  // namespace

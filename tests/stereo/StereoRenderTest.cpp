@@ -95,9 +95,10 @@ TEST(DrawStereoPlot, FrameReferenceLinesAxesAndMarksInOrder) {
   f.s.divx = f.s.divy = f.s.divz = 10;  // no division marks inside the window
   f.marks = {{0, 1, 0.25f}};
   int pumps = 0;
+  StopCheck pump([&] { return ++pumps, false; }, std::chrono::hours(1));
   StereoPlot plot = f.plot();
-  plot.pump = [&] { ++pumps; };
-  DrawStereoPlot(f.left, f.right, plot);
+  plot.stop = &pump;
+  EXPECT_TRUE(DrawStereoPlot(f.left, f.right, plot));
   EXPECT_EQ(pumps, 1);
   std::vector<std::string> expected = {
       "box (-2,-1.4925)-(1.99,1.5) #00C0C0",  // inset by one device unit right and bottom
@@ -141,6 +142,32 @@ TEST(DrawStereoPlot, SurfaceOnlyWithTheFittedFunctionAndItsBoxes) {
     EXPECT_EQ(callsOf(f.right, K::Point).size(), r.points);
     EXPECT_EQ(f.surface.calls, r.tried);
   }
+}
+
+// A stop (asked here at every evaluation and reference line) ends the plot where it is:
+// what was drawn stays, nothing more is evaluated, and the lines are solid again.
+TEST(DrawStereoPlot, AStopKeepsWhatWasDrawn) {
+  Fixture f;  // 2 x 2 mesh: stopped at the fifth sample, the start of the second curve
+  f.s.grid = 0;
+  f.s.divx = f.s.divy = f.s.divz = 10;
+  StopCheck inMesh([&] { return f.surface.calls >= 4; }, StopCheck::Clock::duration::zero());
+  StereoPlot plot = f.plot();
+  plot.stop = &inMesh;
+  EXPECT_FALSE(DrawStereoPlot(f.left, f.right, plot));
+  EXPECT_EQ(f.surface.calls, 4);
+  EXPECT_EQ(callsOf(f.right, K::Line).size(), 3u + 2);  // the axes and the first curve
+
+  Fixture g;  // two thousand million reference lines, stopped before the thousandth
+  g.s.grid = 2147483647;
+  int asks = 0;
+  StopCheck inReferenceLines([&] { return ++asks >= 1000; }, StopCheck::Clock::duration::zero());
+  StereoPlot gPlot = g.plot();
+  gPlot.stop = &inReferenceLines;
+  EXPECT_FALSE(DrawStereoPlot(g.left, g.right, gPlot));
+  EXPECT_EQ(callsOf(g.left, K::Line).size(), 999u);
+  EXPECT_EQ(callsOf(g.right, K::Line).size(), 0u);
+  EXPECT_EQ(g.surface.calls, 0);
+  EXPECT_TRUE(g.left.DrawStyle() == DrawStyle::Solid && g.right.DrawStyle() == DrawStyle::Solid);
 }
 
 TEST(DrawSurfaceDots, UndefinedEverywhereDrawsNothingAndDotsAreRotated) {

@@ -7,6 +7,7 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -241,6 +242,7 @@ void frmPlot::buildControls() {
                            QStringLiteral("6th.derivative"), QStringLiteral("7th.derivative"),
                            QStringLiteral("8th.derivative"), QStringLiteral("9th.derivative")});
   cmdPlot = button("cmdPlot", "&Plot", "Plot the selected option");
+  lblPlotStatus = label("lblPlotStatus", "", "Esc stops a plot; what was drawn stays");
   for (QLabel* l : {lblXorigin, lblYorigin, lblDivx, lblDivy, lblPlotStep})
     l->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
   lblXorigin->setBuddy(txtXorigin);
@@ -277,6 +279,7 @@ void frmPlot::buildControls() {
   auto* plotRow = new QHBoxLayout();
   plotRow->addWidget(cboDerivative, 1);
   plotRow->addWidget(cmdPlot);
+  plotRow->addWidget(lblPlotStatus);
   setup->addLayout(plotRow, 4, 0, 1, 5);
 
   // Graph: zoom, quadrants, pan, wider and narrower.
@@ -548,12 +551,43 @@ template <typename Study>
 auto frmPlot::runStudy(Study study) {
   sh.ierr = 0;
   dialogs_.SetBusy(true);
+  studying_ = true;
   const StudyFieldTexts texts = ReadSettings();
   EngineFunction f(ScriptControl1, sh, texts.equation);
   DerivativeEvaluator d(f);
+  StopCheck stop = longWorkCheck();
+  d.setStopCheck(&stop);
   auto result = study(d, texts);
+  studying_ = false;
   dialogs_.SetBusy(false);
   return result;
+}
+
+StopCheck frmPlot::longWorkCheck() {
+  stopRequested_ = false;
+  return StopCheck([this] {
+    dialogs_.DoEvents();
+    return stopRequested_;
+  });
+}
+
+void frmPlot::afterLongWork() {
+  const bool plotAsked = std::exchange(plotQueued_, false);
+  if (closeRequested_) {
+    closeRequested_ = false;
+    close();
+  } else if (plotAsked && !stopRequested_) {
+    cmdPlot_Click();
+  }
+}
+
+void frmPlot::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_Escape && working()) {
+    stopRequested_ = true;
+    event->accept();
+    return;
+  }
+  QWidget::keyPressEvent(event);
 }
 
 namespace {
@@ -565,24 +599,31 @@ void showFound(QListWidget* list, QLabel* label, const Result& result) {
 }
 }  // namespace
 
+// A study command clicked while the window works is not run: one long command at a time.
 void frmPlot::cmdRoots_Click() {
+  if (working()) return;
   Command command(*this);
   lstRoots->clear();
   results_.roots = runStudy([](DerivativeEvaluator& d, const StudyFieldTexts& t) { return findRoots(d, t); });
   showFound(lstRoots, lblRoots, results_.roots);
+  afterLongWork();
 }
 
 void frmPlot::cmdIntegrate_Click() {
+  if (working()) return;
   Command command(*this);
   results_.integral = runStudy([](DerivativeEvaluator& d, const StudyFieldTexts& t) { return integrate(d, t); });
   if (results_.integral.label) lblIntegral->setText(qs(*results_.integral.label));
+  afterLongWork();
 }
 
 void frmPlot::cmdExtrema_Click() {
+  if (working()) return;
   Command command(*this);
   lstExtrema->clear();
   results_.extrema = runStudy([](DerivativeEvaluator& d, const StudyFieldTexts& t) { return findExtrema(d, t); });
   showFound(lstExtrema, lblExtrema, results_.extrema);
+  afterLongWork();
 }
 
 void frmPlot::cmdDerVal_Click() {
@@ -645,6 +686,8 @@ PlotSetupTexts frmPlot::plotSetupTexts() const {
 }
 
 void frmPlot::PlotDriver() {
+  StopCheck stop = longWorkCheck();
+  lblPlotStatus->clear();
   sh.ierr = 0;
   const StudyFieldTexts texts = ReadSettings();
   const StudySettings s = readStudySettings(texts);
@@ -666,24 +709,29 @@ void frmPlot::PlotDriver() {
 
   EngineFunction f(ScriptControl1, sh, s.equation);
   DerivativeEvaluator d(f);
-  const Viewport v = drawPlot(picture, d, request, [this] { dialogs_.DoEvents(); });
-  plottedSetup_ = v.setup;
+  d.setStopCheck(&stop);
+  const DrawnPlot drawn = drawPlot(picture, d, request);
+  if (drawn.interrupted) lblPlotStatus->setText(qs(kInterruptedText));
+  plottedSetup_ = drawn.viewport.setup;
   plottedDerivative_ = s.k;
   plotted_ = true;
 }
 
 void frmPlot::Replot() {
+  plotting_ = true;
   Picture1->canvas().Cls();
   try {
     PlotDriver();
   } catch (const RuntimeError& e) {
     reportError(e);
   }
+  plotting_ = false;
+  afterLongWork();
 }
 
 void frmPlot::cmdPlot_Click() {
-  // A plot asked for while one is drawing (from the event pump) runs after it.
-  if (plotting_) {
+  // A plot asked for while the window works (from the event pump) runs after it.
+  if (working()) {
     plotQueued_ = true;
     return;
   }
@@ -704,16 +752,14 @@ void frmPlot::cmdPlot_Click() {
       dialogs_.SetBusy(false);
       reportError(e);
     }
-  } while (plotQueued_ && !closeRequested_);
+  } while (plotQueued_ && !closeRequested_ && !stopRequested_);
   plotting_ = false;
-  if (closeRequested_) {
-    closeRequested_ = false;
-    close();
-  }
+  afterLongWork();
 }
 
 void frmPlot::txtWindow_Change() {
   Picture1->canvas().Cls();
+  lblPlotStatus->clear();
   graphDrawn_ = false;
 }
 
@@ -794,16 +840,19 @@ void frmPlot::exportTo(const std::string& name) {
 }
 
 void frmPlot::mnuSave_Click() {
+  if (working()) return;  // export and print draw the graph again: never during work
   if (exportName_.empty()) exportName_ = dialogs_.SaveFileName("Export to Curvix", "").value_or("");
   if (!exportName_.empty()) exportTo(exportName_);
 }
 
 void frmPlot::mnuSaveAs_Click() {
+  if (working()) return;
   exportName_ = dialogs_.SaveFileName("Export to Curvix As", "").value_or("");
   if (!exportName_.empty()) exportTo(exportName_);
 }
 
 void frmPlot::mnuPrint_Click() {
+  if (working()) return;
   Command command(*this);
   std::unique_ptr<PrinterPage> page = dialogs_.OpenPrinter("Function study");
   if (!page) return;
@@ -852,9 +901,11 @@ void frmPlot::showEvent(QShowEvent* event) {
 void frmPlot::cmdExit_Click() { close(); }
 
 void frmPlot::closeEvent(QCloseEvent* event) {
-  if (plotting_) {
-    // Closed from the event pump of a plot: the window goes once the plot has ended.
+  if (working()) {
+    // Closed from the event pump of long work: the work stops, and the window goes
+    // once it has returned.
     closeRequested_ = true;
+    stopRequested_ = true;
     event->ignore();
     return;
   }

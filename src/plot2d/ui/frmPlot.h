@@ -13,6 +13,7 @@
 #include "engine/Class1.h"
 #include "engine/ExpressionEngine.h"
 #include "engine/UserConstants.h"
+#include "platform/StopCheck.h"
 #include "plot2d/StudyResults.h"
 #include "plot2d/StudySettings.h"
 #include "plot2d/Viewport.h"
@@ -52,6 +53,9 @@ class frmPlot : public QWidget {
   bool graphDrawn() const { return graphDrawn_; }
   // A plot is being drawn now.
   bool plotting() const { return plotting_; }
+  // A plot or a study command (roots, extrema, integral) is running; the window's
+  // events run meanwhile, and Esc or the close box stops it.
+  bool working() const { return plotting_ || studying_; }
 
  signals:
   // The window is unloading; the main window enables itself again.
@@ -60,6 +64,7 @@ class frmPlot : public QWidget {
  protected:
   void closeEvent(QCloseEvent* event) override;
   void showEvent(QShowEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
 
  private slots:
   void txtEquation_Change();
@@ -117,6 +122,12 @@ class frmPlot : public QWidget {
   StudyFieldTexts ReadSettings();
   template <typename Study>
   auto runStudy(Study study);
+  // What long work polls: the window's events run about every 20 ms, and Esc or the
+  // close box ends the work there.
+  StopCheck longWorkCheck();
+  // After long work: a close asked for meanwhile closes the window; a plot asked for
+  // meanwhile is drawn, unless Esc stopped the work.
+  void afterLongWork();
   PlotSetupTexts plotSetupTexts() const;
   // The plot driver: draws the whole graph on the picture (not cleared first).
   void PlotDriver();
@@ -150,8 +161,10 @@ class frmPlot : public QWidget {
   std::string exportName_;
 
   bool plotting_ = false;
-  bool plotQueued_ = false;       // a plot command arrived while drawing
-  bool closeRequested_ = false;   // the window was closed while drawing
+  bool studying_ = false;         // roots, extrema or integral running
+  bool plotQueued_ = false;       // a plot command arrived while working
+  bool closeRequested_ = false;   // the window was closed while working
+  bool stopRequested_ = false;    // Esc or the close box during the work
   bool resizeReplotPending_ = false;
   bool firstShow_ = true;
 
@@ -225,6 +238,7 @@ class frmPlot : public QWidget {
   QCheckBox* chkPersist = nullptr;
   QComboBox* cboDerivative = nullptr;
   QPushButton* cmdPlot = nullptr;
+  QLabel* lblPlotStatus = nullptr;  // says when the last plot was stopped before its end
 
   QGroupBox* fraGraph = nullptr;
   QPushButton* cmdZoomOut = nullptr;

@@ -5,6 +5,7 @@
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QGroupBox>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -16,6 +17,7 @@
 #include "platform/Dialogs.h"
 #include "platform/PrinterPage.h"
 #include "platform/RuntimeError.h"
+#include "platform/StopCheck.h"
 #include "platform/ui/PictureBox.h"
 #include "platform/ui/TextBox.h"
 #include "stereo/FieldRules.h"
@@ -342,9 +344,10 @@ void frmStereoPlot::cmdPlot_Click() {
   do {
     plotQueued_ = false;
     plotOnce();
-  } while (plotQueued_ && !closePending_);
+  } while (plotQueued_ && !closePending_ && !stopRequested_);
   dialogs_.SetBusy(false);
   plotting_ = false;
+  plotQueued_ = false;  // what Esc stopped is not drawn again
 
   if (closePending_) {
     closePending_ = false;
@@ -372,6 +375,8 @@ void frmStereoPlot::plotOnce() {
   }
   ApplyPlotAppearance(left, right, settings_);
   sizePictures(settings_.reduce);
+  lblPlotStatus->clear();
+  stopRequested_ = false;
   dialogs_.DoEvents();
 
   const RegressionProblem& problem = workbench_.problem;
@@ -379,11 +384,18 @@ void frmStereoPlot::plotOnce() {
   if (problem.X.lastRow() >= problem.N && problem.X.lastColumn() >= problem.m + 1)
     marks = DataMarksFrom(problem.N, problem.m,
                           [&problem](int32_t row, int32_t column) { return problem.X(column, row); });
-  const StereoPlot plot{settings_, surface_, uv_, random_, marks, workbench_.fitted,
-                        [this] { dialogs_.DoEvents(); }};
-  DrawStereoPlot(left, right, plot);
+  // Every 20 ms of drawing the window's events run, and Esc or the close box stop it.
+  StopCheck stop([this] {
+    dialogs_.DoEvents();
+    return stopRequested_;
+  });
+  const StereoPlot plot{settings_, surface_, uv_, random_, marks, workbench_.fitted, &stop};
+  const bool finished = DrawStereoPlot(left, right, plot);
   drawn_ = true;
-  dialogs_.Beep();
+  if (finished)
+    dialogs_.Beep();
+  else
+    lblPlotStatus->setText(qs(kInterruptedText));
 }
 
 void frmStereoPlot::sizePictures(float reduce) {
@@ -528,14 +540,24 @@ void frmStereoPlot::mnuHelp_Click() { ShowHelpFile(dialogs_, workbench_.startDir
 void frmStereoPlot::cmdExit_Click() { close(); }
 
 void frmStereoPlot::closeEvent(QCloseEvent* event) {
-  // Not in the middle of a drawing: the window goes when the plot has ended.
+  // Not in the middle of a drawing: the plot stops, and the window goes once it has.
   if (plotting_) {
     closePending_ = true;
+    stopRequested_ = true;
     event->ignore();
     return;
   }
   event->accept();
   emit unloaded();
+}
+
+void frmStereoPlot::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_Escape && plotting_) {
+    stopRequested_ = true;
+    event->accept();
+    return;
+  }
+  QWidget::keyPressEvent(event);
 }
 
 }  // namespace orvane

@@ -53,7 +53,8 @@ class frmStereoPlot : public QWidget {
 
   // The two pictures, index 0 left, index 1 right.
   Canvas& picture(int index);
-  // True while a plot is being drawn (the window yields to events meanwhile).
+  // True while a plot is being drawn (the window yields to events meanwhile; Esc or the
+  // close box stops it).
   bool plotting() const { return plotting_; }
   // The file name Export writes to without asking; empty until one is chosen.
   const std::string& fileName() const { return fileName_; }
@@ -64,6 +65,7 @@ class frmStereoPlot : public QWidget {
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
 
  private slots:
   void cmdPlot_Click();
@@ -154,6 +156,7 @@ class frmStereoPlot : public QWidget {
   bool plotting_ = false;
   bool plotQueued_ = false;
   bool closePending_ = false;
+  bool stopRequested_ = false;  // Esc or the close box during a plot
   std::vector<std::function<void()>> afterPlot_;
   int commandDepth_ = 0;
   std::set<std::pair<int32_t, std::string>> errorsShown_;
@@ -242,6 +245,7 @@ class frmStereoPlot : public QWidget {
 
   QPushButton* cmdPlot = nullptr;
   QPushButton* cmdExit = nullptr;
+  QLabel* lblPlotStatus = nullptr;  // says when the last plot was stopped before its end
 
   QMenuBar* menuBar = nullptr;
   QMenu* mnuFile = nullptr;

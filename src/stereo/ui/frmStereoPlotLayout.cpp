@@ -153,6 +153,8 @@ void frmStereoPlot::buildControls() {
   viewColumn->addWidget(cmdPanOut, 4, 1);
   viewColumn->addWidget(fraOctant, 5, 0, 1, 2);
   cmdPlot = button("cmdPlot", "&Plot");
+  lblPlotStatus = label("", "lblPlotStatus");
+  lblPlotStatus->setToolTip(QStringLiteral("Esc stops a plot; what was drawn stays"));
   cmdExit = button("cmdExit", "E&xit");
   TextBox::setCausesValidation(cmdExit, false);
 
@@ -364,6 +366,7 @@ void frmStereoPlot::buildControls() {
   viewColumn->setRowStretch(8, 1);
   viewColumn->addWidget(cmdPlot, 9, 0);
   viewColumn->addWidget(cmdExit, 9, 1);
+  viewColumn->addWidget(lblPlotStatus, 10, 0, 1, 2);
   auto* viewPanel = new QWidget();
   viewPanel->setLayout(viewColumn);
   viewPanel->setFixedWidth(300);

@@ -451,6 +451,74 @@ class PlotWindowTest : public QObject {
     QVERIFY(!window_->isVisible());
   }
 
+  // Esc or the close box stops a long command at its next look at the events (every
+  // 20 ms): what was found stays, the label says so, the wait cursor goes, and a plot
+  // asked for meanwhile is not drawn after an Esc.
+  void longWorkStopsOnEscOrClose() {
+    // An integral to 2^30 panels; Esc pressed in a field, after a plot and roots were asked for.
+    type("txtEquation", "Sin(x)");
+    type("txtSubintervals", "1073741824");
+    type("txtMaxcy", "40");
+    dialogs_->duringPump = [&] {
+      QVERIFY(window_->working());
+      click("cmdPlot");
+      click("cmdRoots");  // one long command at a time: not run
+      QTest::keyClick(control<TextBox>("txtXeval"), Qt::Key_Escape);
+    };
+    click("cmdIntegrate");
+    QCOMPARE(label("lblIntegral"), QStringLiteral("Interrupted"));
+    QCOMPARE(dialogs_->doEvents(), 1);  // no more work after the key
+    QVERIFY(!dialogs_->busy() && !window_->working());
+    QVERIFY(!window_->graphDrawn() && label("lblRoots").isEmpty());
+
+    // A slow formula's 9th derivative at every screen unit: Esc while the curve is drawn.
+    QString slow = QStringLiteral("Sin(x)");
+    for (int i = 0; i < 2000; ++i) slow += QStringLiteral("+0*Sin(x)");
+    type("txtEquation", slow);
+    type("txtPlotStep", "1");
+    control<QComboBox>("cboDerivative")->setCurrentIndex(9);
+    int pumps = 0;
+    std::function<void()> escAtTheSecondPump = [&] {
+      if (++pumps < 2) {
+        dialogs_->duringPump = escAtTheSecondPump;  // the first comes before the curve
+        return;
+      }
+      click("cmdZoomIn");
+      QTest::keyClick(window_.get(), Qt::Key_Escape);
+    };
+    dialogs_->duringPump = escAtTheSecondPump;
+    const auto busyBefore = dialogs_->busyCalls().size();
+    click("cmdPlot");
+    QCOMPARE(label("lblPlotStatus"), QStringLiteral("Interrupted"));
+    QCOMPARE(pumps, 2);
+    QCOMPARE(dialogs_->busyCalls().size() - busyBefore, size_t(2));  // the zoom's plot dropped
+    type("txtEquation", "x");
+    click("cmdPlot");
+    QVERIFY(label("lblPlotStatus").isEmpty());
+
+    // Roots of (x-1)(x-2)(x-3) over [0.5, 1e6] in 2^30 steps; the window closed meanwhile.
+    window_->show();
+    QSignalSpy unloaded(window_.get(), &frmPlot::unloaded);
+    type("txtEquation", "(x-1)*(x-2)*(x-3)");
+    type("txtXlower", "0.5");
+    type("txtXupper", "1e6");
+    pumps = 0;
+    std::function<void()> closeAtTheThirdPump = [&] {
+      if (++pumps < 3) {
+        dialogs_->duringPump = closeAtTheThirdPump;
+        return;
+      }
+      click("cmdExit");
+      QCOMPARE(unloaded.count(), 0);
+    };
+    dialogs_->duringPump = closeAtTheThirdPump;
+    click("cmdRoots");
+    QCOMPARE(items("lstRoots").size(), 3);
+    QCOMPARE(label("lblRoots"), QStringLiteral("Interrupted"));
+    QCOMPARE(unloaded.count(), 1);
+    QVERIFY(!window_->isVisible());
+  }
+
   void pictureIsReadAtItsCurrentSize() {
     window_->show();
     QVERIFY(QTest::qWaitForWindowExposed(window_.get()));

@@ -439,8 +439,8 @@ class StereoPlotTest : public QObject {
     QVERIFY(!f.form->isVisible());
   }
 
-  // The window yields while it draws: a second plot, an export and a close arriving then
-  // wait for the plot to end.
+  // The window yields while it draws: a second plot and a zoom arriving then wait for
+  // the plot to end; a close stops the plot being drawn, and the window goes after it.
   void commandsDuringAPlotWaitForIt() {
     Fixture f;
     f.form->show();
@@ -457,10 +457,36 @@ class StereoPlotTest : public QObject {
       }
     };
     f.click("cmdPlot");
-    QCOMPARE(f.dialogs.beeps(), 2);  // the first plot and one queued replot
+    QCOMPARE(f.dialogs.beeps(), 1);  // the first plot; the queued one was closed midway
     QCOMPARE(f.textOf("txtWindowgx"), QString("1.25"));
     QCOMPARE(unloaded.count(), 1);
     QVERIFY(!f.form->plotting());
+  }
+
+  // Esc during a mesh of 100,000 x 100,000 spacings: the plot stops at its next look at
+  // the events, keeps what it drew, says so and does not beep; the plot asked for
+  // meanwhile is not drawn, and the next one runs as ever.
+  void escStopsALongPlot() {
+    Fixture f;
+    f.set("txtSpacexu", "100000");
+    f.set("txtSpaceyv", "100000");
+    // Calls 1 and 2 come before the surface, 3 after 20 ms of it.
+    f.dialogs.onDoEvents = [&](int call) {
+      if (call == 1) f.click("cmdPlot");
+      if (call == 3) QTest::keyClick(f.txt("txtNdots"), Qt::Key_Escape);
+    };
+    f.click("cmdPlot");
+    QCOMPARE(f.dialogs.doEvents(), 3);
+    QCOMPARE(f.find<QLabel>("lblPlotStatus")->text(), QString("Interrupted"));
+    QCOMPARE(f.dialogs.beeps(), 0);
+    QVERIFY(!f.form->plotting() && !f.dialogs.busy());
+    QVERIFY(countPixels(f.image(1), kBlack) > 0);  // part of the mesh
+    f.dialogs.onDoEvents = nullptr;
+    f.set("txtSpacexu", "4");
+    f.set("txtSpaceyv", "4");
+    f.click("cmdPlot");
+    QCOMPARE(f.dialogs.beeps(), 1);
+    QVERIFY(f.find<QLabel>("lblPlotStatus")->text().isEmpty());
   }
 
   void exportDuringAPlotRunsAfterIt() {
