@@ -22,6 +22,9 @@ std::string significant(double v, int digits) {
   return formatGeneral(std::strtod(buffer, nullptr));
 }
 
+// Figures in the text carry as many digits as R's summary shows and a little more.
+constexpr int kTextDigits = 7;
+
 std::string padLeft(const std::string& text, size_t width) {
   return text.size() >= width ? text : std::string(width - text.size(), ' ') + text;
 }
@@ -68,17 +71,17 @@ std::string PValueText(double p, int digits) {
   return significant(p, digits);
 }
 
-std::vector<std::string> StatisticsText(const FitSummary& s, const std::vector<std::string>& names,
-                                        bool intervals) {
-  constexpr int kDigits = 7;
+std::vector<std::string> CoefficientTable(const FitSummary& s, const std::vector<std::string>& names,
+                                          bool intervals) {
   std::vector<std::vector<std::string>> rows;
   rows.push_back({"", "Estimate", "Std. Error", "t value", "Pr(>|t|)"});
   if (intervals) rows.back().insert(rows.back().end(), {"2.5 %", "97.5 %"});
   for (int j = 0; j <= s.m; ++j) {
     const CoefficientStatistics& c = s.coefficients[j];
-    rows.push_back({CoefficientName(names, j), significant(c.estimate, kDigits), significant(c.stdError, kDigits),
-                    significant(c.t, kDigits), PValueText(c.p, 3)});
-    if (intervals) rows.back().insert(rows.back().end(), {significant(c.low, kDigits), significant(c.high, kDigits)});
+    rows.push_back({CoefficientName(names, j), significant(c.estimate, kTextDigits), significant(c.stdError, kTextDigits),
+                    significant(c.t, kTextDigits), PValueText(c.p, 3)});
+    if (intervals)
+      rows.back().insert(rows.back().end(), {significant(c.low, kTextDigits), significant(c.high, kTextDigits)});
   }
   std::vector<size_t> width(rows[0].size(), 0);
   for (const auto& row : rows)
@@ -89,18 +92,21 @@ std::vector<std::string> StatisticsText(const FitSummary& s, const std::vector<s
     for (size_t k = 1; k < row.size(); ++k) line += "  " + padLeft(row[k], width[k]);
     lines.push_back(line);
   }
-  lines.emplace_back();
+  return lines;
+}
 
+std::vector<std::string> SummaryLines(const FitSummary& s) {
   const std::string df = std::to_string(s.dfResidual);
+  std::vector<std::string> lines;
   lines.push_back("N = " + std::to_string(s.N) + " data sets, m = " + std::to_string(s.m) + " variables, " + df +
                   " degrees of freedom");
-  lines.push_back("R-squared: " + significant(s.rSquared, kDigits) +
-                  ", adjusted R-squared: " + significant(s.adjustedRSquared, kDigits));
-  lines.push_back("Residual standard error: " + significant(s.residualStandardError, kDigits) + " on " + df +
+  lines.push_back("R-squared: " + significant(s.rSquared, kTextDigits) +
+                  ", adjusted R-squared: " + significant(s.adjustedRSquared, kTextDigits));
+  lines.push_back("Residual standard error: " + significant(s.residualStandardError, kTextDigits) + " on " + df +
                   " degrees of freedom (divisor N - m - 1)");
   lines.push_back("(The listing's STANDARD ERROR OF ESTIMATE (UNBIASED) divides by N - 2, as the program always has.)");
-  lines.push_back("F-statistic: " + significant(s.fStatistic, kDigits) + " on " + std::to_string(s.m) + " and " + df +
-                  " DF, p-value: " + (s.fPValue < 2.2e-16 ? std::string("< 2.2e-16") : significant(s.fPValue, 4)));
+  lines.push_back("F-statistic: " + significant(s.fStatistic, kTextDigits) + " on " + std::to_string(s.m) + " and " +
+                  df + " DF, p-value: " + (s.fPValue < 2.2e-16 ? std::string("< 2.2e-16") : significant(s.fPValue, 4)));
   lines.push_back("Condition number (columns scaled to length 1): " + significant(s.conditionNumber, 3));
   char digits[32];
   std::snprintf(digits, sizeof digits, "%.1f", s.digitsTrusted);
@@ -108,6 +114,14 @@ std::vector<std::string> StatisticsText(const FitSummary& s, const std::vector<s
   if (!s.determined)
     lines.push_back("The data sets do not determine the coefficients (too few sets, a constant or dependent "
                     "variable, or values that are not numbers): no other statistics.");
+  return lines;
+}
+
+std::vector<std::string> StatisticsText(const FitSummary& s, const std::vector<std::string>& names,
+                                        bool intervals) {
+  std::vector<std::string> lines = CoefficientTable(s, names, intervals);
+  lines.emplace_back();
+  for (std::string& line : SummaryLines(s)) lines.push_back(std::move(line));
   return lines;
 }
 

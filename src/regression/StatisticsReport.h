@@ -21,10 +21,17 @@ std::string CoefficientName(const std::vector<std::string>& names, int j);
 // resolution, where no digit of it means anything.
 std::string PValueText(double p, int digits);
 
-// The coefficient table (Estimate, Std. Error, t value, Pr(>|t|), and with `intervals`
-// the 95% interval) in aligned columns with 7 significant digits, then one line each for
-// N and m, R², the residual standard error (and a line on the listing's divisor N - 2),
-// F, the condition number and digits trusted.
+// The coefficient table: "Coefficients:", a heading, then A0..Am with Estimate, Std.
+// Error, t value, Pr(>|t|) and, with `intervals`, the 95% interval, in aligned columns
+// with 7 significant digits.
+std::vector<std::string> CoefficientTable(const FitSummary& summary, const std::vector<std::string>& names,
+                                          bool intervals);
+
+// One line each for N and m, R², the residual standard error (and a line on the
+// listing's divisor N - 2), F, the condition number and digits trusted.
+std::vector<std::string> SummaryLines(const FitSummary& summary);
+
+// The table, an empty line and the summary lines.
 std::vector<std::string> StatisticsText(const FitSummary& summary, const std::vector<std::string>& names,
                                         bool intervals);
 
