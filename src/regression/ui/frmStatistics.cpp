@@ -2,6 +2,7 @@
 
 #include <QComboBox>
 #include <QFont>
+#include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
@@ -59,6 +60,8 @@ frmStatistics::frmStatistics(const Workbench& workbench, Dialogs& dialogs, QWidg
   QFont fixed(QStringLiteral("Courier New"));
   fixed.setStyleHint(QFont::TypeWriter);
   lstSummary->setFont(fixed);
+  // Room for the summary's lines, no more: the table and the plot take the rest.
+  lstSummary->setFixedHeight(QFontMetrics(fixed).lineSpacing() * 9 + 2 * lstSummary->frameWidth() + 6);
   lblWarning = named(new QLabel(), "lblWarning");
   lblWarning->setStyleSheet(QStringLiteral("color: #c00000"));
   lblWarning->setWordWrap(true);
@@ -84,12 +87,12 @@ frmStatistics::frmStatistics(const Workbench& workbench, Dialogs& dialogs, QWidg
   buttons->addWidget(cmdExit);
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(grdCoefficients, 2);
-  layout->addWidget(lstSummary, 2);
+  layout->addWidget(lstSummary);
   layout->addWidget(lblWarning);
   layout->addLayout(residualRow);
   layout->addWidget(picResiduals, 3);
   layout->addLayout(buttons);
-  resize(760, 720);
+  resize(1060, 760);
 
   connect(cboResiduals, &QComboBox::currentIndexChanged, this, &frmStatistics::cboResiduals_Click);
   connect(picResiduals, &PictureBox::Resized, this, &frmStatistics::picResiduals_Resized);
