@@ -90,8 +90,8 @@ ColumnCentre centreOf(const double* v, int n) {
 // factor so far and the stack factorised again. The data are read once, and nothing of
 // the size of the data is written.
 MatrixXd stackedFactor(const Columns& c, const std::vector<ColumnCentre>& centres) {
-  constexpr int kBlock = 2048;
   const int p = c.m + 1;
+  const int kBlock = std::max(2048, 4 * p);  // the stacked factor a small part of each block
   MatrixXd W(kBlock + p, p);
   int kept = 0;  // rows of the factor so far, on top of W
   for (int first = 0; first < c.n; first += kBlock) {
@@ -312,7 +312,7 @@ double conditionNumber(const Columns& c, const CentredFactor& f) {
     M(0, j) = rootN * mu / length;
     for (int a = 0; a < m; ++a) M(a + 1, j) = f.Rz(a, j - 1) * f.scales[j - 1] / length;
   }
-  const VectorXd sigma = Eigen::JacobiSVD<MatrixXd>(M).singularValues();
+  const VectorXd sigma = Eigen::BDCSVD<MatrixXd>(M).singularValues();
   return sigma[m] > 0 ? sigma[0] / sigma[m] : std::numeric_limits<double>::infinity();
 }
 
