@@ -1,13 +1,11 @@
 #include "regression/FitSummary.h"
 
-
 #include <Eigen/Dense>
 #include <algorithm>
 #include <boost/math/distributions/fisher_f.hpp>
 #include <boost/math/distributions/students_t.hpp>
 #include <cmath>
 #include <limits>
-#include <numeric>
 
 namespace orvane {
 
@@ -133,8 +131,8 @@ struct CentredFactor {
     if (!(centres[m].scale > 0)) centres[m].scale = 1;  // the given values all equal
     for (int j = 0; j < m; ++j) means.push_back(centres[j].mean);
     // A constant variable repeats the constant term.
-    if (c.n <= m || std::any_of(centres.begin(), centres.end() - 1, [](const ColumnCentre& k) { return !(k.scale > 0); }))
-      return;
+    const auto constant = [](const ColumnCentre& k) { return !(k.scale > 0); };
+    if (c.n <= m || std::any_of(centres.begin(), centres.end() - 1, constant)) return;
     const MatrixXd R = stackedFactor(c, centres);
     Rz = R.topLeftCorner(m, m);
     for (int j = 0; j < m; ++j) {
@@ -228,6 +226,7 @@ ReferenceSolution solveReference(const Columns& c, CentredFactor& f) {
     constant -= f.means[j - 1] * s.B[j];
   }
   s.B[0] = constant;
+  for (int j = 0; j <= m; ++j) s.uncertainty[j] = static_cast<double>(std::fabs(s.B[j]));  // unknown yet
 
   const auto& P = f.qr.colsPermutation();
   const auto R = f.qr.matrixR().topLeftCorner(m, m).triangularView<Eigen::Upper>();
@@ -336,7 +335,8 @@ void fillVariances(FitSummary& s, const CentredFactor& f, int n) {
 
   const double sigma = s.residualStandardError;
   s.coefficients[0].stdError = sigma * std::sqrt(1.0 / n + u.squaredNorm());
-  for (int j = 1; j <= m; ++j) s.coefficients[j].stdError = sigma * std::sqrt(s.centredInverse[size_t(j - 1) * m + (j - 1)]);
+  for (int j = 1; j <= m; ++j)
+    s.coefficients[j].stdError = sigma * std::sqrt(s.centredInverse[size_t(j - 1) * m + (j - 1)]);
 }
 
 void fillTests(FitSummary& s) {

@@ -78,8 +78,8 @@ std::vector<std::string> CoefficientTable(const FitSummary& s, const std::vector
   if (intervals) rows.back().insert(rows.back().end(), {"2.5 %", "97.5 %"});
   for (int j = 0; j <= s.m; ++j) {
     const CoefficientStatistics& c = s.coefficients[j];
-    rows.push_back({CoefficientName(names, j), significant(c.estimate, kTextDigits), significant(c.stdError, kTextDigits),
-                    significant(c.t, kTextDigits), PValueText(c.p, 3)});
+    rows.push_back({CoefficientName(names, j), significant(c.estimate, kTextDigits),
+                    significant(c.stdError, kTextDigits), significant(c.t, kTextDigits), PValueText(c.p, 3)});
     if (intervals)
       rows.back().insert(rows.back().end(), {significant(c.low, kTextDigits), significant(c.high, kTextDigits)});
   }

@@ -180,7 +180,8 @@ TEST_F(BatchFiles, StatisticsBesideOrInsteadOfTheListing) {
   const std::vector<std::string> lines = stats.outLines();
   ASSERT_GT(lines.size(), 13u);
   EXPECT_EQ(std::vector<std::string>(lines.begin(), lines.begin() + 9), kLineListing);
-  EXPECT_EQ(std::vector<std::string>(lines.begin() + 9, lines.begin() + 11), (std::vector<std::string>{"", "Coefficients:"}));
+  EXPECT_EQ(lines[9], "");
+  EXPECT_EQ(lines[10], "Coefficients:");
   EXPECT_EQ(lines[11], "               Estimate  Std. Error   t value  Pr(>|t|)");
   EXPECT_EQ(lines[13].substr(0, 10), "A1 x      ");
 
@@ -200,8 +201,8 @@ TEST_F(BatchFiles, StatisticsBesideOrInsteadOfTheListing) {
   const BatchRun filip = runBatch({"fit", dataFile("../../regression/data/Filip.csv")});
   EXPECT_EQ(filip.status, 0);
   EXPECT_EQ(filip.outLines().size(), 18u);
-  EXPECT_EQ(filip.err,
-            "Warning: only about 0 digits of the coefficients can be trusted (ill-conditioned data); see Statistics.\n");
+  EXPECT_EQ(filip.err, "Warning: only about 0 digits of the coefficients can be trusted (ill-conditioned data); "
+                       "see Statistics.\n");
 }
 
 TEST_F(BatchFiles, SavedPairOpensWithTheSameListing) {

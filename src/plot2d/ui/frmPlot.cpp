@@ -323,7 +323,8 @@ void frmPlot::buildControls() {
   graph->addWidget(cmdIncWindY, 2, 3);
   graph->addWidget(cmdDecWindY, 3, 3);
   chkBands = named(new QCheckBox(QStringLiteral("95% bands")), "chkBands",
-                   "Check to draw the 95% confidence band of the mean and the prediction band around the fitted function");
+                   "Check to draw the 95% confidence band of the mean and the prediction band "
+                   "around the fitted function");
   graph->addWidget(chkBands, 4, 0, 1, 4);
   connect(chkBands, &QCheckBox::toggled, this, &frmPlot::chkBands_Click);
   for (QPushButton* b : fraGraph->findChildren<QPushButton*>()) {
