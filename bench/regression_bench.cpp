@@ -1,8 +1,11 @@
 // The regression window's work on a million data sets of ten variables: Compute (the
-// normal equations, the elimination and the five statistics), Save and Open of the file
-// pair, and opening the data-set editor on them. The values carry four decimals, as
+// normal equations, the elimination and the five statistics), the Statistics window's
+// summary (the orthogonal factorisation with its refinement, the standard errors, the
+// tests and digits trusted), Save and Open of the file pair, and opening the data-set
+// editor on them. The values carry four decimals, as
 // measured data do. Ends with the figures (the best repetition, in seconds)
 //   figure regression.compute_1e6x10 <value> s
+//   figure regression.stats_1e6x10 <value> s
 //   figure regression.save_1e6x10 <value> s
 //   figure regression.open_1e6x10 <value> s
 //   figure regression.editor_open_1e6 <value> s
@@ -19,6 +22,7 @@
 
 #include "BenchRun.h"
 #include "platform/ScriptedDialogs.h"
+#include "regression/FitSummary.h"
 #include "regression/RegressionFile.h"
 #include "regression/Solver.h"
 #include "regression/ui/DataGridModel.h"
@@ -78,6 +82,16 @@ void compute(benchmark::State& state) {
   }
 }
 
+void stats(benchmark::State& state) {
+  RegressionProblem& p = problem();
+  if (!p.computed && orvane::Compute(p) != orvane::FitOutcome::Computed) state.SkipWithError("the fit was singular");
+  for (auto _ : state) {
+    const orvane::FitSummary summary = orvane::SummarizeFit(p);
+    if (summary.digitsTrusted < 10) state.SkipWithError("the summary does not trust the listing");
+    benchmark::DoNotOptimize(summary.fPValue);
+  }
+}
+
 void save(benchmark::State& state) {
   const std::string& file = savedFile();
   for (auto _ : state) orvane::WriteRegressionFiles(file, problem());
@@ -115,7 +129,7 @@ int main(int argc, char** argv) {
   QApplication app(qtArgc, argv);
 
   const std::pair<const char*, void (*)(benchmark::State&)> stages[] = {
-      {"compute_1e6x10", compute}, {"save_1e6x10", save}, {"open_1e6x10", open}, {"editor_open_1e6", editorOpen}};
+      {"compute_1e6x10", compute}, {"stats_1e6x10", stats}, {"save_1e6x10", save}, {"open_1e6x10", open}, {"editor_open_1e6", editorOpen}};
   for (const auto& [name, run] : stages)
     benchmark::RegisterBenchmark(name, run)->Unit(benchmark::kSecond)->Iterations(1)->Repetitions(3);
   const orvane::bench::FastestRuns runs = orvane::bench::RunBenchmarks(argc, argv);

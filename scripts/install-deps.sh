@@ -7,6 +7,7 @@ packages=(
   build-essential cmake ninja-build pkg-config
   qt6-base-dev qt6-base-dev-tools qt6-qpa-plugins libgl-dev
   libgtest-dev libgmock-dev libbenchmark-dev libmuparser-dev
+  libeigen3-dev libboost-math-dev
   fonts-liberation fonts-dejavu-core
   xvfb xauth
 )

@@ -29,9 +29,11 @@
 #include "plot2d/Integrator.h"
 #include "plot2d/PlotDrawing.h"
 #include "plot2d/RootFinder.h"
+#include "regression/FitSummary.h"
 #include "regression/RegressionFile.h"
 #include "regression/RegressionReport.h"
 #include "regression/Solver.h"
+#include "regression/StatisticsReport.h"
 #include "stereo/EngineSurface.h"
 #include "stereo/FieldRules.h"
 #include "stereo/StereoExport.h"
@@ -76,12 +78,14 @@ form, or "error N: DESCRIPTION" on standard error (exit status 1).
   --const NAME=EXPR            a user constant, as "a=2.37"; may be repeated
 )";
 
-constexpr const char* kFitHelp = R"(Usage: orvane-batch fit [--csv] [--save SPECFILE] [--] FILE
+constexpr const char* kFitHelp = R"(Usage: orvane-batch fit [--csv] [--save SPECFILE] [--stats | --json] [--] FILE
 
 Fits y = A0 + A1*x1 + ... + Am*xm and prints the results list as the regression
 window shows it (or its singular-system message, with exit status 1). When values too
 large for the sums overflowed, the list is printed as the window shows it, but the exit
-status is 1, standard error says why and nothing is saved.
+status is 1, standard error says why and nothing is saved. When fewer than 6 digits of
+the coefficients can be trusted (ill-conditioned data), a warning saying how many goes
+to standard error; the exit status stays 0.
 
 FILE is a regression file pair (FILE, with its data file FILE.dat beside it) or a
 CSV file: a header line naming the columns, the first column the dependent variable,
@@ -90,6 +94,16 @@ beside it whose first field is not a number, is read as CSV; --csv forces it.
 
   --save SPECFILE   also write the problem and its fit as the file pair SPECFILE and
                     SPECFILE.dat, which the regression window opens
+  --stats           after the results list, the Statistics window's figures: each
+                    coefficient's Estimate, Std. Error, t value and Pr(>|t|), then
+                    R-squared, the residual standard error, F, the condition number
+                    and digits trusted
+  --json            instead of the results list, one JSON object: n, m, names,
+                    coefficients (name, estimate, std_error, t, p, ci95) from A0,
+                    r_squared, adj_r_squared, residual_se, df_residual, f_statistic,
+                    f_p_value, correlation_coefficient, standard_error_of_estimate,
+                    sum_squared_residuals, condition_number, digits_trusted; numbers
+                    with 17 significant digits, null where there is none
 )";
 
 constexpr const char* kReportHelp = R"(Usage: orvane-batch report [--csv] (--pdf OUT.pdf | --text) [--] FILE
@@ -321,17 +335,32 @@ constexpr const char* kOverflowMessage =
     "listed are not those of the data.";
 
 int runFit(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
-  const ParsedOptions o = ParseOptions(args, {{"save", 1}, {"csv", 0}});
+  const ParsedOptions o = ParseOptions(args, {{"save", 1}, {"csv", 0}, {"stats", 0}, {"json", 0}});
   if (o.has("help")) {
     out << kFitHelp;
     return 0;
   }
+  if (o.has("stats") && o.has("json")) throw UsageError("give --stats or --json, not both");
   RegressionProblem problem = readProblem(singlePositional(o, "FILE"), o.has("csv"));
   const Fit fit = computeListing(problem);
-  for (const std::string& line : fit.listing) out << line << "\n";
   if (fit.overflowed) {
+    if (!o.has("json"))
+      for (const std::string& line : fit.listing) out << line << "\n";
     err << kOverflowMessage << "\n";
     return 1;
+  }
+  std::optional<FitSummary> summary;
+  if (problem.computed) summary = SummarizeFit(problem);
+  if (summary && !DigitsWarning(*summary).empty()) err << DigitsWarning(*summary) << "\n";
+  if (o.has("json")) {
+    if (summary) out << StatisticsJson(*summary, problem) << "\n";
+    else err << fit.listing.front() << "\n";
+  } else {
+    for (const std::string& line : fit.listing) out << line << "\n";
+    if (summary && o.has("stats")) {
+      out << "\n";
+      for (const std::string& line : StatisticsText(*summary, problem.names, false)) out << line << "\n";
+    }
   }
   if (auto save = o.single("save")) WriteRegressionFiles(*save, problem);
   return problem.computed ? 0 : 1;

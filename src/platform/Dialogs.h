@@ -60,6 +60,8 @@ class Dialogs {
   virtual bool ShowHelp(const std::string& path) = 0;
   // Puts a copy of the picture's image on the clipboard as a bitmap.
   virtual void CopyPicture(const Canvas& picture) = 0;
+  // Puts plain text on the clipboard.
+  virtual void CopyText(std::string_view text) = 0;
   virtual void Beep() = 0;
   // Hourglass pointer on (true) or back to the default (false).
   virtual void SetBusy(bool busy) = 0;

@@ -61,6 +61,7 @@ class ScriptedDialogs : public Dialogs {
   // Records the path; true when the file exists and has something to read.
   bool ShowHelp(const std::string& path) override;
   void CopyPicture(const Canvas& picture) override;
+  void CopyText(std::string_view text) override { copiedTexts_.emplace_back(text); }
   void Beep() override { ++beeps_; }
   void SetBusy(bool busy) override;
   void DoEvents() override { ++doEvents_; }
@@ -79,6 +80,7 @@ class ScriptedDialogs : public Dialogs {
   bool busy() const { return !busyCalls_.empty() && busyCalls_.back(); }
   // Pixel size (width, height) of each picture copied to the clipboard.
   const std::vector<std::pair<int, int>>& copiedPictures() const { return copied_; }
+  const std::vector<std::string>& copiedTexts() const { return copiedTexts_; }
   // Answers still queued (a test can check that all were used).
   size_t pendingAnswers() const;
 
@@ -97,6 +99,7 @@ class ScriptedDialogs : public Dialogs {
   int doEvents_ = 0;
   std::vector<bool> busyCalls_;
   std::vector<std::pair<int, int>> copied_;
+  std::vector<std::string> copiedTexts_;
 };
 
 }  // namespace orvane

@@ -220,6 +220,42 @@ class PlotPainter {
     }
   }
 
+  // The confidence band of the mean and the prediction band: the curve plus and minus
+  // their half widths, as dotted chords one period of the dot pattern long.
+  void bands() {
+    if (!r_.bands || k_ != 0) return;
+    const double step = c_.ScaleX(6, ScaleUnit::Pixels, ScaleUnit::User);
+    if (!(step > 0)) return;
+    const long samples = std::lround((double(s_.windowgx) - s_.windowlx) / step) + 1;
+    if (samples < 2 || samples > 100000) return;
+    struct Sample {
+      double x;
+      bool ok;
+      double edge[4];  // mean below, mean above, prediction below, prediction above
+    };
+    std::vector<Sample> row;
+    for (long k = 0; k < samples; ++k) {
+      Sample s{std::min(s_.windowlx + k * step, double(s_.windowgx)), false, {}};
+      double y = 0;
+      if (evaluate(s.x, y)) {
+        const BandHalfWidths w = r_.bands(s.x);
+        s.edge[0] = y - w.mean;
+        s.edge[1] = y + w.mean;
+        s.edge[2] = y - w.prediction;
+        s.edge[3] = y + w.prediction;
+        s.ok = std::isfinite(w.mean) && std::isfinite(w.prediction);
+      }
+      row.push_back(s);
+    }
+    c_.SetDrawStyle(DrawStyle::Dot);
+    for (int e = 0; e < 4; ++e)
+      for (size_t k = 1; k < row.size(); ++k)
+        if (row[k - 1].ok && row[k].ok)
+          c_.Line(float(row[k - 1].x), clip(row[k - 1].edge[e], false), float(row[k].x), clip(row[k].edge[e], false),
+                  plotcolors::Bands);
+    c_.SetDrawStyle(DrawStyle::Solid);
+  }
+
   void resetLineColor() { linecolor_ = plotcolors::Curve; }
 
   // Lets the owner's events run before the curve; false once the plot was stopped.
@@ -331,7 +367,10 @@ DrawnPlot drawPlot(Canvas& picture, DerivativeEvaluator& d, const PlotRequest& r
   painter.originAndData();
   if (request.options.labelWindow) painter.windowLabels();
   if (request.options.labelDivisions) painter.divisionLabels(vertical, horizontal);
-  if (painter.askToGoOn() && request.options.fittedFunction) painter.curve();
+  if (painter.askToGoOn() && request.options.fittedFunction) {
+    painter.curve();
+    if (request.bands) painter.bands();
+  }
   painter.resetLineColor();
   return {v, painter.interrupted()};
 }

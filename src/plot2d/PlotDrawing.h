@@ -10,6 +10,7 @@
 #include "platform/Canvas.h"
 #include "plot2d/Derivatives.h"
 #include "plot2d/Viewport.h"
+#include "regression/FitSummary.h"
 
 namespace orvane {
 
@@ -22,6 +23,7 @@ constexpr Color Axes = 0x0000FF;          // red
 constexpr Color Origin = 0xFF00FF;        // magenta
 constexpr Color WindowLabels = 0xC0C000;  // teal
 constexpr Color Curve = 0x000000;         // black
+constexpr Color Bands = 0xC0C000;         // teal, dotted: the 95% bands around the fit
 }  // namespace plotcolors
 
 struct PlotOptions {
@@ -42,6 +44,9 @@ struct PlotRequest {
   float height = 0;
   std::span<const double> dataX;  // the regression's data points, in order
   std::span<const double> dataY;
+  // The half widths of the 95% bands around the curve at x; when given, the bands are
+  // drawn after the curve of the function.
+  std::function<BandHalfWidths(double)> bands;
 };
 
 struct DrawnPlot {

@@ -5,8 +5,10 @@
 // The main window owns the one Workbench; plot windows get it by reference.
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
+#include "regression/FitSummary.h"
 #include "regression/RegressionProblem.h"
 
 namespace orvane {
@@ -17,6 +19,10 @@ struct Workbench {
   // Set by a successful computation (or by opening a file that holds one), cleared with
   // the results; the plot windows draw the fitted curve or surface only while it is set.
   bool fitted = false;
+
+  // The statistics of the fit (Statistics window, the 2-D window's bands), computed with
+  // it and cleared with it.
+  std::optional<FitSummary> summary;
 
   // Written by every math object that has it attached (Class1::sharedError).
   int32_t evaluationError = 0;

@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <sys/stat.h>
 
 #include <QDir>
@@ -202,6 +205,10 @@ TEST_F(BatchFiles, SingularAndOverflowingFitsExitWithTheReason) {
   const BatchRun dependent = runBatch({"fit", csv("dep.csv", "y,x1,x2\n1,1,1\n2,2,2\n3,3,3\n4,4,4\n")});
   EXPECT_EQ(dependent.status, 1);
   EXPECT_EQ(dependent.outLines(), std::vector<std::string>{"YIELDS LINEARLY DEPENDENT SYSTEM"});
+  const BatchRun json = runBatch({"fit", "--json", path("dep.csv")});
+  EXPECT_EQ(json.status, 1);
+  EXPECT_EQ(json.out, "");
+  EXPECT_EQ(json.err, "YIELDS LINEARLY DEPENDENT SYSTEM\n");
 
   // Squares of 1e300 overflow: the window lists what its error trap left (a residual sum
   // of 0 among it); the tool lists it too, but fails and says why, and saves nothing.
@@ -241,6 +248,41 @@ TEST_F(BatchFiles, WhatIsNoRegularFileIsRefusedAtOnce) {
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.err, row.err);
   }
+}
+
+// --stats adds the statistics after the listing, --json gives them instead as one object;
+// ill-conditioned data warn on standard error and still succeed.
+TEST_F(BatchFiles, StatisticsBesideOrInsteadOfTheListing) {
+  const std::string file = csv("plain.csv", "y,x\n3.5,1\n4.5,2\n7.5,3\n8,4\n");
+  const BatchRun stats = runBatch({"fit", "--stats", file});
+  ASSERT_EQ(stats.status, 0) << stats.err;
+  EXPECT_EQ(stats.err, "");
+  const std::vector<std::string> lines = stats.outLines();
+  ASSERT_GT(lines.size(), 13u);
+  EXPECT_EQ(std::vector<std::string>(lines.begin(), lines.begin() + 9), kLineListing);
+  EXPECT_EQ(lines[9], "");
+  EXPECT_EQ(lines[10], "Coefficients:");
+  EXPECT_EQ(lines[11], "               Estimate  Std. Error   t value  Pr(>|t|)");
+  EXPECT_EQ(lines[13].substr(0, 10), "A1 x      ");
+
+  const BatchRun json = runBatch({"fit", "--json", file});
+  ASSERT_EQ(json.status, 0) << json.err;
+  const QJsonObject object = QJsonDocument::fromJson(QByteArray::fromStdString(json.out)).object();
+  const QJsonObject slope = object.value("coefficients").toArray().at(1).toObject();
+  EXPECT_NEAR(slope.value("estimate").toDouble(), 1.65, 1e-14);  // the listing's A1
+  EXPECT_NEAR(slope.value("std_error").toDouble(), std::sqrt(1.075 / 2 / 5), 1e-15);  // s² / Sxx
+  EXPECT_EQ(object.value("df_residual").toInt(), 2);
+  EXPECT_NEAR(object.value("sum_squared_residuals").toDouble(), 1.075, 1e-14);
+
+  const BatchRun both = runBatch({"fit", "--stats", "--json", file});
+  EXPECT_EQ(both.status, 1);
+  EXPECT_EQ(both.err, "orvane-batch fit: give --stats or --json, not both\n");
+
+  const BatchRun filip = runBatch({"fit", dataFile("../../regression/data/Filip.csv")});
+  EXPECT_EQ(filip.status, 0);
+  EXPECT_EQ(filip.outLines().size(), 18u);
+  EXPECT_EQ(filip.err, "Warning: only about 0 digits of the coefficients can be trusted (ill-conditioned data); "
+                       "see Statistics.\n");
 }
 
 TEST_F(BatchFiles, SavedPairOpensWithTheSameListing) {

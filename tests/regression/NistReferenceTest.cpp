@@ -16,42 +16,15 @@
 #include <vector>
 
 #include "platform/NumberText.h"
+#include "RegressionTestSupport.h"
+#include "regression/FitSummary.h"
 #include "regression/Solver.h"
 
 namespace orvane {
 namespace {
 
-std::string readText(const std::string& name) {
-  const char* root = std::getenv("ORVANE_SOURCE_DIR");
-  const std::filesystem::path dir = root ? std::filesystem::path(root) / "tests/regression/data"
-                                         : std::filesystem::path(__FILE__).parent_path() / "data";
-  std::ostringstream text;
-  text << std::ifstream(dir / name, std::ios::binary).rdbuf();
-  EXPECT_FALSE(text.str().empty()) << dir / name;
-  return text.str();
-}
-
-// "y,x1,...,xm" then one set a line.
-RegressionProblem readCsv(const std::string& name) {
-  std::istringstream in(readText(name + ".csv"));
-  std::string line, field;
-  std::vector<std::vector<double>> rows;
-  std::getline(in, line);
-  while (std::getline(in, line)) {
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    if (line.empty()) continue;
-    std::istringstream fields(line);
-    rows.emplace_back();
-    while (std::getline(fields, field, ',')) rows.back().push_back(parseStrict(field));
-  }
-  RegressionProblem p;
-  p.m = static_cast<int>(rows.at(0).size()) - 1;
-  p.N = static_cast<int>(rows.size());
-  p.dimensionData();
-  for (int i = 1; i <= p.N; ++i)
-    for (int j = 0; j <= p.m; ++j) p.X(j == 0 ? p.m + 1 : j, i) = rows[i - 1][j];
-  return p;
-}
+using orvane::testing::readDataCsv;
+using orvane::testing::readDataText;
 
 // The certified value, or array of values, under `key`, read from their quoted texts.
 std::vector<double> certified(const std::string& json, const std::string& key) {
@@ -78,8 +51,8 @@ class NistReference : public ::testing::TestWithParam<Reference> {};
 
 TEST_P(NistReference, CoefficientsAndResidualsToCertifiedDigits) {
   const Reference r = GetParam();
-  RegressionProblem p = readCsv(r.name);
-  const std::string json = readText(std::string(r.name) + ".json");
+  RegressionProblem p = readDataCsv(r.name);
+  const std::string json = readDataText(std::string(r.name) + ".json");
   const std::vector<double> B = certified(json, "coefficients");
   ASSERT_EQ(static_cast<int>(B.size()), p.m + 1);
   ASSERT_EQ(Compute(p), FitOutcome::Computed);
@@ -106,17 +79,53 @@ INSTANTIATE_TEST_SUITE_P(Sets, NistReference,
                          [](const auto& info) { return std::string(info.param.name); });
 
 // The degree-10 polynomial squares a condition number near 1e15: no coefficient is right,
-// but the fit still "computes" (only an exact zero pivot is singular) and is a valid fit
-// of those coefficients, its residual sum at least the minimum and, as measured, within 1.4 times it.
-TEST(NistReferenceFilip, IllConditionedFitComputesWithoutWarning) {
-  RegressionProblem p = readCsv("Filip");
+// but the fit still "computes" (only an exact zero pivot is singular; digits trusted tells
+// how little it is worth) and is a valid fit of those coefficients, its residual sum at
+// least the minimum and, as measured, within 1.4 times it.
+TEST(NistReferenceFilip, IllConditionedFitStillComputes) {
+  RegressionProblem p = readDataCsv("Filip");
   ASSERT_EQ(p.m, 10);
   ASSERT_EQ(Compute(p), FitOutcome::Computed);
-  const double ssr = certified(readText("Filip.json"), "residual_ss").at(0);
+  const double ssr = certified(readDataText("Filip.json"), "residual_ss").at(0);
   EXPECT_GE(p.statistics.residualSquares, ssr * (1 - 1e-9));
   EXPECT_LT(p.statistics.residualSquares, ssr * 1.4);
   for (int i = 1; i <= p.N; ++i) ASSERT_TRUE(std::isfinite(ComputeEstimates(p, i)));
 }
+
+
+// The summary beside the listing: digits trusted against the listing's true correct
+// digits (its coefficients' least LRE), and, where the fit is not perfect, the standard
+// deviations, residual standard deviation, R² and F of the summary's own solution
+// against the certified ones (Filip's data, rounded to doubles, hold about 7.7).
+class NistSummary : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(NistSummary, DigitsTrustedAsTheListingsTrueDigits) {
+  RegressionProblem p = readDataCsv(GetParam());
+  const std::string json = readDataText(std::string(GetParam()) + ".json");
+  ASSERT_EQ(Compute(p), FitOutcome::Computed);
+  const FitSummary s = SummarizeFit(p);
+  const std::vector<double> B = certified(json, "coefficients");
+  double truth = 15;
+  for (int j = 0; j <= p.m; ++j) truth = std::min(truth, std::max(0.0, lre(p.A[j], B[j])));
+  EXPECT_NEAR(s.digitsTrusted, truth, 0.5);  // measured within 0.01 on every set
+  EXPECT_EQ(DigitsWarning(s).empty(), truth >= 6) << DigitsWarning(s);
+
+  const double residualSd = certified(json, "residual_sd").at(0);
+  const double statisticsDigits = std::string(GetParam()) == "Filip" ? 7 : 13;
+  if (residualSd == 0) {
+    EXPECT_GT(s.rSquared, 1 - 1e-15);
+    return;
+  }
+  const std::vector<double> sd = certified(json, "coefficient_sd");
+  for (int j = 0; j <= p.m; ++j) EXPECT_GE(lre(s.coefficients[j].stdError, sd[j]), statisticsDigits) << j;
+  EXPECT_GE(lre(s.residualStandardError, residualSd), statisticsDigits);
+  EXPECT_GE(lre(s.rSquared, certified(json, "r_squared").at(0)), statisticsDigits);
+  EXPECT_GE(lre(s.fStatistic, certified(json, "f_statistic").at(0)), statisticsDigits);
+}
+
+INSTANTIATE_TEST_SUITE_P(AllNine, NistSummary,
+                         ::testing::Values("Norris", "Pontius", "Longley", "Filip", "Wampler1", "Wampler2", "Wampler3",
+                                           "Wampler4", "Wampler5"));
 
 }  // namespace
 }  // namespace orvane

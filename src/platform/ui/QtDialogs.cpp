@@ -208,6 +208,11 @@ void QtDialogs::CopyPicture(const Canvas& picture) {
   if (QClipboard* clipboard = QGuiApplication::clipboard()) clipboard->setImage(canvas->image());
 }
 
+void QtDialogs::CopyText(std::string_view text) {
+  if (QClipboard* clipboard = QGuiApplication::clipboard())
+    clipboard->setText(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
+}
+
 void QtDialogs::Beep() { QApplication::beep(); }
 
 void QtDialogs::SetBusy(bool busy) {

@@ -43,6 +43,7 @@ class QtDialogs : public Dialogs {
   bool ShowHelp(const std::string& path) override;
   // The image of a QImageCanvas goes to the clipboard; other surfaces have no pixels.
   void CopyPicture(const Canvas& picture) override;
+  void CopyText(std::string_view text) override;
   void Beep() override;
   void SetBusy(bool busy) override;
   void DoEvents() override;

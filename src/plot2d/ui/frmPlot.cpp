@@ -36,6 +36,7 @@
 #include "plot2d/StudyDefaults.h"
 #include "plot2d/StudyExport.h"
 #include "plot2d/StudyReport.h"
+#include "regression/Solver.h"
 
 namespace orvane {
 
@@ -80,6 +81,16 @@ std::pair<std::span<const double>, std::span<const double>> dataPoints(const Reg
   if (p.m < 1 || p.N < 1 || p.X.lastColumn() < p.m + 1 || p.X.lastRow() < p.N) return {};
   const auto n = static_cast<size_t>(p.N);
   return {std::span<const double>(p.X.column(1) + 1, n), std::span<const double>(p.X.column(p.m + 1) + 1, n)};
+}
+
+// The 95% bands while the curve is the fitted function of one variable (as handed over,
+// blanks aside); none otherwise.
+std::function<BandHalfWidths(double)> fittedBands(const Workbench& w, std::string equation, int32_t derivative) {
+  const RegressionProblem& p = w.problem;
+  if (!w.fitted || !w.summary || !w.summary->determined || p.m != 1 || derivative != 0) return {};
+  std::erase_if(equation, [](char ch) { return ch == ' ' || ch == '\t'; });
+  if (equation != FittedFunctionText(p)) return {};
+  return [summary = &*w.summary](double x) { return BandsAt(*summary, x); };
 }
 
 // The picture's size in twips (1440 to the inch), as the viewport reads it.
@@ -314,6 +325,11 @@ void frmPlot::buildControls() {
   graph->addWidget(cmdDecWindX, 1, 3);
   graph->addWidget(cmdIncWindY, 2, 3);
   graph->addWidget(cmdDecWindY, 3, 3);
+  chkBands = named(new QCheckBox(QStringLiteral("95% bands")), "chkBands",
+                   "Check to draw the 95% confidence band of the mean and the prediction band "
+                   "around the fitted function");
+  graph->addWidget(chkBands, 4, 0, 1, 4);
+  connect(chkBands, &QCheckBox::toggled, this, &frmPlot::chkBands_Click);
   for (QPushButton* b : fraGraph->findChildren<QPushButton*>()) {
     b->setMinimumWidth(34);
     b->setMaximumWidth(b->text().size() > 2 ? 56 : 40);
@@ -706,6 +722,7 @@ void frmPlot::PlotDriver() {
   request.width = twips(picture.pixelWidth(), picture.dpi());
   request.height = twips(picture.pixelHeight(), picture.dpi());
   std::tie(request.dataX, request.dataY) = dataPoints(workbench_.problem);
+  if (chkBands->isChecked()) request.bands = fittedBands(workbench_, s.equation, s.k);
 
   EngineFunction f(ScriptControl1, sh, s.equation);
   DerivativeEvaluator d(f);
@@ -755,6 +772,10 @@ void frmPlot::cmdPlot_Click() {
   } while (plotQueued_ && !closeRequested_ && !stopRequested_);
   plotting_ = false;
   afterLongWork();
+}
+
+void frmPlot::chkBands_Click() {
+  if (graphDrawn_) cmdPlot_Click();
 }
 
 void frmPlot::txtWindow_Change() {

@@ -98,6 +98,7 @@ class frmPlot : public QWidget {
   void mnuCopy_Click();
   void mnuHelp_Click();
   void cmdExit_Click();
+  void chkBands_Click();
 
  private:
   // Marks the run of one user command: the engine's message box appears at most once
@@ -255,6 +256,7 @@ class frmPlot : public QWidget {
   QPushButton* cmdDecWindX = nullptr;
   QPushButton* cmdIncWindY = nullptr;
   QPushButton* cmdDecWindY = nullptr;
+  QCheckBox* chkBands = nullptr;  // the 95% bands around the fitted function
 
   PictureBox* Picture1 = nullptr;
   QPushButton* cmdExit = nullptr;

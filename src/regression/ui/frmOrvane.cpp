@@ -26,6 +26,7 @@
 #include "regression/Solver.h"
 #include "regression/ui/frmEdit.h"
 #include "regression/ui/frmEvaluations.h"
+#include "regression/ui/frmStatistics.h"
 
 namespace orvane {
 
@@ -48,6 +49,7 @@ frmOrvane::frmOrvane(Dialogs& dialogs, QWidget* parent) : QMainWindow(parent), d
   setWindowTitle(QStringLiteral("Orvane Regression  www.orvane.example"));
   buildControls();
   buildMenus();
+  buildStatisticsControls();
   Form_Load();
 }
 
@@ -188,6 +190,8 @@ void frmOrvane::ClearResults() {
   workbench_.fitted = false;
   cmdEvaluations->setEnabled(false);
   if (evaluations_) evaluations_->close();  // it would evaluate coefficients that are gone
+  workbench_.summary.reset();
+  showSummary();
 }
 
 void frmOrvane::SetDisplayedSpecs() {
@@ -373,6 +377,50 @@ void frmOrvane::showResults() {
   lstCoeff->clear();
   for (const std::string& line : ResultsListing(workbench_.problem)) lstCoeff->addItem(qs(line));
   cmdEvaluations->setEnabled(true);
+  summarizeFit();
+}
+
+// ---- the statistics of the fit ----
+
+void frmOrvane::buildStatisticsControls() {
+  mnuStatistics = named(new QAction(QStringLiteral("&Statistics"), this), "mnuStatistics");
+  mnuStatistics->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_T));
+  mnuStatistics->setToolTip(QStringLiteral("Standard errors, tests, residuals and digits trusted of the fit (Ctrl+T)"));
+  mnuStatistics->setEnabled(false);
+  menuBar()->insertAction(mnuHelp, mnuStatistics);
+  connect(mnuStatistics, &QAction::triggered, this, &frmOrvane::mnuStatistics_Click);
+
+  lblWarning = named(new QLabel(), "lblWarning");
+  lblWarning->setStyleSheet(QStringLiteral("color: #c00000"));
+  lblWarning->setWordWrap(true);
+  lblWarning->setVisible(false);
+  auto* layout = static_cast<QVBoxLayout*>(centralWidget()->layout());
+  layout->insertWidget(layout->indexOf(lstCoeff) + 1, lblWarning);
+}
+
+void frmOrvane::summarizeFit() {
+  try {
+    workbench_.summary = SummarizeFit(workbench_.problem);
+  } catch (const std::bad_alloc&) {
+    workbench_.summary.reset();
+    dialogs_.MsgBox("Out of memory: no statistics for this fit.", mb::Exclamation);
+  }
+  showSummary();
+}
+
+void frmOrvane::showSummary() {
+  const std::string warning = workbench_.summary ? DigitsWarning(*workbench_.summary) : std::string();
+  lblWarning->setText(qs(warning));
+  lblWarning->setVisible(!warning.empty());
+  mnuStatistics->setEnabled(workbench_.summary.has_value());
+  if (statistics_) statistics_->Refresh();
+}
+
+void frmOrvane::mnuStatistics_Click() {
+  if (!statistics_) statistics_ = std::make_unique<frmStatistics>(workbench_, dialogs_);
+  statistics_->show();
+  statistics_->raise();
+  statistics_->activateWindow();
 }
 
 void frmOrvane::cmdEvaluations_Click() {
@@ -400,6 +448,7 @@ void frmOrvane::cmdExit_Click() { close(); }
 
 void frmOrvane::closeEvent(QCloseEvent* event) {
   if (evaluations_) evaluations_->close();
+  if (statistics_) statistics_->close();
   if (editor_) editor_->close();
   event->accept();
   emit unloaded();

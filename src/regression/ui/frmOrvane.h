@@ -24,6 +24,7 @@ class RuntimeError;
 class TextBox;
 class frmEdit;
 class frmEvaluations;
+class frmStatistics;
 
 class frmOrvane : public QMainWindow {
   Q_OBJECT
@@ -47,6 +48,7 @@ class frmOrvane : public QMainWindow {
 
   frmEdit* editor() const { return editor_.get(); }
   frmEvaluations* evaluations() const { return evaluations_.get(); }
+  frmStatistics* statistics() const { return statistics_.get(); }
   // The current file of Save, empty until one is opened or saved.
   const std::string& fileName() const { return fileName_; }
 
@@ -81,6 +83,7 @@ class frmOrvane : public QMainWindow {
   void mnuPrint_Click();
   void mnuHelp_Click();
   void mnuAbout_Click();
+  void mnuStatistics_Click();
   void frmEdit_DataSetDeleted();
   void frmEdit_Done();
 
@@ -93,6 +96,11 @@ class frmOrvane : public QMainWindow {
   void enableSavingAndAbout();
   void showResults();
   void writeFiles(const std::string& path);
+  // The Statistics entry and the warning line under the results; the summary of the
+  // fit computed, or cleared, and shown wherever it is shown.
+  void buildStatisticsControls();
+  void summarizeFit();
+  void showSummary();
 
   Dialogs& dialogs_;
   Workbench workbench_;
@@ -128,10 +136,13 @@ class frmOrvane : public QMainWindow {
   QAction* mnuPrint = nullptr;
   QAction* mnuHelp = nullptr;
   QAction* mnuAbout = nullptr;
+  QAction* mnuStatistics = nullptr;
+  QLabel* lblWarning = nullptr;
 
   // Windows of their own (not children, so that disabling this one leaves them usable).
   std::unique_ptr<frmEdit> editor_;
   std::unique_ptr<frmEvaluations> evaluations_;
+  std::unique_ptr<frmStatistics> statistics_;
 };
 
 }  // namespace orvane
