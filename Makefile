@@ -5,7 +5,7 @@ JOBS       ?= $(shell nproc)
 # A compiler cache, when the machine has one, makes rebuilds of other checkouts cheap.
 LAUNCHER   := $(if $(shell command -v ccache 2>/dev/null),-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
 
-.PHONY: run test bench build deps clean fuzz test-sanitize
+.PHONY: run test bench build deps clean fuzz test-sanitize coverage
 
 deps:
 	@bash scripts/install-deps.sh
@@ -51,3 +51,14 @@ test-sanitize: deps
 	  UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1 \
 	  LSAN_OPTIONS=suppressions=$(CURDIR)/tests/hardening/lsan.supp:print_suppressions=0 \
 	  ctest -j $(JOBS) --output-on-failure
+
+# The whole suite built with coverage counters and run; prints the line coverage of
+# src/ as a figure and leaves an HTML report in $(COVBUILD)/coverage/index.html.
+COVBUILD ?= build-coverage
+coverage:
+	@bash scripts/install-deps.sh gcovr
+	cmake -S . -B $(COVBUILD) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DORVANE_COVERAGE=ON $(LAUNCHER)
+	cmake --build $(COVBUILD) -j $(JOBS)
+	find $(COVBUILD) -name '*.gcda' -delete
+	cd $(COVBUILD) && QT_QPA_PLATFORM=offscreen ctest -j $(JOBS) --output-on-failure
+	@bash scripts/coverage-report.sh $(COVBUILD)

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs the Debian packages the build, the tests and the program need.
+# Installs the Debian packages the build, the tests and the program need, and any
+# further packages named on the command line (as `make coverage` names gcovr).
 # Does nothing when everything is present; uses sudo when not run as root.
 set -euo pipefail
 
@@ -11,6 +12,7 @@ packages=(
   fonts-liberation fonts-dejavu-core
   xvfb xauth
 )
+packages+=("$@")
 
 missing=()
 for p in "${packages[@]}"; do
