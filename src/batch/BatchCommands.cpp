@@ -60,8 +60,8 @@ The workbench's routines without a window. Commands:
   plot2d    draw the 2-D study picture into a PNG or BMP file
   stereo    draw the left and right stereo pictures into image files
 
-"orvane-batch COMMAND --help" describes each command. "--" ends the options, so an
-expression may start with "-". Results go to standard output, messages to standard
+"orvane-batch COMMAND --help" describes each command; "orvane-batch --version" prints
+the version. "--" ends the options, so an expression may start with "-". Results go to standard output, messages to standard
 error; the exit status is 0 when the command gave its result and 1 otherwise. Ctrl+C
 (or SIGTERM) stops a command at once with status 130, leaving no file half-written.
 )";

@@ -39,6 +39,10 @@ void quietQtMessages(QtMsgType type, const QMessageLogContext&, const QString& t
 int main(int argc, char** argv) {
   catchStopSignals();
   std::vector<std::string> args(argv + 1, argv + argc);
+  if (args.size() == 1 && args[0] == "--version") {
+    std::cout << "orvane-batch " ORVANE_VERSION "\n";
+    return 0;
+  }
   // Pictures and PDF pages need Qt's fonts and painting, never a display.
   std::unique_ptr<QGuiApplication> app;
   if (!args.empty() && (args[0] == "plot2d" || args[0] == "stereo" || args[0] == "report")) {

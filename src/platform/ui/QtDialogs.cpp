@@ -173,8 +173,13 @@ std::unique_ptr<PrinterPage> QtDialogs::OpenPrinter(std::string_view documentNam
 }
 
 bool QtDialogs::ShowHelp(const std::string& path) {
-  QFile file(QString::fromStdString(path));
-  const QFileInfo info(file);
+  QFileInfo info(QString::fromStdString(path));
+  const QString name = info.fileName();
+  for (const QString& folder : helpFolders_) {
+    if (info.isFile()) break;
+    info = QFileInfo(QDir(folder), name);
+  }
+  QFile file(info.filePath());
   if (!info.isFile() || !file.open(QIODevice::ReadOnly)) return false;
   const QString html = QString::fromUtf8(file.readAll());
 

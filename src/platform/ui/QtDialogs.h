@@ -5,6 +5,7 @@
 
 #include <QPointer>
 #include <QString>
+#include <QStringList>
 
 #include "platform/Dialogs.h"
 
@@ -27,6 +28,10 @@ class QtDialogs : public Dialogs {
 
   void setParentWidget(QWidget* parent) { parent_ = parent; }
 
+  // Folders that hold the help documents when the one asked for has none of them (the
+  // installed documents, the source tree's); tried in order.
+  void setHelpFolders(QStringList folders) { helpFolders_ = std::move(folders); }
+
   int MsgBox(std::string_view prompt, int style = mb::OKOnly,
              std::string_view title = kAppTitle) override;
   std::optional<std::string> InputBox(std::string_view prompt, std::string_view title,
@@ -38,8 +43,8 @@ class QtDialogs : public Dialogs {
   // The print dialog on a high-resolution printer; the page prints on what the user
   // picked (a printer or a PDF file).
   std::unique_ptr<PrinterPage> OpenPrinter(std::string_view documentName) override;
-  // Shows the HTML document in one help window that is reused; false when the file
-  // cannot be read.
+  // Shows the HTML document in one help window that is reused, or the document of that
+  // name in the first help folder that has it; false when none can be read.
   bool ShowHelp(const std::string& path) override;
   // The image of a QImageCanvas goes to the clipboard; other surfaces have no pixels.
   void CopyPicture(const Canvas& picture) override;
@@ -57,6 +62,7 @@ class QtDialogs : public Dialogs {
   QWidget* owner() const;
 
   QPointer<QWidget> parent_;
+  QStringList helpFolders_;
   QPointer<QWidget> helpWindow_;
   QPointer<QTextBrowser> helpBrowser_;
   bool busy_ = false;
