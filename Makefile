@@ -1,11 +1,12 @@
-# The two commands: `make run` and `make test`. `make bench` runs the benchmarks.
+# The two commands: `make run` and `make test`. `make bench` runs the benchmarks;
+# `make install` (PREFIX, DESTDIR) and `make package` (a .deb) install the program.
 BUILD      ?= build
 BENCHBUILD ?= build-release
 JOBS       ?= $(shell nproc)
 # A compiler cache, when the machine has one, makes rebuilds of other checkouts cheap.
 LAUNCHER   := $(if $(shell command -v ccache 2>/dev/null),-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
 
-.PHONY: run test bench build deps clean fuzz test-sanitize coverage
+.PHONY: run test bench build deps clean fuzz test-sanitize coverage install package
 
 deps:
 	@bash scripts/install-deps.sh
@@ -21,6 +22,16 @@ run: build
 
 test: build
 	cd $(BUILD) && QT_QPA_PLATFORM=offscreen ctest -j $(JOBS) --output-on-failure
+
+# The programs, help documents, launcher, metainfo, icon, manual pages and samples.
+PREFIX ?= /usr/local
+install: build
+	DESTDIR="$(DESTDIR)" cmake --install $(BUILD) --prefix $(PREFIX)
+
+# A .deb of the same files under /usr, with the Debian packages it needs at run time.
+package: build
+	cmake --build $(BUILD) --target package
+	@ls $(BUILD)/*.deb
 
 bench: deps
 	cmake -S . -B $(BENCHBUILD) -G Ninja -DCMAKE_BUILD_TYPE=Release $(LAUNCHER)

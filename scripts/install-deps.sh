@@ -11,6 +11,7 @@ packages=(
   libeigen3-dev libboost-math-dev
   fonts-liberation fonts-dejavu-core
   xvfb xauth
+  desktop-file-utils appstream
 )
 packages+=("$@")
 

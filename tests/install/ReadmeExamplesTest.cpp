@@ -1,0 +1,116 @@
+// Every "$ orvane-batch" example of README.md, run as written from the repository root
+// with the built tool on the PATH, must print what the README shows under it: standard
+// output, then standard error. A line "..." stands for any number of lines, and a line
+// ending in "..." for any line that starts with the text before it. An example that
+// shows no output must succeed. The examples run in order in one folder, so a file one
+// of them writes is there for the next; that folder mirrors the repository root, so
+// nothing is written into the repository.
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct Example {
+  std::string command;             // without the "$ "
+  std::vector<std::string> shown;  // the lines under it
+};
+
+bool startsWith(const std::string& text, const std::string& prefix) {
+  return text.compare(0, prefix.size(), prefix) == 0;
+}
+
+// The examples of the fenced blocks: a "$ orvane-batch" line and the lines under it up
+// to the next "$ " line or the end of the block.
+std::vector<Example> readmeExamples(const fs::path& readme) {
+  std::ifstream in(readme);
+  std::vector<Example> examples;
+  bool inBlock = false, inExample = false;
+  for (std::string line; std::getline(in, line);) {
+    if (startsWith(line, "```")) {
+      inBlock = !inBlock;
+      inExample = false;
+    } else if (inBlock && startsWith(line, "$ ")) {
+      inExample = startsWith(line, "$ orvane-batch ");
+      if (inExample) examples.push_back({line.substr(2), {}});
+    } else if (inExample) {
+      examples.back().shown.push_back(line);
+    }
+  }
+  return examples;
+}
+
+std::vector<std::string> linesOf(const fs::path& file) {
+  std::ifstream in(file);
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(in, line);) lines.push_back(line);
+  return lines;
+}
+
+bool lineMatches(const std::string& shown, const std::string& printed) {
+  const std::string ellipsis = "...";
+  if (shown.size() > ellipsis.size() && shown.ends_with(ellipsis))
+    return startsWith(printed, shown.substr(0, shown.size() - ellipsis.size()));
+  return shown == printed;
+}
+
+bool outputMatches(const std::vector<std::string>& shown, size_t s,
+                   const std::vector<std::string>& printed, size_t p) {
+  if (s == shown.size()) return p == printed.size();
+  if (shown[s] == "...") {
+    for (size_t skip = p; skip <= printed.size(); ++skip)
+      if (outputMatches(shown, s + 1, printed, skip)) return true;
+    return false;
+  }
+  return p < printed.size() && lineMatches(shown[s], printed[p]) &&
+         outputMatches(shown, s + 1, printed, p + 1);
+}
+
+std::string joined(const std::vector<std::string>& lines) {
+  std::string text;
+  for (const std::string& line : lines) text += line + "\n";
+  return text;
+}
+
+// The single-quoted form of a text for sh.
+std::string quoted(const std::string& text) {
+  std::string out = "'";
+  for (char c : text) out += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return out + "'";
+}
+
+}  // namespace
+
+TEST(ReadmeExamples, PrintWhatTheReadmeShows) {
+  const fs::path root = ORVANE_SOURCE_ROOT;
+  const std::vector<Example> examples = readmeExamples(root / "README.md");
+  ASSERT_FALSE(examples.empty()) << "no \"$ orvane-batch\" example in README.md";
+
+  const fs::path folder = fs::temp_directory_path() / ("readme-examples-" + std::to_string(::getpid()));
+  fs::create_directories(folder);
+  for (const fs::directory_entry& entry : fs::directory_iterator(root))
+    if (entry.path().filename() != ".git") fs::create_directory_symlink(entry.path(), folder / entry.path().filename());
+
+  for (const Example& example : examples) {
+    SCOPED_TRACE("$ " + example.command);
+    const std::string run = "cd " + quoted(folder.string()) + " && PATH=" + quoted(ORVANE_BATCH_FOLDER) +
+                            ":\"$PATH\" sh -c " + quoted(example.command) + " >.out 2>.err";
+    const int status = std::system(run.c_str());
+    std::vector<std::string> printed = linesOf(folder / ".out");
+    for (const std::string& line : linesOf(folder / ".err")) printed.push_back(line);
+    EXPECT_TRUE(outputMatches(example.shown, 0, printed, 0))
+        << "README shows:\n" << joined(example.shown) << "printed:\n" << joined(printed);
+    if (example.shown.empty()) EXPECT_EQ(status, 0) << joined(printed);
+  }
+  fs::remove_all(folder);
+}
