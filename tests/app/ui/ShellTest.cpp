@@ -6,11 +6,14 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <QTextBrowser>
 #include <QtTest>
 
+#include "app/HelpFolders.h"
 #include "app/SubMain.h"
 #include "app/frmAbout.h"
 #include "platform/ScriptedDialogs.h"
+#include "platform/ui/QtDialogs.h"
 #include "regression/ui/frmOrvane.h"
 
 namespace orvane {
@@ -34,6 +37,16 @@ void writeFile(const QString& path, const char* text) {
   QFile file(path);
   if (file.open(QIODevice::WriteOnly)) file.write(text);
 }
+
+// The desktop's own dialogs, with message boxes recorded instead of shown.
+struct HelpDialogs : QtDialogs {
+  HelpDialogs() : QtDialogs(nullptr) {}
+  QStringList messages;
+  int MsgBox(std::string_view prompt, int, std::string_view) override {
+    messages << QString::fromUtf8(prompt.data(), qsizetype(prompt.size()));
+    return mb::OK;
+  }
+};
 
 int visibleWindows() {
   int count = 0;
@@ -98,6 +111,40 @@ class ShellTest : public QObject {
       QVERIFY2(prompt.startsWith("Cannot find the help file") && prompt.contains(expected), qPrintable(prompt));
     }
     QVERIFY(p.window()->isVisible());
+  }
+
+  // Started from "/", where no help document is: the help window shows the installed
+  // document beside the program when there is one, else the source tree's.
+  void helpOpensWhenStartedFromRoot_data() {
+    QTest::addColumn<bool>("installed");
+    QTest::newRow("built") << false;
+    QTest::newRow("installed") << true;
+  }
+  void helpOpensWhenStartedFromRoot() {
+    QFETCH(bool, installed);
+    QTemporaryDir prefix;
+    QDir(prefix.path()).mkpath("bin");
+    QDir(prefix.path()).mkpath("share/orvane/help");
+    if (installed)
+      writeFile(prefix.filePath("share/orvane/help/orvane.hlp"), "<html><body>Installed help</body></html>");
+    const QString program = installed ? prefix.filePath("bin") : QCoreApplication::applicationDirPath();
+    const QString old = QDir::currentPath();
+    QDir::setCurrent("/");
+
+    HelpDialogs dialogs;
+    dialogs.setHelpFolders(HelpFolders(program));
+    SubMain subMain(dialogs, [now = 1000.0]() mutable { return now += 1.0; }, [] { return std::string("."); });
+    const bool started = subMain.Start();
+    if (started) subMain.mainWindow()->findChild<QAction*>("mnuHelp")->trigger();
+    QDir::setCurrent(old);
+    QVERIFY(started);
+    QCOMPARE(dialogs.messages, QStringList());
+    QTextBrowser* browser = nullptr;
+    for (QWidget* window : QApplication::topLevelWidgets())
+      if (window->objectName() == "helpWindow" && window->isVisible()) browser = window->findChild<QTextBrowser*>();
+    QVERIFY(browser);
+    QVERIFY(browser->toPlainText().startsWith(installed ? "Installed help" : "Orvane Regression"));
+    browser->window()->close();
   }
 
   void exitRestoresOnceAndClosesEverything_data() {
