@@ -17,7 +17,7 @@ namespace {
 struct LabelFont {
   int height, width;
 };
-constexpr LabelFont kDivisionFont{11, 6};
+constexpr LabelFont kDivisionFont{7, 5};
 constexpr LabelFont kWindowFont{20, 16};
 
 // Beyond this many steps between the axis and the window the tick walk jumps ahead

@@ -43,20 +43,26 @@ void printExtrema(PrinterPage& page, const char* heading, const std::vector<doub
 
 void printStudyReport(PrinterPage& page, const StudyReportInput& in,
                       const StudyResults& results, FunctionOfX& f, Canvas& picture,
-                      const std::function<void()>& replot) {
+                      const std::function<StudyGraph()>& replot) {
   page.SetFontName("Courier New");
+  StudyGraph graph = in.plotted;
   if (in.graphDrawn) {
     if (in.persist) {
       paintGraph(page, picture);
     } else {
       picture.SetAutoRedraw(true);
-      if (replot) replot();
+      try {
+        if (replot) graph = replot();
+      } catch (...) {
+        picture.SetAutoRedraw(false);
+        throw;
+      }
       paintGraph(page, picture);
       picture.SetAutoRedraw(false);
     }
     page.SetCurrentY(kReportTextTop);
-    page.PrintLine(in.derivative >= 1 ? "Plot of derivative #" + formatPrint(in.derivative)
-                                      : std::string("Plot of Function"));
+    page.PrintLine(graph.derivative >= 1 ? "Plot of derivative #" + formatPrint(graph.derivative)
+                                         : std::string("Plot of Function"));
   }
   page.PrintLine();
   page.PrintLine("FUNCTION:");
@@ -86,7 +92,7 @@ void printStudyReport(PrinterPage& page, const StudyReportInput& in,
   page.PrintLine();
   page.PrintLine("PLOT SETUP:");
   page.PrintLine();
-  const PlotSetup& p = in.plotted;
+  const PlotSetup& p = graph.setup;
   page.PrintLine("     AXES: [" + printSingle(p.xorigin) + "," + printSingle(p.yorigin) + "]");
   page.PrintLine("DIVISIONS: [" + printSingle(p.divx) + "," + printSingle(p.divy) + "]");
   page.PrintLine(" X-WINDOW: [" + printSingle(p.windowlx) + "," + printSingle(p.windowgx) + "]");

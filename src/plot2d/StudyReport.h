@@ -17,15 +17,21 @@ namespace orvane {
 class Canvas;
 class PrinterPage;
 
+// What a graph shows: the plotted item and the axes, divisions and window it was drawn
+// with. The title and the setup lines describe it.
+struct StudyGraph {
+  int32_t derivative = 0;  // 0 = the function, k = the k-th derivative
+  PlotSetup setup;
+};
+
 struct StudyReportInput {
   bool graphDrawn = false;  // a graph is on the picture
   bool persist = false;     // chkPersist: the picture keeps its image
-  int32_t derivative = 0;   // the plotted item, 0 = the function
+  StudyGraph plotted;       // the graph on the picture (or the fields' setup without one)
   std::string equation;                // txtEquation
   std::vector<std::string> constants;  // cboConstants entries, as listed
   double xlower = 0, xupper = 0;       // the study interval's values
   std::string subintervals, maxcy, error;  // the texts of those fields
-  PlotSetup plotted;                   // axes, divisions and window of the last plot
 };
 
 // Where the graph goes on the page (twips): its top-left corner is the page's, and it
@@ -33,11 +39,13 @@ struct StudyReportInput {
 constexpr double kReportTextTop = 4500;
 
 // Prints the report and ends the document. When a graph is drawn without a persistent
-// image, the picture's image is switched on and replot() draws it again before it is
-// painted on the page. The maxima and minima are printed with f evaluated again
-// (RuntimeError from f ends the report). A printer fault is the page's RuntimeError.
+// image, the picture's image is switched on and replot() draws it again, from the
+// fields as they are now, before it is painted on the page; the title and the setup
+// lines then describe the graph replot() returns. The maxima and minima are printed
+// with f evaluated again (RuntimeError from f or from replot ends the report). A
+// printer fault is the page's RuntimeError.
 void printStudyReport(PrinterPage& page, const StudyReportInput& input,
                       const StudyResults& results, FunctionOfX& f, Canvas& picture,
-                      const std::function<void()>& replot);
+                      const std::function<StudyGraph()>& replot);
 
 }  // namespace orvane

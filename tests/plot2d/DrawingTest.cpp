@@ -207,8 +207,8 @@ TEST(PlotDriver, TicksGridAndLabels) {
   EXPECT_EQ(matching(plot(r, [](double x) { return x; }), "text "),
             (Calls{"text -1 @verdana 20 16 #C0C000", "text 1 @verdana 20 16 #C0C000",
                    "text -3 @verdana 20 16 #C0C000", "text 3 @verdana 20 16 #C0C000",
-                   "text 1 @verdana 11 6 #C0C000", "text -1 @verdana 11 6 #C0C000",
-                   "text 3. @verdana 11 6 #C0C000", "text -3. @verdana 11 6 #C0C000"}));
+                   "text 1 @verdana 7 5 #C0C000", "text -1 @verdana 7 5 #C0C000",
+                   "text 3. @verdana 7 5 #C0C000", "text -3. @verdana 7 5 #C0C000"}));
   EXPECT_EQ(divisionLabel(2.5f, false), "3");
   EXPECT_EQ(divisionLabel(-2.5f, true), "-3.");
   EXPECT_EQ(divisionLabel(0.4f, false), "");

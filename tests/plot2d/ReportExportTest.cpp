@@ -39,7 +39,7 @@ StudyReportInput reportInput(bool graph) {
   in.subintervals = "128";
   in.maxcy = "7";
   in.error = ".01";
-  in.plotted = PlotSetup{-3, 3, -2.5f, 4.5f, 0, 0, 1, 0.5f, 10};
+  in.plotted = {0, PlotSetup{-3, 3, -2.5f, 4.5f, 0, 0, 1, 0.5f, 10}};
   in.graphDrawn = graph;
   return in;
 }
@@ -52,8 +52,11 @@ TEST(StudyReport, WithGraphResultsAndConstants) {
   PictureLog picture;
   LambdaFunction f(study);
   bool imageOnDuringReplot = false;
-  printStudyReport(page, reportInput(true), someResults(), f, picture,
-                   [&] { imageOnDuringReplot = picture.AutoRedraw(); });
+  const StudyReportInput in = reportInput(true);
+  printStudyReport(page, in, someResults(), f, picture, [&] {
+    imageOnDuringReplot = picture.AutoRedraw();
+    return in.plotted;
+  });
   Lines expected = {"Plot of Function", "", "FUNCTION:", "x^2-2", "", "CONSTANTS:", "a=2.37", "",
                     "    INTERVAL STUDIED: [-2 , 2 ]", "   # OF SUBINTERVALS: 128",
                     "MAX. # OF ITERATIONS: 7", "       MAXIMUM ERROR: .01", "", "INTEGRAL=  4 ", "",
@@ -73,17 +76,39 @@ TEST(StudyReport, WithGraphResultsAndConstants) {
             std::vector<double>({0, 0, 4320, 5760}));
 }
 
-TEST(StudyReport, DerivativeTitlePersistentPictureAndNoGraph) {
+TEST(StudyReport, TitleAndSetupDescribeTheGraphOnThePage) {
   StudyReportInput in = reportInput(true);
   in.persist = true;
-  in.derivative = 3;
+  in.plotted.derivative = 3;
   RecordingPrinterPage page;
   PictureLog picture;
   LambdaFunction f(study);
   bool replotted = false;
-  printStudyReport(page, in, StudyResults{}, f, picture, [&] { replotted = true; });
+  printStudyReport(page, in, StudyResults{}, f, picture, [&] {
+    replotted = true;
+    return StudyGraph{};
+  });
   EXPECT_FALSE(replotted);
   EXPECT_EQ(page.texts().front(), "Plot of derivative # 3 ");
+  EXPECT_EQ(page.texts().back(), " Y-WINDOW: [-2.5 , 4.5 ]");
+
+  // Drawn again for the page from fields changed since the last plot: the title and
+  // the setup lines are the new graph's, not the last plot's.
+  in.persist = false;
+  RecordingPrinterPage redrawn;
+  printStudyReport(redrawn, in, StudyResults{}, f, picture,
+                   [] { return StudyGraph{1, PlotSetup{-1, 2, -4, 8, 0.5f, -1, 0.25f, 2, 10}}; });
+  const Lines lines = redrawn.texts();
+  EXPECT_EQ(lines.front(), "Plot of derivative # 1 ");
+  EXPECT_EQ(Lines(lines.end() - 4, lines.end()),
+            (Lines{"     AXES: [ 0.5 ,-1 ]", "DIVISIONS: [ 0.25 , 2 ]", " X-WINDOW: [-1 , 2 ]", " Y-WINDOW: [-4 , 8 ]"}));
+  // A graph that cannot be drawn again ends the report before anything is printed.
+  RecordingPrinterPage failed;
+  EXPECT_THROW(printStudyReport(failed, in, StudyResults{}, f, picture,
+                                []() -> StudyGraph { throw RuntimeError(err::Overflow); }),
+               RuntimeError);
+  EXPECT_TRUE(failed.texts().empty());
+  EXPECT_FALSE(picture.AutoRedraw());
 
   RecordingPrinterPage plain;
   in = reportInput(false);

@@ -15,6 +15,14 @@ namespace {
 // Device coordinates are rounded to whole pixels: pixel i covers [i - 0.5, i + 0.5).
 int pixelOf(double v) { return static_cast<int>(std::floor(v + 0.5)); }
 
+// The same along an axis of `size` pixels, where the scale's far edge (device coordinate
+// `size`, one past the last pixel once rounded) is folded onto the last pixel: the
+// whole user scale, both edges included, is on the picture, as the near edge is.
+int pixelOf(double v, int size) {
+  const int pixel = pixelOf(v);
+  return pixel == size ? size - 1 : pixel;
+}
+
 // The on/off runs of the one-pixel pen styles, in pixels, as the old display pens drew
 // them (dot: 3 on 3 off; dash: 18 on 6 off). Solid has no gaps.
 bool patternOn(orvane::DrawStyle style, long step) {
@@ -126,7 +134,7 @@ void QImageCanvas::paintLine(float x1, float y1, float x2, float y2, Color color
     // Wide pens are always solid.
     QPainter painter(&image_);
     painter.setPen(QPen(toQColor(color), DrawWidth(), Qt::SolidLine, Qt::RoundCap));
-    painter.drawLine(QPoint(pixelOf(px1), pixelOf(py1)), QPoint(pixelOf(px2), pixelOf(py2)));
+    painter.drawLine(QPoint(pixelOf(px1, w), pixelOf(py1, h)), QPoint(pixelOf(px2, w), pixelOf(py2, h)));
     changed();
     return;
   }
@@ -134,8 +142,8 @@ void QImageCanvas::paintLine(float x1, float y1, float x2, float y2, Color color
   // One-pixel lines are stepped here, so the dotted pattern keeps its phase across the
   // clipped-away part and both end points are set.
   const QRgb rgb = toQColor(color).rgb();
-  int x = pixelOf(px1), y = pixelOf(py1);
-  const int xe = pixelOf(px2), ye = pixelOf(py2);
+  int x = pixelOf(px1, w), y = pixelOf(py1, h);
+  const int xe = pixelOf(px2, w), ye = pixelOf(py2, h);
   const int dx = std::abs(xe - x), dy = -std::abs(ye - y);
   const int sx = x < xe ? 1 : -1, sy = y < ye ? 1 : -1;
   int e = dx + dy;
@@ -172,9 +180,10 @@ void QImageCanvas::paintBox(float x1, float y1, float x2, float y2, Color color,
   if (!std::isfinite(px1) || !std::isfinite(py1) || !std::isfinite(px2) ||
       !std::isfinite(py2))
     return;
-  const double w = image_.width(), h = image_.height();
-  auto clampX = [w](double v) { return pixelOf(std::clamp(v, -1.0, w)); };
-  auto clampY = [h](double v) { return pixelOf(std::clamp(v, -1.0, h)); };
+  const int w = image_.width(), h = image_.height();
+  // Far-out corners are kept just off the picture, beyond the folded far edge.
+  auto clampX = [w](double v) { return pixelOf(std::clamp(v, -1.0, w + 1.0), w); };
+  auto clampY = [h](double v) { return pixelOf(std::clamp(v, -1.0, h + 1.0), h); };
   const int left = std::min(clampX(px1), clampX(px2)), right = std::max(clampX(px1), clampX(px2));
   const int top = std::min(clampY(py1), clampY(py2)), bottom = std::max(clampY(py1), clampY(py2));
   const QRect rect = QRect(QPoint(left, top), QPoint(right, bottom)).intersected(image_.rect());
@@ -192,7 +201,7 @@ void QImageCanvas::paintPoint(float x, float y, Color color) {
       py > h + DrawWidth())
     return;
   const QRgb rgb = toQColor(color).rgb();
-  const int cx = pixelOf(px), cy = pixelOf(py);
+  const int cx = pixelOf(px, w), cy = pixelOf(py, h);
   if (DrawWidth() <= 1) {
     if (cx >= 0 && cy >= 0 && cx < w && cy < h) {
       reinterpret_cast<QRgb*>(image_.scanLine(cy))[cx] = rgb;
@@ -247,7 +256,7 @@ void QImageCanvas::paintCircle(float x, float y, float radius, Color color) {
     painter.setBrush(toQColor(FillColor()));
   else
     painter.setBrush(Qt::NoBrush);
-  const QPointF c(pixelOf(centre.x()), pixelOf(centre.y()));
+  const QPointF c(pixelOf(centre.x(), image_.width()), pixelOf(centre.y(), image_.height()));
   painter.drawEllipse(c, rr, rr);
   painter.end();
   changed();

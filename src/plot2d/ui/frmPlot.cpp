@@ -21,6 +21,7 @@
 #include <tuple>
 
 #include "engine/PointEvaluation.h"
+#include "platform/CopyToClipboard.h"
 #include "platform/Dialogs.h"
 #include "platform/NumberText.h"
 #include "platform/PrinterPage.h"
@@ -98,8 +99,10 @@ float twips(int pixels, double dpi) { return static_cast<float>(pixels * 1440.0 
 
 }  // namespace
 
-frmPlot::Command::Command(frmPlot& window) : window_(window) {
-  if (window_.commandDepth_++ == 0) window_.shownErrors_.clear();
+frmPlot::Command::Command(frmPlot& window, bool quiet) : window_(window) {
+  if (window_.commandDepth_++ != 0) return;
+  window_.shownErrors_.clear();
+  window_.quietCommand_ = quiet;
 }
 
 frmPlot::Command::~Command() { --window_.commandDepth_; }
@@ -379,6 +382,9 @@ void frmPlot::buildControls() {
   layout->addLayout(middle, 1);
 
   connect(txtEquation, &QLineEdit::textChanged, this, &frmPlot::txtEquation_Change);
+  // Plot is the window's default button: Enter in the function's field draws it.
+  cmdPlot->setDefault(true);
+  connect(txtEquation, &QLineEdit::returnPressed, cmdPlot, &QPushButton::click);
   for (TextBox* box : {txtXlower, txtXupper, txtSubintervals, txtError, txtMaxcy})
     connect(box, &QLineEdit::textChanged, this, &frmPlot::ClearResults);
   connect(txtXlower, &TextBox::LostFocus, this, &frmPlot::txtXlower_LostFocus);
@@ -481,12 +487,13 @@ void frmPlot::Form_Load() {
 void frmPlot::ScriptControl1_Error(const RuntimeError& error) {
   lastScriptError_ = error.number();
   if (isSilencedError(error.number())) return;
-  // One box per command for the same error, not one per sampled point.
-  if (!shownErrors_.emplace(error.number(), error.description()).second) return;
-  dialogs_.MsgBox(error.description());
+  reportError(error);
 }
 
+// One box per command for the same error, not one per sampled point; none in a redraw
+// the user did not ask for.
 void frmPlot::reportError(const RuntimeError& error) {
+  if (quietCommand_) return;
   if (!shownErrors_.emplace(error.number(), error.description()).second) return;
   dialogs_.MsgBox(error.description());
 }
@@ -734,19 +741,23 @@ void frmPlot::PlotDriver() {
   plotted_ = true;
 }
 
-void frmPlot::Replot() {
+StudyGraph frmPlot::Replot() {
   plotting_ = true;
   Picture1->canvas().Cls();
   try {
     PlotDriver();
-  } catch (const RuntimeError& e) {
-    reportError(e);
+  } catch (const RuntimeError&) {
+    plotting_ = false;
+    throw;
   }
   plotting_ = false;
   afterLongWork();
+  return {plottedDerivative_, plottedSetup_};
 }
 
-void frmPlot::cmdPlot_Click() {
+void frmPlot::cmdPlot_Click() { plotCommand(false); }
+
+void frmPlot::plotCommand(bool redraw) {
   // A plot asked for while the window works (from the event pump) runs after it.
   if (working()) {
     plotQueued_ = true;
@@ -755,7 +766,8 @@ void frmPlot::cmdPlot_Click() {
   plotting_ = true;
   do {
     plotQueued_ = false;
-    Command command(*this);
+    // A plot asked for during a redraw is the user's own: its errors are shown.
+    Command command(*this, std::exchange(redraw, false));
     dialogs_.SetBusy(true);
     Canvas& picture = Picture1->canvas();
     picture.Cls();
@@ -837,7 +849,7 @@ void frmPlot::Picture1_Resized() {
   resizeReplotPending_ = true;
   QTimer::singleShot(0, this, [this] {
     resizeReplotPending_ = false;
-    if (graphDrawn_) cmdPlot_Click();
+    if (graphDrawn_) plotCommand(true);  // the formula's errors were shown when it was plotted
   });
 }
 
@@ -851,8 +863,13 @@ void frmPlot::exportTo(const std::string& name) {
   input.constants = constants_.entries();
   dialogs_.SetBusy(true);
   try {
-    exportStudy(name, input, results_, Picture1->canvas(), graphDrawn_, chkPersist->isChecked(),
-                [this] { Replot(); });
+    exportStudy(name, input, results_, Picture1->canvas(), graphDrawn_, chkPersist->isChecked(), [this] {
+      try {
+        Replot();
+      } catch (const RuntimeError& e) {
+        reportError(e);
+      }
+    });
     dialogs_.SetBusy(false);
   } catch (const RuntimeError& e) {
     dialogs_.SetBusy(false);
@@ -881,7 +898,6 @@ void frmPlot::mnuPrint_Click() {
   StudyReportInput input;
   input.graphDrawn = graphDrawn_;
   input.persist = chkPersist->isChecked();
-  input.derivative = plottedDerivative_;
   input.equation = texts.equation;
   input.constants = constants_.entries();
   input.subintervals = texts.subintervals;
@@ -891,9 +907,12 @@ void frmPlot::mnuPrint_Click() {
   try {
     input.xlower = leadingNumber(texts.xlower);
     input.xupper = leadingNumber(texts.xupper);
-    input.plotted = plotted_ ? plottedSetup_ : readPlotSetup(plotSetupTexts());
+    input.plotted = plotted_ ? StudyGraph{plottedDerivative_, plottedSetup_}
+                             : StudyGraph{0, readPlotSetup(plotSetupTexts())};
     EngineFunction f(ScriptControl1, sh, texts.equation);
-    printStudyReport(*page, input, results_, f, Picture1->canvas(), [this] { Replot(); });
+    // Without a persistent image the graph is drawn again from the fields as they are
+    // now; the title and setup lines follow that graph, not the previous one.
+    printStudyReport(*page, input, results_, f, Picture1->canvas(), [this] { return Replot(); });
     dialogs_.SetBusy(false);
   } catch (const RuntimeError& e) {
     dialogs_.SetBusy(false);
@@ -901,7 +920,7 @@ void frmPlot::mnuPrint_Click() {
   }
 }
 
-void frmPlot::mnuCopy_Click() { dialogs_.CopyPicture(Picture1->canvas()); }
+void frmPlot::mnuCopy_Click() { CopyToClipboard(dialogs_, Picture1->canvas()); }
 
 void frmPlot::mnuHelp_Click() { ShowHelpFile(dialogs_, workbench_.startDirectory, "flatrix.hlp"); }
 

@@ -14,6 +14,7 @@
 #include "engine/ExpressionEngine.h"
 #include "engine/UserConstants.h"
 #include "platform/StopCheck.h"
+#include "plot2d/StudyReport.h"
 #include "plot2d/StudyResults.h"
 #include "plot2d/StudySettings.h"
 #include "plot2d/Viewport.h"
@@ -102,10 +103,11 @@ class frmPlot : public QWidget {
 
  private:
   // Marks the run of one user command: the engine's message box appears at most once
-  // per command for the same error, however many points fail.
+  // per command for the same error, however many points fail. A quiet command (a
+  // redraw the user did not ask for) shows none.
   class Command {
    public:
-    explicit Command(frmPlot& window);
+    explicit Command(frmPlot& window, bool quiet = false);
     ~Command();
 
    private:
@@ -132,8 +134,12 @@ class frmPlot : public QWidget {
   PlotSetupTexts plotSetupTexts() const;
   // The plot driver: draws the whole graph on the picture (not cleared first).
   void PlotDriver();
-  // Clears the picture and draws the graph again (printing, export).
-  void Replot();
+  // Clears the picture and draws the graph again from the fields (printing, export);
+  // returns what it drew. A plot that cannot be set up is PlotDriver's RuntimeError.
+  StudyGraph Replot();
+  // cmdPlot_Click, or (redraw) the same plot drawn again for a new picture size,
+  // without the error boxes the user has already seen.
+  void plotCommand(bool redraw);
   void Zoom(int code);
   void moveWindow(const std::function<std::array<std::string, 4>()>& newWindow);
   void setWindowTexts(const std::array<std::string, 4>& texts);
@@ -150,6 +156,7 @@ class frmPlot : public QWidget {
   UserConstants constants_;
   int32_t lastScriptError_ = 0;
   int commandDepth_ = 0;
+  bool quietCommand_ = false;
   std::set<std::pair<int32_t, std::string>> shownErrors_;
 
   StudyResults results_;

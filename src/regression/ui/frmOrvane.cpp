@@ -295,6 +295,15 @@ void frmOrvane::cmdEditData_Click() {
   try {
     N = toInt32(parseStrict(txtN->text().toStdString()));
   } catch (const RuntimeError& error) {
+    // Until the fields before it are filled in, the number of data sets is not asked
+    // for: the focus goes to the first of them, as a refused field keeps it. After,
+    // the focus shows the field the box is about.
+    for (TextBox* earlier : {txtDepVarNam, txtVarNams})
+      if (earlier->isEnabled()) {
+        earlier->setFocus();
+        return;
+      }
+    txtN->setFocus();
     ShowRunTimeError(dialogs_, error);
     return;
   }

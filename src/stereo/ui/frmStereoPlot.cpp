@@ -11,6 +11,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTimer>
+#include <filesystem>
 
 #include "engine/PointEvaluation.h"
 #include "platform/CopyToClipboard.h"
@@ -86,6 +87,10 @@ void frmStereoPlot::Form_Load() {
   applyRepresentation();
 
   connect(cmdPlot, &QPushButton::clicked, this, &frmStereoPlot::cmdPlot_Click);
+  // Plot is the window's default button: Enter in a formula's field draws the surface.
+  cmdPlot->setDefault(true);
+  for (TextBox* formula : {txtEquationZ, txtEquationX, txtEquationY})
+    connect(formula, &QLineEdit::returnPressed, cmdPlot, &QPushButton::click);
   connect(cmdExit, &QPushButton::clicked, this, &frmStereoPlot::cmdExit_Click);
   connect(chkParametric, &QCheckBox::clicked, this, &frmStereoPlot::chkParametric_Click);
   connect(cmdAddCons, &QPushButton::clicked, this, &frmStereoPlot::cmdAddCons_Click);
@@ -233,6 +238,18 @@ void frmStereoPlot::ScriptControl1_Error(const RuntimeError& error) {
   dialogs_.MsgBox(error.description());
 }
 
+// A setting without a value (a mesh spacing beyond the single range, say) is reported
+// like an evaluation error, once per command, unless the engine's box has said it; the
+// plot goes on with the value the setting had.
+void frmStereoPlot::reportSettingError(int32_t number) {
+  if (number == 0 || number == err::AlreadyReported) return;
+  for (const auto& shown : errorsShown_)
+    if (shown.first == number) return;
+  const RuntimeError error(number);
+  errorsShown_.emplace(number, error.description());
+  dialogs_.MsgBox(error.description());
+}
+
 // ---- Fields ----
 
 // The text fields and the member of StereoFields each one holds.
@@ -365,7 +382,9 @@ void frmStereoPlot::plotOnce() {
   left.Cls();
   right.Cls();
   // Settings first, then the constants: the order the window has always had.
-  settings_ = ReadPlotSettings(readFields(), reader_, settings_).settings;
+  const SettingsRead read = ReadPlotSettings(readFields(), reader_, settings_);
+  settings_ = read.settings;
+  reportSettingError(read.error);
   for (const std::string& entry : constants_.entries()) {
     try {
       ScriptControl1.ExecuteStatement(entry);
@@ -463,6 +482,7 @@ void frmStereoPlot::exportTo(const std::string& path) {
       SaveStereoPictures(picture(0), picture(1), path, chkPersist->isChecked(), [this] { cmdPlot_Click(); });
     WriteStereoFile(path, read.settings, constants_.entries());
     fileName_ = path;
+    fileWrittenHere_ = true;
   } catch (const RuntimeError& e) {
     dialogs_.MsgBox(e.description(), mb::Critical);
   }
@@ -472,7 +492,8 @@ void frmStereoPlot::mnuSave_Click() {
   whenIdle([this] {
     std::string name = fileName_;
     if (name.empty()) name = dialogs_.SaveFileName("Export to Duplora", kExportFilter).value_or("");
-    if (!name.empty()) exportTo(name);
+    if (name.empty() || !replaceConfirmed(name)) return;
+    exportTo(name);
   });
 }
 
@@ -481,6 +502,15 @@ void frmStereoPlot::mnuSaveAs_Click() {
     const std::string name = dialogs_.SaveFileName("Export to Duplora As", kExportFilter, fileName_).value_or("");
     if (!name.empty()) exportTo(name);
   });
+}
+
+// The file named by an import was not written here: Export asks before replacing it
+// (and its two pictures), once.
+bool frmStereoPlot::replaceConfirmed(const std::string& path) {
+  std::error_code ignored;
+  if (fileWrittenHere_ || path != fileName_ || !std::filesystem::exists(path, ignored)) return true;
+  return dialogs_.MsgBox(path + "\rwas imported, not exported from this window.\rReplace it and its two pictures?",
+                         mb::YesNo + mb::Question, "Export to Duplora") == mb::Yes;
 }
 
 void frmStereoPlot::importFrom(const std::string& path) {
@@ -500,10 +530,12 @@ void frmStereoPlot::importFrom(const std::string& path) {
     }
   }
   showConstants(cboConstants->currentText());
-  if (result.status == ImportStatus::Malformed)
+  if (result.status == ImportStatus::Malformed) {
     dialogs_.MsgBox(result.message, mb::Exclamation);
-  else
-    fileName_ = path;
+    return;
+  }
+  fileName_ = path;
+  fileWrittenHere_ = false;
 }
 
 void frmStereoPlot::mnuOpen_Click() {

@@ -112,6 +112,7 @@ class frmStereoPlot : public QWidget {
   void connectFieldRules();
   void Form_Load();
   void ScriptControl1_Error(const RuntimeError& error);
+  void reportSettingError(int32_t number);
 
   using TextField = std::pair<TextBox*, std::string StereoFields::*>;
   std::vector<TextField> textFields() const;
@@ -127,6 +128,7 @@ class frmStereoPlot : public QWidget {
   void sizePictures(float reduce);
   SettingsRead readSettingsForOutput();
   void exportTo(const std::string& path);
+  bool replaceConfirmed(const std::string& path);
   void importFrom(const std::string& path);
   void ZoomView(int code);
   void stepField(StepTarget target, StepDirection direction);
@@ -152,6 +154,7 @@ class frmStereoPlot : public QWidget {
   PictureGeometry geometry_;
   bool drawn_ = false;
   std::string fileName_;
+  bool fileWrittenHere_ = false;  // fileName_ was written by an export of this window
 
   bool plotting_ = false;
   bool plotQueued_ = false;

@@ -38,6 +38,13 @@ class QImageCanvasTest : public QObject {
     QCOMPARE(image.pixel(99, 49), rgbOf(colors::Blue));
     QCOMPARE(image.pixel(50, 25), rgbOf(colors::Green));
     QCOMPARE(countPixels(image, colors::White), 100 * 50 - 3);
+    // The far corner itself, and a sliver inside it (a frame one twip in), are on the
+    // last pixel too: the whole scale is on the picture.
+    for (const float inset : {0.0f, 0.0067f}) {
+      canvas.PSet(5 - inset, -5 + inset, colors::Magenta);
+      QCOMPARE(image.pixel(99, 49), rgbOf(colors::Magenta));
+      canvas.PSet(5 - 0.1f, -5 + 0.2f, colors::Blue);
+    }
   }
 
   void linesBoxesAndCircles() {
@@ -76,10 +83,11 @@ class QImageCanvasTest : public QObject {
     canvas.Line(-1e30f, -5, -10, -5, colors::Red);
     canvas.Line(50, 40, 1e30f, 1e30f, colors::Red);
     canvas.PSet(-1, 10, colors::Red);
-    canvas.PSet(40, 10, colors::Red);
+    canvas.PSet(40.5f, 10, colors::Red);  // half a pixel beyond the far edge
     canvas.Circle(1e20f, 1e20f, 5, colors::Red);
     canvas.Circle(1e25f, 0, 1e30f, colors::Red);  // its outline passes far away
     canvas.Line(-1e30f, -1e30f, 1e30f, -1e30f, colors::Red, LineKind::FilledBox);
+    canvas.Line(45, 0, 1e30f, 30, colors::Red, LineKind::FilledBox);  // wholly right of it
     canvas.SetCurrentX(1e30f);
     canvas.Print("far away");
     QCOMPARE(canvas.image(), before);

@@ -206,6 +206,37 @@ class PlotWindowTest : public QObject {
     QCOMPARE(label("lblRoots"), QStringLiteral("0 roots"));
     QVERIFY(!window_->graphDrawn());
     QCOMPARE(image().pixelColor(300, 200).name(), QStringLiteral("#ffffff"));
+    QTest::keyClick(control<TextBox>("txtEquation"), Qt::Key_Return);  // Enter in f(x)= plots
+    QVERIFY(window_->graphDrawn());
+  }
+
+  // The frame's four edges on the picture's outermost pixels, at the opening size and
+  // at an odd one.
+  void frameEdgesAreAllOnThePicture() {
+    for (const QSize size : {QSize(600, 400), QSize(517, 333)}) {
+      control<PictureBox>("Picture1")->imageCanvas().resize(size.width(), size.height());
+      click("cmdPlot");
+      const int w = size.width(), h = size.height();
+      const struct {
+        const char* edge;
+        QPoint from, step;
+        int length;
+      } edges[] = {{"left", {0, 0}, {0, 1}, h},
+                   {"right", {w - 1, 0}, {0, 1}, h},
+                   {"top", {0, 0}, {1, 0}, w},
+                   {"bottom", {0, h - 1}, {1, 0}, w}};
+      for (const auto& e : edges) {
+        int yellow = 0;
+        for (int i = 0; i < e.length; ++i)
+          yellow += image().pixelColor(e.from + i * e.step) == QColor(Qt::yellow);
+        QVERIFY2(yellow > e.length * 9 / 10, qPrintable(QStringLiteral("%1 at %2 x %3: %4 of %5")
+                                                             .arg(e.edge)
+                                                             .arg(w)
+                                                             .arg(h)
+                                                             .arg(yellow)
+                                                             .arg(e.length)));
+      }
+    }
   }
 
   void valuePanelShowsValueOrStaysEmpty() {
@@ -370,9 +401,21 @@ class PlotWindowTest : public QObject {
     QVERIFY(second != page.lines().end());
     QCOMPARE(second->text, std::string("Plot of derivative # 1 "));
     QCOMPARE(image(), before);
+    // Fields changed since that plot: the page's graph, title and setup lines are all
+    // the graph drawn for it now.
+    control<QComboBox>("cboDerivative")->setCurrentIndex(2);
+    type("txtDivx", "0.5");
+    trigger("mnuPrint");
+    std::vector<std::string> third;
+    for (const PrintedLine& l : page.lines())
+      if (l.document == 2) third.push_back(l.text);
+    QVERIFY(!third.empty());
+    QCOMPARE(third.front(), std::string("Plot of derivative # 2 "));
+    QVERIFY(std::find(third.begin(), third.end(), "DIVISIONS: [ 0.5 , 2 ]") != third.end());
+    QVERIFY(image() != before);
     dialogs_->setCancelPrinting(true);  // cancelled: nothing printed
     trigger("mnuPrint");
-    QCOMPARE(page.endDocCount(), 2);
+    QCOMPARE(page.endDocCount(), 3);
   }
 
   void exportWritesFileAndBitmap() {
@@ -529,6 +572,19 @@ class PlotWindowTest : public QObject {
     QCOMPARE(image().size(), QSize(800, 500));
     QCOMPARE(picture().toPixelX(6), 800.0);  // the window's right edge at the picture's
     QCOMPARE(colourAt(3, 7.2f), QStringLiteral("#0000ff"));
+    // A formula's error is shown when it is plotted, not again at each redraw for a
+    // new size; a plot asked for again shows it again.
+    type("txtEquation", "Foo(x)+1");
+    click("cmdPlot");
+    QCOMPARE(messages().size(), 1);
+    for (int i = 1; i <= 3; ++i) {
+      const auto busyBefore = dialogs_->busyCalls().size();
+      window_->resize(window_->size() + QSize(10 * i, 0));
+      QTRY_COMPARE(dialogs_->busyCalls().size(), busyBefore + 2);
+    }
+    QCOMPARE(messages().size(), 1);
+    click("cmdPlot");
+    QCOMPARE(messages().size(), 2);
   }
 };
 

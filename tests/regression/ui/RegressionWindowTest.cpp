@@ -161,6 +161,20 @@ class RegressionWindowTest : public QObject {
     MainWindow three;  // three variables never offer a plot
     QVERIFY(three.enter(three.txtOrder, "3"));
     QVERIFY(!three.cmdPlot->isVisible());
+
+    // "Edit data" before the number of data sets: first the fields before it, silently,
+    // then the number itself, its field holding the focus when the box says why.
+    MainWindow early;
+    early.txtOrder->setFocus();
+    QTest::keyClicks(early.txtOrder, "1");
+    QTest::mouseClick(early.cmdEditData, Qt::LeftButton);
+    QVERIFY(early.dialogs.messages().empty());
+    QTRY_VERIFY(early.txtDepVarNam->hasFocus());
+    QVERIFY(early.enter(early.txtDepVarNam, "y") && early.enter(early.txtVarNams, "x"));
+    QTest::mouseClick(early.cmdEditData, Qt::LeftButton);
+    QCOMPARE(early.dialogs.messages().size(), size_t{1});
+    QCOMPARE(early.dialogs.messages().back().prompt, std::string("Type mismatch"));
+    QVERIFY(early.txtN->hasFocus() && early.window.editor() && !early.window.editor()->isVisible());
   }
 
   void typedDataIsFittedListedAndEvaluated() {

@@ -260,6 +260,17 @@ class StereoPlotTest : public QObject {
     QCOMPARE(f.messages().size(), 1);
     QCOMPARE(f.dialogs.beeps(), 1);
     QVERIFY(countPixels(f.image(1), kBlack) > 500);  // drawn with the window it had
+    // A spacing beyond the single range has no value either: said once per plot.
+    f.set("txtWindowgz", "1.5");
+    f.set("txtRangelxu", "-3e38");
+    f.set("txtRangegxu", "3e38");
+    f.click("cmdPlot");
+    QCOMPARE(f.messages(), QStringList({f.messages()[0], "Overflow"}));
+    QCOMPARE(f.dialogs.beeps(), 2);
+    // Enter in the formula's field plots (the window's default button).
+    QTest::keyClick(f.txt("txtEquationZ"), Qt::Key_Return);
+    QCOMPARE(f.dialogs.beeps(), 3);
+    QCOMPARE(f.messages().size(), 3);
   }
 
   // Leaving a field: refused entries keep the focus, inverted pairs send it to the other limit.
@@ -358,6 +369,32 @@ class StereoPlotTest : public QObject {
     auto* imported = g.find<QComboBox>("cboConstants");
     QCOMPARE(imported->count(), 1);
     QCOMPARE(imported->itemText(0), QString("k=2.37"));
+
+    // Export after the import: the file was not written by this window, so it asks
+    // before replacing it; No leaves the file and its pictures as they were.
+    g.set("txtGrid", "2");
+    g.click("cmdPlot");
+    const auto contents = [&] {
+      QStringList all;
+      for (const QString& name : {path, path + "_left.bmp", path + "_right.bmp"}) {
+        QFile in(name);
+        all << (in.open(QIODevice::ReadOnly) ? QString::fromLatin1(in.readAll().toBase64()) : QString());
+      }
+      return all;
+    };
+    const QStringList before = contents();
+    g.dialogs.queueMsgBox(mb::No);
+    g.trigger("mnuSave");
+    QCOMPARE(g.messages().size(), 1);
+    QVERIFY(g.messages()[0].contains(path) && g.messages()[0].endsWith("Replace it and its two pictures?"));
+    QVERIFY(contents() == before);
+    g.dialogs.queueMsgBox(mb::Yes);
+    g.trigger("mnuSave");
+    const QStringList after = contents();
+    for (int k = 0; k < 3; ++k) QVERIFY(!after[k].isEmpty() && after[k] != before[k]);
+    g.trigger("mnuSave");  // written here now: no more questions
+    QCOMPARE(g.messages().size(), 2);
+    QVERIFY(g.dialogs.fileDialogs().size() == 1);
   }
 
   void importRefusesOtherFiles_data() {
