@@ -414,8 +414,6 @@ void frmStereoPlot::plotOnce() {
     lblPlotStatus->setText(qs(kInterruptedText));
   else if (announcePlot_)
     dialogs_.Beep();
-  else
-    lblPlotStatus->setText(qs(kInterruptedText));
 }
 
 void frmStereoPlot::sizePictures(float reduce) {
