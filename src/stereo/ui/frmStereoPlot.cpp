@@ -20,8 +20,8 @@
 #include "platform/CopyToClipboard.h"
 #include "platform/Dialogs.h"
 #include "platform/PrinterPage.h"
-#include "platform/RuntimeError.h"
 #include "platform/NumberText.h"
+#include "platform/RuntimeError.h"
 #include "platform/StopCheck.h"
 #include "platform/ui/PictureBox.h"
 #include "platform/ui/TextBox.h"
@@ -460,8 +460,13 @@ void frmStereoPlot::composeAnaglyph() {
   picAnaglyph->imageCanvas().showImage(RedCyanAnaglyph(left, right));
 }
 
+Canvas* frmStereoPlot::anaglyphShown() {
+  return viewing_ == ViewingMode::Anaglyph ? &picAnaglyph->canvas() : nullptr;
+}
+
 Canvas& frmStereoPlot::shownPicture(int index) {
-  return viewing_ == ViewingMode::Anaglyph ? picAnaglyph->canvas() : picture(index);
+  Canvas* anaglyph = anaglyphShown();
+  return anaglyph != nullptr ? *anaglyph : picture(index);
 }
 
 // ---- The mouse on the pictures ----
@@ -516,7 +521,7 @@ void frmStereoPlot::pic_MouseMove(const QPointF& at) {
   if (moved.isNull()) return;
   dragFrom_ = at;
   dragAngles_ = DragRotation(dragAngles_, moved.x(), moved.y());
-  StereoFields f = readFields();
+  StereoFields f;
   ShowAngles(dragAngles_, f);
   txtXrot->setText(QString::fromStdString(f.xrot));
   txtYrot->setText(QString::fromStdString(f.yrot));
@@ -591,7 +596,7 @@ void frmStereoPlot::exportTo(const std::string& path) {
     const SettingsRead read = readSettingsForOutput();
     if (drawn_)
       SaveStereoPictures(picture(0), picture(1), path, chkPersist->isChecked(), [this] { cmdPlot_Click(); },
-                         viewing_ == ViewingMode::Anaglyph ? &picAnaglyph->canvas() : nullptr);
+                         anaglyphShown());
     WriteStereoFile(path, read.settings, constants_.entries());
     fileName_ = path;
   } catch (const RuntimeError& e) {
@@ -653,7 +658,7 @@ void frmStereoPlot::mnuPrint_Click() {
       const SettingsRead read = readSettingsForOutput();
       const ReportPictures pictures{picture(0), picture(1), drawn_, chkPersist->isChecked(),
                                     [this] { cmdPlot_Click(); },
-                                    viewing_ == ViewingMode::Anaglyph ? &picAnaglyph->canvas() : nullptr};
+                                    anaglyphShown()};
       PrintStereoReport(*page, readFields(), read.settings, constants_.entries(), &pictures);
     } catch (const RuntimeError& e) {
       dialogs_.MsgBox(e.description(), mb::Critical);

@@ -137,8 +137,10 @@ class frmStereoPlot : public QWidget {
   void applyViewingMode();
   void composeAnaglyph();
   // What the window shows at the place of picture 0 or 1 (the red-cyan picture for both
-  // in that mode): what is copied, printed and exported.
+  // in that mode): what is copied. The red-cyan picture, when shown, is also printed
+  // and exported.
   Canvas& shownPicture(int index);
+  Canvas* anaglyphShown();
 
   void pic_MouseDown(const QPointF& at);
   void pic_MouseMove(const QPointF& at);
