@@ -139,11 +139,12 @@ void frmStereoPlot::buildControls() {
     p->setToolTip(QString::fromUtf8(p == picAnaglyph ? kAnaglyphTip : kPairTip));
     p->installEventFilter(this);
   }
-  lblViewing = label("Viewing:", "lblViewing");
+  lblViewing = label("&Viewing:", "lblViewing");
   cboViewing = named(new QComboBox(), QStringLiteral("cboViewing"));
   for (std::string_view caption : kViewingModeCaptions)
     cboViewing->addItem(QString::fromUtf8(caption.data(), static_cast<qsizetype>(caption.size())));
   cboViewing->setToolTip(QStringLiteral("How the pair is shown, printed, exported and copied"));
+  lblViewing->setBuddy(cboViewing);
 
   // Zoom, pan and octants.
   cmdZoomIn = button("cmdZoomIn", "Zoom in");
