@@ -1,6 +1,9 @@
 // One whole stereo plot, as the Plot button draws it, into two 400 x 400 images: the
 // default surface with its mesh and 5,000 random dots, and the same with the mixed
 // derivative Zxy by the five-point formulas (16 evaluations of the formula per point).
+// Then what a drag on a picture does for each move of the pointer: one rotation step
+// written to the fields, the settings read again and both pictures redrawn (and, for
+// red-cyan viewing, the one picture composed from them).
 
 #include <benchmark/benchmark.h>
 
@@ -19,6 +22,7 @@
 #include "stereo/EngineSurface.h"
 #include "stereo/StereoRender.h"
 #include "stereo/StereoSettings.h"
+#include "stereo/ViewControls.h"
 
 namespace {
 
@@ -48,6 +52,14 @@ struct StereoWindow {
     const StereoPlot plot{settings, surface, uv, random, {}, true, &stop};
     DrawStereoPlot(left, right, plot);
   }
+
+  // One move of the pointer during a drag, a few pixels right and down.
+  void dragStep(StereoFields& fields, ViewAngles& angles) {
+    angles = DragRotation(angles, 3, 1);
+    ShowAngles(angles, fields);
+    settings = ReadPlotSettings(fields, reader, settings).settings;
+    plot();
+  }
 };
 
 StereoFields withDots(int xder, int yder) {
@@ -71,6 +83,24 @@ void plotZxyHigh(benchmark::State& state) {
   for (auto _ : state) w.plot();
 }
 
+void dragRedraw(benchmark::State& state) {
+  StereoFields fields = withDots(0, 0);
+  StereoWindow w(fields);
+  ViewAngles angles;
+  for (auto _ : state) w.dragStep(fields, angles);
+}
+
+void dragRedrawAnaglyph(benchmark::State& state) {
+  StereoFields fields = withDots(0, 0);
+  StereoWindow w(fields);
+  QImageCanvas anaglyph(400, 400, 96);
+  ViewAngles angles;
+  for (auto _ : state) {
+    w.dragStep(fields, angles);
+    anaglyph.showImage(RedCyanAnaglyph(w.left.image(), w.right.image()));
+  }
+}
+
 // A plot that drew nothing would be fast for the wrong reason.
 bool drawsTheSurface(const StereoFields& fields) {
   StereoWindow w(fields);
@@ -89,9 +119,11 @@ int main(int argc, char** argv) {
   if (!drawsTheSurface(withDots(0, 0)) || !drawsTheSurface(withDots(1, 1))) return 1;
   benchmark::RegisterBenchmark("plot_5000dots", plotDefault)->Unit(benchmark::kMillisecond);
   benchmark::RegisterBenchmark("plot_zxy_high_5000dots", plotZxyHigh)->Unit(benchmark::kMillisecond);
+  benchmark::RegisterBenchmark("drag_redraw", dragRedraw)->Unit(benchmark::kMillisecond);
+  benchmark::RegisterBenchmark("drag_redraw_anaglyph", dragRedrawAnaglyph)->Unit(benchmark::kMillisecond);
   const orvane::bench::FastestRuns runs =
       orvane::bench::RunBenchmarks(argc, argv, {"--benchmark_repetitions=5"});
-  for (const char* name : {"plot_5000dots", "plot_zxy_high_5000dots"})
+  for (const char* name : {"plot_5000dots", "plot_zxy_high_5000dots", "drag_redraw", "drag_redraw_anaglyph"})
     if (runs.has(name)) std::printf("figure stereo.%s %.2f ms\n", name, runs[name]);
   return 0;
 }

@@ -188,8 +188,11 @@ the window's fields (pi/2 is accepted); defaults are the window's.
   --accuracy high|med          partial-derivative formulas (default high)
   --data FILE [--csv]          mark the data sets of a problem with two variables
   --const NAME=EXPR            a user constant; may be repeated
+  --anaglyph                   also PREFIX_anaglyph.EXT, one picture for red-cyan
+                               glasses (red over the left eye)
   --export FILE                also write the settings and constants as the window's
                                export does, with FILE_left.bmp and FILE_right.bmp
+                               (and FILE_anaglyph.bmp with --anaglyph)
 )";
 
 // ---- shared helpers ----
@@ -670,7 +673,7 @@ int runStereo(const std::vector<std::string>& args, std::ostream& out, std::ostr
              {"stereo", 1},     {"reduce", 1},     {"size", 2},     {"lines", 0},      {"no-lines", 0},
              {"dots", 0},       {"no-dots", 0},    {"ndots", 1},    {"seed", 1},       {"background", 1},
              {"reference-lines", 1}, {"origin", 3}, {"div", 3},     {"derivative", 2}, {"accuracy", 1},
-             {"data", 1},       {"csv", 0},        {"const", 1, true}, {"export", 1}});
+             {"data", 1},       {"csv", 0},        {"const", 1, true}, {"export", 1}, {"anaglyph", 0}});
   if (o.has("help")) {
     out << kStereoHelp;
     return 0;
@@ -845,11 +848,15 @@ int runStereo(const std::vector<std::string>& args, std::ostream& out, std::ostr
   stopIfInterrupted();
 
   const char* qtFormat = format == "png" ? "PNG" : "BMP";
-  saveImages({{&left.image(), *prefix + "_left." + format}, {&right.image(), *prefix + "_right." + format}},
-             qtFormat);
+  QImageCanvas anaglyph(layout.width0, layout.height0);
+  if (o.has("anaglyph")) anaglyph.showImage(RedCyanAnaglyph(left.image(), right.image()));
+  std::vector<std::pair<const QImage*, std::string>> images = {{&left.image(), *prefix + "_left." + format},
+                                                               {&right.image(), *prefix + "_right." + format}};
+  if (o.has("anaglyph")) images.emplace_back(&anaglyph.image(), *prefix + "_anaglyph." + format);
+  saveImages(images, qtFormat);
   if (auto file = o.single("export")) {
     stopIfInterrupted();
-    SaveStereoPictures(left, right, *file, true, {});
+    SaveStereoPictures(left, right, *file, true, {}, o.has("anaglyph") ? &anaglyph : nullptr);
     WriteStereoFile(*file, s, window.constants().entries());
   }
   return 0;

@@ -279,17 +279,18 @@ void WriteStereoFile(const std::string& path, const StereoSettings& settings,
 }
 
 void SaveStereoPictures(Canvas& left, Canvas& right, const std::string& path, bool persist,
-                        const std::function<void()>& replot) {
+                        const std::function<void()>& replot, const Canvas* anaglyph) {
   if (!persist) {
     left.SetAutoRedraw(true);
     right.SetAutoRedraw(true);
     if (replot) replot();
   }
-  // Both pictures are written before either replaces a previous one.
+  // All pictures are written before any replaces a previous one.
   try {
     SafeSave save;
     save.Picture(path + "_left.bmp", left);
     save.Picture(path + "_right.bmp", right);
+    if (anaglyph != nullptr) save.Picture(path + "_anaglyph.bmp", *anaglyph);
     save.Commit();
   } catch (const SaveError& e) {
     if (!persist) {

@@ -27,13 +27,15 @@ std::string FormatStereoFile(const StereoSettings& settings, const std::vector<s
 void WriteStereoFile(const std::string& path, const StereoSettings& settings,
                      const std::vector<std::string>& constants);
 
-// Saves the two pictures as path + "_left.bmp" and path + "_right.bmp", each through a
-// temporary file renamed over the target once both are written. Without persistent
+// Saves the two pictures as path + "_left.bmp" and path + "_right.bmp", and the
+// red-cyan picture when one is given as path + "_anaglyph.bmp", each through a
+// temporary file renamed over the target once all are written. Without persistent
 // images (`persist` false) the pictures are switched to persistent, redrawn by
-// `replot`, saved, and switched back. RuntimeError 75 when a bitmap cannot be written;
-// the previous bitmaps are then left as they were.
+// `replot` (which composes the red-cyan picture again), saved, and switched back.
+// RuntimeError 75 when a bitmap cannot be written; the previous bitmaps are then left
+// as they were.
 void SaveStereoPictures(Canvas& left, Canvas& right, const std::string& path, bool persist,
-                        const std::function<void()>& replot);
+                        const std::function<void()>& replot, const Canvas* anaglyph = nullptr);
 
 enum class ImportStatus {
   Ok,            // every setting and constant read

@@ -40,11 +40,17 @@ void paintPictures(PrinterPage& page, const ReportPictures& p) {
     if (p.replot) p.replot();
   }
   const double top = page.CurrentY();
-  const double leftWidth = p.left.pixelWidth() * kTwipsPerPixel;
-  page.PaintPicture(p.left, kRightPictureLeft - kPictureGap - leftWidth, top, leftWidth,
-                    p.left.pixelHeight() * kTwipsPerPixel);
-  page.PaintPicture(p.right, kRightPictureLeft, top, p.right.pixelWidth() * kTwipsPerPixel,
-                    p.right.pixelHeight() * kTwipsPerPixel);
+  if (p.single != nullptr) {
+    const double width = p.single->pixelWidth() * kTwipsPerPixel;
+    page.PaintPicture(*p.single, kRightPictureLeft - kPictureGap / 2 - width / 2, top, width,
+                      p.single->pixelHeight() * kTwipsPerPixel);
+  } else {
+    const double leftWidth = p.left.pixelWidth() * kTwipsPerPixel;
+    page.PaintPicture(p.left, kRightPictureLeft - kPictureGap - leftWidth, top, leftWidth,
+                      p.left.pixelHeight() * kTwipsPerPixel);
+    page.PaintPicture(p.right, kRightPictureLeft, top, p.right.pixelWidth() * kTwipsPerPixel,
+                      p.right.pixelHeight() * kTwipsPerPixel);
+  }
   if (!p.persist) {
     p.left.SetAutoRedraw(false);
     p.right.SetAutoRedraw(false);

@@ -29,13 +29,16 @@ std::vector<std::string> StereoReportLines(const StereoFields& fields, const Ste
                                            std::span<const std::string> constants);
 
 // The pictures to print: both are painted when `drawn`; without persistent images they
-// are made persistent, redrawn by `replot`, painted and switched back.
+// are made persistent, redrawn by `replot`, painted and switched back. With `single`
+// (the red-cyan picture, composed by `replot`) that one picture is painted instead of
+// the pair, centred where the pair meets.
 struct ReportPictures {
   Canvas& left;
   Canvas& right;
   bool drawn = true;
   bool persist = true;
   std::function<void()> replot;
+  const Canvas* single = nullptr;
 };
 
 // Prints the whole report in "Courier New" and ends the document; the page's font is

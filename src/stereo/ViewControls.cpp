@@ -1,5 +1,6 @@
 #include "stereo/ViewControls.h"
 
+#include <array>
 #include <cmath>
 #include <limits>
 
@@ -51,6 +52,74 @@ void shift(StepDirection direction, const std::string& stepText, std::string& fi
   const double v = direction == StepDirection::Inc ? leadingNumber(field) + step : leadingNumber(field) - step;
   if (std::isfinite(v)) field = formatGeneral(v);
 }
+
+// Rotation matrices acting on column vectors (x, y, z), with the signs of RotatePoint:
+// a positive angle about x turns +y towards +z, about y +z towards +x, about z +x
+// towards +y.
+using Matrix = std::array<std::array<double, 3>, 3>;
+
+constexpr double kRadiansPerDegree = 3.14159265358979323846 / 180;
+
+Matrix product(const Matrix& a, const Matrix& b) {
+  Matrix m{};
+  for (int i = 0; i < 3; ++i)
+    for (int j = 0; j < 3; ++j)
+      for (int k = 0; k < 3; ++k) m[i][j] += a[i][k] * b[k][j];
+  return m;
+}
+
+Matrix aboutX(double degrees) {
+  const double c = std::cos(degrees * kRadiansPerDegree), s = std::sin(degrees * kRadiansPerDegree);
+  return {{{1, 0, 0}, {0, c, -s}, {0, s, c}}};
+}
+Matrix aboutY(double degrees) {
+  const double c = std::cos(degrees * kRadiansPerDegree), s = std::sin(degrees * kRadiansPerDegree);
+  return {{{c, 0, s}, {0, 1, 0}, {-s, 0, c}}};
+}
+Matrix aboutZ(double degrees) {
+  const double c = std::cos(degrees * kRadiansPerDegree), s = std::sin(degrees * kRadiansPerDegree);
+  return {{{c, -s, 0}, {s, c, 0}, {0, 0, 1}}};
+}
+
+// RotatePoint turns about x first, then y, then z.
+Matrix orientation(const ViewAngles& a) { return product(aboutZ(a.z), product(aboutY(a.y), aboutX(a.x))); }
+
+// The angle equivalent to `degrees` (modulo 360) nearest to `near`.
+double nearestTurn(double degrees, double near) { return near + std::remainder(degrees - near, 360.0); }
+
+double distance(const ViewAngles& a, const ViewAngles& b) {
+  return std::fabs(a.x - b.x) + std::fabs(a.y - b.y) + std::fabs(a.z - b.z);
+}
+
+// The angles of an orientation, of the two equivalent triples the one nearest to `near`.
+ViewAngles anglesOf(const Matrix& r, const ViewAngles& near) {
+  constexpr double kDegrees = 1 / kRadiansPerDegree;
+  const double cosY = std::hypot(r[0][0], r[1][0]);
+  ViewAngles first;
+  first.y = std::atan2(-r[2][0], cosY) * kDegrees;
+  if (cosY > 1e-9) {
+    first.x = std::atan2(r[2][1], r[2][2]) * kDegrees;
+    first.z = std::atan2(r[1][0], r[0][0]) * kDegrees;
+  } else {
+    // Turned a quarter about y: only x - z (or x + z) is fixed; x stays as it was.
+    first.x = near.x;
+    first.z = r[2][0] < 0 ? near.x - std::atan2(r[0][1], r[1][1]) * kDegrees
+                          : std::atan2(-r[0][1], r[1][1]) * kDegrees - near.x;
+  }
+  const ViewAngles second{first.x + 180, 180 - first.y, first.z + 180};
+  ViewAngles best;
+  double bestDistance = std::numeric_limits<double>::infinity();
+  for (const ViewAngles& a : {first, second}) {
+    const ViewAngles t{nearestTurn(a.x, near.x), nearestTurn(a.y, near.y), nearestTurn(a.z, near.z)};
+    if (distance(t, near) < bestDistance) {
+      best = t;
+      bestDistance = distance(t, near);
+    }
+  }
+  return best;
+}
+
+double hundredths(double degrees) { return std::round(degrees * 100) / 100; }
 
 }  // namespace
 
@@ -114,6 +183,21 @@ void StepField(StepTarget target, StepDirection d, StereoFields& f) {
     case StepTarget::TranY: shift(d, f.stepTranY, f.ytr); break;
     case StepTarget::TranZ: shift(d, f.stepTranZ, f.ztr); break;
   }
+}
+
+ViewAngles DragRotation(const ViewAngles& from, double dx, double dy) {
+  if (!std::isfinite(from.x) || !std::isfinite(from.y) || !std::isfinite(from.z)) return from;
+  // Pulled sideways, the front (low x) follows the pointer: a negative turn about z;
+  // pulled down, the top comes forward: a negative turn about y.
+  const Matrix turn = product(aboutY(-dy * kDragDegreesPerPixel), aboutZ(-dx * kDragDegreesPerPixel));
+  const ViewAngles to = anglesOf(product(turn, orientation(from)), from);
+  return {hundredths(to.x), hundredths(to.y), hundredths(to.z)};
+}
+
+void ShowAngles(const ViewAngles& angles, StereoFields& fields) {
+  fields.xrot = formatGeneral(angles.x);
+  fields.yrot = formatGeneral(angles.y);
+  fields.zrot = formatGeneral(angles.z);
 }
 
 }  // namespace orvane

@@ -146,6 +146,16 @@ TEST_F(BatchPictures, StereoSizesBackgroundAndImportRoundTrip) {
   EXPECT_TRUE(samePixels(fl, fr));
   EXPECT_EQ(QColor(fl.pixel(30, 30)), QColor(Qt::black));
 
+  // --anaglyph: a third picture, of the pair's size, red and cyan where the two differ.
+  const BatchRun red = runBatch({"stereo", "--out", path("r"), "--reduce", "0.5", "--anaglyph", "x*y"});
+  ASSERT_EQ(red.status, 0) << red.err;
+  const QImage ra(QString::fromStdString(path("r_anaglyph.png")));
+  ASSERT_EQ(ra.size(), QSize(200, 200));
+  int parallax = 0;
+  for (int y = 0; y < ra.height(); ++y)
+    for (int x = 0; x < ra.width(); ++x) parallax += qRed(ra.pixel(x, y)) != qGreen(ra.pixel(x, y));
+  EXPECT_GT(parallax, 50);
+
   // Exported settings and constants, imported again, draw the same pictures.
   const std::string exported = path("surface.stereo");
   const BatchRun first = runBatch({"stereo", "--out", path("a"), "--const", "k=2", "--parametric", "u*Cos(v)",

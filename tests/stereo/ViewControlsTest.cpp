@@ -4,6 +4,7 @@
 #include <string>
 
 #include "stereo/ViewControls.h"
+#include "stereo/ViewTransform.h"
 
 namespace orvane {
 namespace {
@@ -94,6 +95,64 @@ TEST(StepField, IncrementAndDecrementButtons) {
     if (r.target != StepTarget::WindX) {
       EXPECT_EQ(f.windowlx, "-2.5");  // nothing else moves
     }
+  }
+}
+
+// Where RotatePoint, the drawing's own arithmetic, puts a point for these angles.
+Point3 turned(const ViewAngles& a, Point3 p) {
+  StereoSettings s;
+  s.xrot = static_cast<float>(a.x), s.yrot = static_cast<float>(a.y), s.zrot = static_cast<float>(a.z);
+  RotatePoint(MakeViewTransform(s), p);
+  return p;
+}
+
+TEST(DragRotation, TurnsAboutTheScreenAxesWhateverTheAnglesBefore) {
+  struct Row {
+    ViewAngles from;
+    double dx, dy;
+  };
+  const Row rows[] = {{{0, 0, 0}, 20, 0},   {{0, 0, 0}, 0, 10},    {{0, 0, 90}, 0, 30},  {{30, 20, 40}, -14, 8},
+                      {{10, 80, -30}, 6, -24}, {{0, 89, 0}, 0, 8}, {{-45, 0, 135}, 40, 40}};
+  for (const Row& r : rows) {
+    const ViewAngles to = DragRotation(r.from, r.dx, r.dy);
+    for (const Point3 p : {Point3{1, 0, 0}, Point3{0, 1, 0}, Point3{0, 0, 1}, Point3{0.3f, -0.8f, 0.5f}}) {
+      const Point3 before = turned(r.from, p), after = turned(to, p);
+      // Sideways drags keep the height of every point, up-and-down drags its place
+      // across the screen.
+      if (r.dy == 0) {
+        EXPECT_NEAR(after.z, before.z, 1e-3) << r.from.z;
+      }
+      if (r.dx == 0) {
+        EXPECT_NEAR(after.y, before.y, 1e-3) << r.from.z;
+      }
+    }
+    // Pulled right, the front (low x) moves right; pulled down, the top comes forward.
+    const Point3 front0 = turned(r.from, {-1, 0, 0}), front1 = turned(to, {-1, 0, 0});
+    const Point3 top0 = turned(r.from, {0, 0, 1}), top1 = turned(to, {0, 0, 1});
+    if (r.dy == 0 && front0.z < 0.9f) {
+      EXPECT_EQ(front1.y > front0.y, r.dx > 0);
+    }
+    if (r.dx == 0 && top0.y * top0.y < 0.8f) {
+      EXPECT_EQ(top1.x < top0.x, r.dy > 0);
+    }
+  }
+}
+
+TEST(DragRotation, FieldsChangeByTheDragAlone) {
+  const std::pair<ViewAngles, std::array<std::string, 3>> rows[] = {
+      {DragRotation({0, 0, 0}, 20, 0), {"0", "0", "-10"}},
+      {DragRotation({0, 0, 0}, 0, 10), {"0", "-5", "0"}},
+      {DragRotation({30, 20, 40}, -7, 0), {"30", "20", "43.5"}},
+      {DragRotation({30, 20, 0}, 0, 3), {"30", "18.5", "0"}},
+      // Past a quarter turn about y the angles go on instead of jumping to the other triple.
+      {DragRotation({0, -88, 0}, 0, 10), {"0", "-93", "0"}},
+      {DragRotation({0, 0, 179}, -4, 0), {"0", "0", "181"}},
+      {DragRotation({12.34, 0, 0}, 0, 0), {"12.34", "0", "0"}},
+  };
+  for (const auto& [angles, expected] : rows) {
+    StereoFields f;
+    ShowAngles(angles, f);
+    EXPECT_EQ((std::array<std::string, 3>{f.xrot, f.yrot, f.zrot}), expected);
   }
 }
 

@@ -93,6 +93,30 @@ QColor QImageCanvas::toQColor(Color c) {
                 static_cast<int>((c >> 16) & 0xFF));
 }
 
+void QImageCanvas::showImage(const QImage& image) {
+  image_ = image.convertToFormat(QImage::Format_RGB32);
+  const int dotsPerMeter = static_cast<int>(std::lround(dpi_ / 0.0254));
+  image_.setDotsPerMeterX(dotsPerMeter);
+  image_.setDotsPerMeterY(dotsPerMeter);
+  changed();
+}
+
+QImage RedCyanAnaglyph(const QImage& left, const QImage& right) {
+  const QImage l = left.convertToFormat(QImage::Format_RGB32), r = right.convertToFormat(QImage::Format_RGB32);
+  const int width = std::min(l.width(), r.width()), height = std::min(l.height(), r.height());
+  QImage out(width, height, QImage::Format_RGB32);
+  for (int y = 0; y < height; ++y) {
+    const auto* from = reinterpret_cast<const QRgb*>(l.constScanLine(y));
+    const auto* other = reinterpret_cast<const QRgb*>(r.constScanLine(y));
+    auto* to = reinterpret_cast<QRgb*>(out.scanLine(y));
+    for (int x = 0; x < width; ++x) {
+      const int cyan = qGray(other[x]);
+      to[x] = qRgb(qGray(from[x]), cyan, cyan);
+    }
+  }
+  return out;
+}
+
 void QImageCanvas::resize(int widthPx, int heightPx, bool keepPixels) {
   widthPx = std::max(widthPx, 1);
   heightPx = std::max(heightPx, 1);

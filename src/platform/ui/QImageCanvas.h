@@ -29,6 +29,9 @@ class QImageCanvas : public Canvas {
   // with keepPixels the old image is kept at the top-left corner.
   void resize(int widthPx, int heightPx, bool keepPixels = false);
 
+  // Shows the pixels of `image` (the surface takes its size); the drawing state stays.
+  void showImage(const QImage& image);
+
   // Called after every change of the pixels (a widget showing the image repaints).
   void setChangedCallback(std::function<void()> callback) { changed_ = std::move(callback); }
 
@@ -60,5 +63,10 @@ class QImageCanvas : public Canvas {
   double dpi_;
   std::function<void()> changed_;
 };
+
+// One picture of a stereo pair for red-cyan glasses (red over the left eye): the left
+// picture's grey level in red, the right picture's in green and blue. The pictures have
+// the same size; where they do not, the result covers the part they share.
+QImage RedCyanAnaglyph(const QImage& left, const QImage& right);
 
 }  // namespace orvane

@@ -8,15 +8,20 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTimer>
 #include <filesystem>
+#include <QWheelEvent>
+#include <algorithm>
+#include <cstdlib>
 
 #include "engine/PointEvaluation.h"
 #include "platform/CopyToClipboard.h"
 #include "platform/Dialogs.h"
 #include "platform/PrinterPage.h"
+#include "platform/NumberText.h"
 #include "platform/RuntimeError.h"
 #include "platform/StopCheck.h"
 #include "platform/ui/PictureBox.h"
@@ -103,6 +108,7 @@ void frmStereoPlot::Form_Load() {
   connect(mnuCopyLeft, &QAction::triggered, this, &frmStereoPlot::mnuCopyLeft_Click);
   connect(mnuCopyRight, &QAction::triggered, this, &frmStereoPlot::mnuCopyRight_Click);
   connect(mnuHelp, &QAction::triggered, this, &frmStereoPlot::mnuHelp_Click);
+  connect(cboViewing, &QComboBox::currentIndexChanged, this, &frmStereoPlot::cboViewing_Click);
 
   const std::pair<QPushButton*, int> zooms[] = {
       {cmdZoomOut, kZoomOut},     {cmdZoomIn, kZoomIn},       {cmdPanRight, kPanRight}, {cmdPanUp, kPanUp},
@@ -349,20 +355,27 @@ void frmStereoPlot::cmdRemCons_Click() {
 
 // ---- Plot ----
 
-void frmStereoPlot::cmdPlot_Click() {
-  // A plot command arriving while the window draws (it yields to events) is run after.
+void frmStereoPlot::cmdPlot_Click() { runPlot(true); }
+
+void frmStereoPlot::runPlot(bool announce) {
+  // A plot asked for while the window draws (it yields to events) is run after.
   if (plotting_) {
     plotQueued_ = true;
+    if (announce && !announcePlot_) {
+      announcePlot_ = true;
+      dialogs_.SetBusy(true);
+    }
     return;
   }
   Command command(*this);
   plotting_ = true;
-  dialogs_.SetBusy(true);
+  announcePlot_ = announce;
+  if (announcePlot_) dialogs_.SetBusy(true);
   do {
     plotQueued_ = false;
     plotOnce();
   } while (plotQueued_ && !closePending_ && !stopRequested_);
-  dialogs_.SetBusy(false);
+  if (announcePlot_) dialogs_.SetBusy(false);
   plotting_ = false;
   plotQueued_ = false;  // what Esc stopped is not drawn again
 
@@ -377,8 +390,11 @@ void frmStereoPlot::cmdPlot_Click() {
 }
 
 void frmStereoPlot::plotOnce() {
-  Canvas& left = picture(0);
-  Canvas& right = picture(1);
+  // Crossed viewing: the left eye's picture goes to the right and the right eye's to
+  // the left, so that the same end comes forward as in parallel viewing.
+  eyesSwapped_ = viewing_ == ViewingMode::Crossed;
+  Canvas& left = picture(eyesSwapped_ ? 1 : 0);
+  Canvas& right = picture(eyesSwapped_ ? 0 : 1);
   left.Cls();
   right.Cls();
   // Settings first, then the constants: the order the window has always had.
@@ -405,16 +421,18 @@ void frmStereoPlot::plotOnce() {
                           [&problem](int32_t row, int32_t column) { return problem.X(column, row); });
   // Every 20 ms of drawing the window's events run, and Esc or the close box stop it.
   StopCheck stop([this] {
+    composeAnaglyph();
     dialogs_.DoEvents();
     return stopRequested_;
   });
   const StereoPlot plot{settings_, surface_, uv_, random_, marks, workbench_.fitted, &stop};
   const bool finished = DrawStereoPlot(left, right, plot);
+  composeAnaglyph();
   drawn_ = true;
-  if (finished)
-    dialogs_.Beep();
-  else
+  if (!finished)
     lblPlotStatus->setText(qs(kInterruptedText));
+  else if (announcePlot_)
+    dialogs_.Beep();
 }
 
 void frmStereoPlot::sizePictures(float reduce) {
@@ -424,6 +442,123 @@ void frmStereoPlot::sizePictures(float reduce) {
   pic[0]->setGeometry(layout.left0, 0, layout.width0, layout.height0);
   pic[1]->setFixedCanvasSize(layout.width1, layout.height1);
   pic[1]->setGeometry(rightLeft, 0, layout.width1, layout.height1);
+  picAnaglyph->setFixedCanvasSize(layout.width0, layout.height0);
+  picAnaglyph->setGeometry((picFrame->width() - layout.width0) / 2, 0, layout.width0, layout.height0);
+}
+
+// ---- Viewing modes ----
+
+void frmStereoPlot::cboViewing_Click() {
+  viewing_ = static_cast<ViewingMode>(std::clamp(cboViewing->currentIndex(), 0, 2));
+  applyViewingMode();
+}
+
+void frmStereoPlot::applyViewingMode() {
+  const bool anaglyph = viewing_ == ViewingMode::Anaglyph;
+  pic[0]->setVisible(!anaglyph);
+  pic[1]->setVisible(!anaglyph);
+  picAnaglyph->setVisible(anaglyph);
+  // A plot being drawn keeps its pictures; the pair is drawn again for the new mode.
+  if (plotting_) {
+    plotQueued_ = true;
+    return;
+  }
+  if (eyesSwapped_ != (viewing_ == ViewingMode::Crossed)) {
+    const QImage first = pic[0]->imageCanvas().image();
+    pic[0]->imageCanvas().showImage(pic[1]->imageCanvas().image());
+    pic[1]->imageCanvas().showImage(first);
+    eyesSwapped_ = !eyesSwapped_;
+  }
+  composeAnaglyph();
+}
+
+void frmStereoPlot::composeAnaglyph() {
+  if (viewing_ != ViewingMode::Anaglyph) return;
+  const QImage& left = pic[eyesSwapped_ ? 1 : 0]->imageCanvas().image();
+  const QImage& right = pic[eyesSwapped_ ? 0 : 1]->imageCanvas().image();
+  picAnaglyph->imageCanvas().showImage(RedCyanAnaglyph(left, right));
+}
+
+Canvas* frmStereoPlot::anaglyphShown() {
+  return viewing_ == ViewingMode::Anaglyph ? &picAnaglyph->canvas() : nullptr;
+}
+
+Canvas& frmStereoPlot::shownPicture(int index) {
+  Canvas* anaglyph = anaglyphShown();
+  return anaglyph != nullptr ? *anaglyph : picture(index);
+}
+
+// ---- The mouse on the pictures ----
+
+bool frmStereoPlot::eventFilter(QObject* watched, QEvent* event) {
+  if (watched != pic[0] && watched != pic[1] && watched != picAnaglyph) return QWidget::eventFilter(watched, event);
+  switch (event->type()) {
+    case QEvent::MouseButtonPress: {
+      auto* mouse = static_cast<QMouseEvent*>(event);
+      if (mouse->button() != Qt::LeftButton) return false;
+      pic_MouseDown(mouse->globalPosition());
+      return true;
+    }
+    case QEvent::MouseMove: {
+      auto* mouse = static_cast<QMouseEvent*>(event);
+      if (!(mouse->buttons() & Qt::LeftButton)) {
+        pic_MouseUp();  // a release that went elsewhere (a message box took it)
+        return false;
+      }
+      pic_MouseMove(mouse->globalPosition());
+      return true;
+    }
+    case QEvent::MouseButtonRelease:
+      if (static_cast<QMouseEvent*>(event)->button() != Qt::LeftButton) return false;
+      pic_MouseUp();
+      return true;
+    case QEvent::Wheel:
+      pic_MouseWheel(static_cast<QWheelEvent*>(event)->angleDelta().y());
+      return true;
+    default:
+      return false;
+  }
+}
+
+void frmStereoPlot::pic_MouseDown(const QPointF& at) {
+  // One command for the whole drag: a field without value is reported once.
+  dragCommand_ = std::make_unique<Command>(*this);
+  dragFrom_ = at;
+  auto angle = [this](const TextBox* box) {
+    try {
+      return reader_.evalSetting(text(box));
+    } catch (const RuntimeError&) {
+      return leadingNumber(text(box));
+    }
+  };
+  dragAngles_ = {angle(txtXrot), angle(txtYrot), angle(txtZrot)};
+}
+
+void frmStereoPlot::pic_MouseMove(const QPointF& at) {
+  if (!dragCommand_) return;
+  const QPointF moved = at - dragFrom_;
+  if (moved.isNull()) return;
+  dragFrom_ = at;
+  dragAngles_ = DragRotation(dragAngles_, moved.x(), moved.y());
+  StereoFields f;
+  ShowAngles(dragAngles_, f);
+  txtXrot->setText(QString::fromStdString(f.xrot));
+  txtYrot->setText(QString::fromStdString(f.yrot));
+  txtZrot->setText(QString::fromStdString(f.zrot));
+  runPlot(false);
+}
+
+void frmStereoPlot::pic_MouseUp() { dragCommand_.reset(); }
+
+void frmStereoPlot::pic_MouseWheel(int angleDelta) {
+  // One notch is 120; finer wheels add up to it.
+  constexpr int kNotch = 120;
+  wheelDelta_ += angleDelta;
+  while (std::abs(wheelDelta_) >= kNotch) {
+    const bool in = wheelDelta_ > 0;
+    wheelDelta_ -= in ? kNotch : -kNotch;
+    ZoomView(in ? kZoomIn : kZoomOut);
+  }
 }
 
 void frmStereoPlot::whenIdle(std::function<void()> action) {
@@ -479,7 +614,8 @@ void frmStereoPlot::exportTo(const std::string& path) {
   try {
     const SettingsRead read = readSettingsForOutput();
     if (drawn_)
-      SaveStereoPictures(picture(0), picture(1), path, chkPersist->isChecked(), [this] { cmdPlot_Click(); });
+      SaveStereoPictures(picture(0), picture(1), path, chkPersist->isChecked(), [this] { cmdPlot_Click(); },
+                         anaglyphShown());
     WriteStereoFile(path, read.settings, constants_.entries());
     fileName_ = path;
     fileWrittenHere_ = true;
@@ -553,7 +689,8 @@ void frmStereoPlot::mnuPrint_Click() {
     try {
       const SettingsRead read = readSettingsForOutput();
       const ReportPictures pictures{picture(0), picture(1), drawn_, chkPersist->isChecked(),
-                                    [this] { cmdPlot_Click(); }};
+                                    [this] { cmdPlot_Click(); },
+                                    anaglyphShown()};
       PrintStereoReport(*page, readFields(), read.settings, constants_.entries(), &pictures);
     } catch (const RuntimeError& e) {
       dialogs_.MsgBox(e.description(), mb::Critical);
@@ -561,9 +698,9 @@ void frmStereoPlot::mnuPrint_Click() {
   });
 }
 
-void frmStereoPlot::mnuCopyLeft_Click() { CopyToClipboard(dialogs_, picture(0)); }
+void frmStereoPlot::mnuCopyLeft_Click() { CopyToClipboard(dialogs_, shownPicture(0)); }
 
-void frmStereoPlot::mnuCopyRight_Click() { CopyToClipboard(dialogs_, picture(1)); }
+void frmStereoPlot::mnuCopyRight_Click() { CopyToClipboard(dialogs_, shownPicture(1)); }
 
 void frmStereoPlot::mnuHelp_Click() { ShowHelpFile(dialogs_, workbench_.startDirectory, "deptrix.hlp"); }
 

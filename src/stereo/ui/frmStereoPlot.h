@@ -1,11 +1,14 @@
 #pragma once
 // The stereo window: a surface z(x,y) (or x(u,v), y(u,v), z(u,v)) drawn as a pair of
 // pictures, left and right, to be fused by the viewer; with the view controls, the
-// partial-derivative surfaces, user constants, export, import, printing and copying.
+// partial-derivative surfaces, user constants, export, import, printing and copying;
+// shown side by side, swapped for cross-eyed viewing, or as one red-cyan picture.
 
+#include <QPointF>
 #include <QWidget>
 #include <array>
 #include <functional>
+#include <memory>
 #include <set>
 #include <string>
 #include <utility>
@@ -66,6 +69,8 @@ class frmStereoPlot : public QWidget {
  protected:
   void closeEvent(QCloseEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  // The mouse on the pictures: a left-button drag turns the view, the wheel zooms.
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private slots:
   void cmdPlot_Click();
@@ -80,6 +85,7 @@ class frmStereoPlot : public QWidget {
   void mnuCopyLeft_Click();
   void mnuCopyRight_Click();
   void mnuHelp_Click();
+  void cboViewing_Click();
   void txtRangelxu_LostFocus();
   void txtRangegxu_LostFocus();
   void txtRangelyv_LostFocus();
@@ -123,9 +129,24 @@ class frmStereoPlot : public QWidget {
 
   // Runs `action` now, or after the plot being drawn ends.
   void whenIdle(std::function<void()> action);
-  // One drawing of the pair; cmdPlot_Click runs it again when a plot was asked for meanwhile.
+  // Draws the pair, and again while plots were asked for meanwhile; `announce` (the
+  // Plot command, not a drag) shows the busy pointer and beeps at the end.
+  void runPlot(bool announce);
   void plotOnce();
   void sizePictures(float reduce);
+  // Shows the pictures the viewing mode asks for, swapping or composing those drawn.
+  void applyViewingMode();
+  void composeAnaglyph();
+  // What the window shows at the place of picture 0 or 1 (the red-cyan picture for both
+  // in that mode): what is copied. The red-cyan picture, when shown, is also printed
+  // and exported.
+  Canvas& shownPicture(int index);
+  Canvas* anaglyphShown();
+
+  void pic_MouseDown(const QPointF& at);
+  void pic_MouseMove(const QPointF& at);
+  void pic_MouseUp();
+  void pic_MouseWheel(int angleDelta);
   SettingsRead readSettingsForOutput();
   void exportTo(const std::string& path);
   bool replaceConfirmed(const std::string& path);
@@ -158,16 +179,29 @@ class frmStereoPlot : public QWidget {
 
   bool plotting_ = false;
   bool plotQueued_ = false;
+  bool announcePlot_ = false;  // the plots being drawn include a Plot command
   bool closePending_ = false;
   bool stopRequested_ = false;  // Esc or the close box during a plot
   std::vector<std::function<void()>> afterPlot_;
   int commandDepth_ = 0;
   std::set<std::pair<int32_t, std::string>> errorsShown_;
 
+  ViewingMode viewing_ = ViewingMode::Parallel;
+  bool eyesSwapped_ = false;  // picture 0 holds the right eye's picture (crossed viewing)
+  // A drag on a picture: one command from press to release, the angles it has reached
+  // and where the pointer was last (screen pixels).
+  std::unique_ptr<Command> dragCommand_;
+  ViewAngles dragAngles_;
+  QPointF dragFrom_;
+  int wheelDelta_ = 0;  // wheel turn not yet a whole notch (fine-grained wheels)
+
   // Controls, named as on the form (objectName too; the members of a control array are
   // named "pic(0)", "optBackclr(1)", ...).
   std::array<PictureBox*, 2> pic{};
+  PictureBox* picAnaglyph = nullptr;  // the red-cyan picture, in place of the pair
   QWidget* picFrame = nullptr;
+  QLabel* lblViewing = nullptr;
+  QComboBox* cboViewing = nullptr;  // kViewingModeCaptions
 
   QCheckBox* chkParametric = nullptr;
   QLabel* lblZ = nullptr;

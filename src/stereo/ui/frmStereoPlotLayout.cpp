@@ -36,6 +36,12 @@ constexpr const char* kAddDegrees = "Add the number of degrees show on the right
 constexpr const char* kSubDegrees = "Subtract the number of degrees show on the right";
 constexpr const char* kStepUnits = "Units to add or subtract";
 constexpr const char* kStepDegrees = "Degrees to add or subtract";
+constexpr const char* kPairTip =
+    "Drag to turn the view, turn the wheel to zoom.\n"
+    "How to see the pair in depth: Help, \"Viewing the pair in depth\".";
+constexpr const char* kAnaglyphTip =
+    "Drag to turn the view, turn the wheel to zoom.\n"
+    "Seen through red-cyan glasses, red over the left eye: Help, \"Viewing the pair in depth\".";
 
 template <class T>
 T* named(T* widget, const QString& name) {
@@ -122,6 +128,23 @@ void frmStereoPlot::buildControls() {
                       geometry_.HeightPic1);
   picFrame->setFixedSize(geometry_.WidthPic0 + kPictureGap + geometry_.WidthPic1,
                          std::max(geometry_.HeightPic0, geometry_.HeightPic1));
+  // The red-cyan picture takes the place of the pair, centred where the two meet.
+  picAnaglyph = named(new PictureBox(picFrame, geometry_.WidthPic0, geometry_.HeightPic0),
+                      QStringLiteral("picAnaglyph"));
+  picAnaglyph->setFixedCanvasSize(geometry_.WidthPic0, geometry_.HeightPic0);
+  picAnaglyph->setGeometry((picFrame->width() - geometry_.WidthPic0) / 2, 0, geometry_.WidthPic0,
+                           geometry_.HeightPic0);
+  picAnaglyph->hide();
+  for (PictureBox* p : {pic[0], pic[1], picAnaglyph}) {
+    p->setToolTip(QString::fromUtf8(p == picAnaglyph ? kAnaglyphTip : kPairTip));
+    p->installEventFilter(this);
+  }
+  lblViewing = label("&Viewing:", "lblViewing");
+  cboViewing = named(new QComboBox(), QStringLiteral("cboViewing"));
+  for (std::string_view caption : kViewingModeCaptions)
+    cboViewing->addItem(QString::fromUtf8(caption.data(), static_cast<qsizetype>(caption.size())));
+  cboViewing->setToolTip(QStringLiteral("How the pair is shown, printed, exported and copied"));
+  lblViewing->setBuddy(cboViewing);
 
   // Zoom, pan and octants.
   cmdZoomIn = button("cmdZoomIn", "Zoom in");
@@ -152,6 +175,10 @@ void frmStereoPlot::buildControls() {
   viewColumn->addWidget(cmdPanIn, 4, 0);
   viewColumn->addWidget(cmdPanOut, 4, 1);
   viewColumn->addWidget(fraOctant, 5, 0, 1, 2);
+  auto* viewingRow = new QHBoxLayout();
+  viewingRow->addWidget(lblViewing);
+  viewingRow->addWidget(cboViewing, 1);
+  viewColumn->addLayout(viewingRow, 6, 0, 1, 2);
   cmdPlot = button("cmdPlot", "&Plot");
   lblPlotStatus = label("", "lblPlotStatus");
   lblPlotStatus->setToolTip(QStringLiteral("Esc stops a plot; what was drawn stays"));
@@ -361,12 +388,12 @@ void frmStereoPlot::buildControls() {
   auto* drawingRow = new QHBoxLayout();
   drawingRow->addLayout(checks);
   drawingRow->addLayout(drawing);
-  viewColumn->addLayout(drawingRow, 6, 0, 1, 2);
-  viewColumn->addWidget(fraConstants, 7, 0, 1, 2);
-  viewColumn->setRowStretch(8, 1);
-  viewColumn->addWidget(cmdPlot, 9, 0);
-  viewColumn->addWidget(cmdExit, 9, 1);
-  viewColumn->addWidget(lblPlotStatus, 10, 0, 1, 2);
+  viewColumn->addLayout(drawingRow, 7, 0, 1, 2);
+  viewColumn->addWidget(fraConstants, 8, 0, 1, 2);
+  viewColumn->setRowStretch(9, 1);
+  viewColumn->addWidget(cmdPlot, 10, 0);
+  viewColumn->addWidget(cmdExit, 10, 1);
+  viewColumn->addWidget(lblPlotStatus, 11, 0, 1, 2);
   auto* viewPanel = new QWidget();
   viewPanel->setLayout(viewColumn);
   viewPanel->setFixedWidth(300);

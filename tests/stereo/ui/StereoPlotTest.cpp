@@ -92,6 +92,20 @@ struct Fixture {
   QImage image(int index) const {
     return find<PictureBox>(QStringLiteral("pic(%1)").arg(index))->imageCanvas().image();
   }
+  QImage anaglyph() const { return find<PictureBox>("picAnaglyph")->imageCanvas().image(); }
+  void view(int mode) const { find<QComboBox>("cboViewing")->setCurrentIndex(mode); }
+  // The mouse on a picture, at a position in its pixels.
+  void mouse(const QString& picture, QEvent::Type type, QPointF at, Qt::MouseButtons held) const {
+    QMouseEvent event(type, at, at, type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, held,
+                      Qt::NoModifier);
+    QApplication::sendEvent(find<PictureBox>(picture), &event);
+  }
+  void wheel(const QString& picture, int angleDelta) const {
+    QWheelEvent event(QPointF(100, 100), QPointF(100, 100), QPoint(), QPoint(0, angleDelta), Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(find<PictureBox>(picture), &event);
+  }
+  QStringList rotation() const { return texts({"txtXrot", "txtYrot", "txtZrot"}); }
   QStringList messages() const {
     QStringList out;
     for (const auto& m : dialogs.messages()) out << QString::fromStdString(m.prompt);
@@ -538,6 +552,113 @@ class StereoPlotTest : public QObject {
     QVERIFY(!QFile::exists(path));
     QTRY_VERIFY(QFile::exists(path));
     QVERIFY(QFile::exists(path + "_right.bmp"));
+  }
+
+  // Each picture the window shows turns the view as the pointer moves and zooms by the
+  // wheel, in notches of 120.
+  void dragTurnsAndWheelZoomsOnEveryPicture_data() {
+    QTest::addColumn<QString>("picture");
+    QTest::addColumn<int>("mode");
+    QTest::newRow("left, parallel") << "pic(0)" << 0;
+    QTest::newRow("right, crossed") << "pic(1)" << 1;
+    QTest::newRow("red-cyan") << "picAnaglyph" << 2;
+  }
+  void dragTurnsAndWheelZoomsOnEveryPicture() {
+    QFETCH(QString, picture);
+    QFETCH(int, mode);
+    Fixture f;
+    f.view(mode);
+    f.click("cmdPlot");
+    auto shown = [&] { return f.find<PictureBox>(picture)->imageCanvas().image(); };
+    const QImage before = shown();
+    f.mouse(picture, QEvent::MouseButtonPress, {200, 200}, Qt::LeftButton);
+    f.mouse(picture, QEvent::MouseMove, {200, 210}, Qt::LeftButton);
+    QCOMPARE(f.rotation(), QStringList({"0", "-5", "0"}));
+    QVERIFY(differingPixels(before, shown()) > 200);  // drawn again while the button is down
+    f.mouse(picture, QEvent::MouseMove, {220, 210}, Qt::LeftButton);
+    QCOMPARE(f.rotation(), QStringList({"0", "-5", "-10"}));
+    f.mouse(picture, QEvent::MouseButtonRelease, {220, 210}, Qt::NoButton);
+    f.mouse(picture, QEvent::MouseMove, {300, 300}, Qt::NoButton);
+    QCOMPARE(f.rotation(), QStringList({"0", "-5", "-10"}));
+    QCOMPARE(f.dialogs.beeps(), 1);  // a drag redraws without a beep, and whole
+    QVERIFY(f.find<QLabel>("lblPlotStatus")->text().isEmpty());
+
+    f.wheel(picture, 60);
+    QCOMPARE(f.window(), QStringList({"-2.5", "2.5", "-2", "2", "-1.5", "1.5"}));
+    f.wheel(picture, 60);
+    QCOMPARE(f.window(), QStringList({"-1.25", "1.25", "-1", "1", "-0.75", "0.75"}));
+    f.wheel(picture, -240);
+    QCOMPARE(f.window(), QStringList({"-5", "5", "-4", "4", "-3", "3"}));
+    QCOMPARE(f.dialogs.beeps(), 4);  // as the zoom buttons: a replot each
+    QVERIFY(f.messages().isEmpty());
+  }
+
+  // Crossed viewing swaps the pictures; the red-cyan picture holds the left picture's
+  // grey level in red and the right one's in green and blue. Copy, print and export
+  // take what is shown; the export file and the report's text stay the same.
+  void viewingModesShowSwapAndComposeThePair() {
+    QTemporaryDir dir;
+    Fixture f;
+    f.click("cmdPlot");
+    const QImage left = f.image(0), right = f.image(1);
+    f.trigger("mnuPrint");
+    const std::vector<std::string> parallelText = f.dialogs.printer().texts();
+    f.dialogs.queueSaveFileName(dir.filePath("parallel.dup").toStdString());
+    f.trigger("mnuSaveAs");
+
+    f.view(1);
+    QCOMPARE(f.image(0), right);
+    QCOMPARE(f.image(1), left);
+    f.click("cmdPlot");  // drawn again crossed: the same swap
+    QCOMPARE(f.image(0), right);
+    QCOMPARE(f.image(1), left);
+
+    f.view(2);
+    QVERIFY(f.find<PictureBox>("picAnaglyph")->isVisibleTo(f.form.get()));
+    QVERIFY(!f.find<PictureBox>("pic(0)")->isVisibleTo(f.form.get()));
+    auto checkAnaglyph = [&] {
+      const QImage a = f.anaglyph();
+      QCOMPARE(a.size(), left.size());
+      int parallax = 0;
+      for (int y = 0; y < a.height(); ++y)
+        for (int x = 0; x < a.width(); ++x) {
+          const QRgb p = a.pixel(x, y);
+          if (qRed(p) != qGray(left.pixel(x, y)) || qGreen(p) != qGray(right.pixel(x, y)) ||
+              qBlue(p) != qGreen(p))
+            QFAIL(qPrintable(QString("pixel %1,%2").arg(x).arg(y)));
+          parallax += qRed(p) != qGreen(p);
+        }
+      QVERIFY(parallax > 100);
+    };
+    checkAnaglyph();
+    f.click("cmdPlot");
+    checkAnaglyph();
+
+    f.trigger("mnuCopyLeft");
+    f.trigger("mnuCopyRight");
+    QCOMPARE(f.dialogs.copiedPictures().size(), size_t{2});
+    f.trigger("mnuPrint");
+    // The printer records both documents: the pair then the one picture, the same text.
+    RecordingPrinterPage& page = f.dialogs.printer();
+    QCOMPARE(page.pictures().size(), size_t{3});
+    QVERIFY(page.pictures()[2].left < 5985 && page.pictures()[2].left + page.pictures()[2].width > 5985);
+    const std::vector<std::string> texts = page.texts();
+    QCOMPARE(std::vector<std::string>(texts.begin() + static_cast<long>(parallelText.size()), texts.end()),
+             parallelText);
+    const QString path = dir.filePath("anaglyph.dup");
+    f.dialogs.queueSaveFileName(path.toStdString());
+    f.trigger("mnuSaveAs");
+    QImage saved(path + "_anaglyph.bmp");
+    QCOMPARE(saved.convertToFormat(QImage::Format_RGB32), f.anaglyph());
+    QFile a(path), b(dir.filePath("parallel.dup"));
+    QVERIFY(a.open(QIODevice::ReadOnly) && b.open(QIODevice::ReadOnly));
+    QCOMPARE(a.readAll(), b.readAll());
+    QVERIFY(!QFile::exists(dir.filePath("parallel.dup_anaglyph.bmp")));
+
+    f.view(0);
+    QCOMPARE(f.image(0), left);
+    QVERIFY(f.find<PictureBox>("pic(1)")->isVisibleTo(f.form.get()));
+    QCOMPARE(f.dialogs.beeps(), 3);
   }
 };
 
