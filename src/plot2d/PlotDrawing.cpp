@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <utility>
 #include <vector>
 
 #include "platform/NumberText.h"
+#include "plot2d/DivisionLabel.h"
 
 namespace orvane {
 
@@ -32,12 +32,14 @@ T between(T v, T lo, T hi) {
 }
 
 struct TickWalk {
+  float spacing = 0;        // between neighbouring ticks
   std::vector<float> up;    // from the axis towards the high end
   std::vector<float> down;  // from the axis towards the low end
 };
 
 TickWalk walkTicks(float origin, float low, float high, float spacing) {
   TickWalk walk;
+  walk.spacing = spacing;
   if (!(spacing > 0)) return walk;
   float pos = origin;
   if (pos < low && (low - pos) / spacing > kLongWalk)
@@ -160,8 +162,8 @@ class PlotPainter {
     const bool grid = r_.options.grid;
     const float tickUp = grid ? 0 : v_.divv / 2;
     const float tickSide = grid ? 0 : v_.divh / 2;
-    auto label = [&](float value, bool trailingPoint, auto place) {
-      const std::string text = divisionLabel(value, trailingPoint);
+    auto label = [&](float value, const TickWalk& walk, bool trailingPoint, auto place) {
+      const std::string text = divisionLabel(value, walk.spacing, trailingPoint);
       if (text.empty() || text == ".") return;
       const float w = std::fabs(c_.TextWidth(text));
       const auto [x, y] = place(w);
@@ -178,12 +180,12 @@ class PlotPainter {
     if (top - h < s_.windowly) top = s_.yorigin + tickUp + h / 5 + h;
     for (const auto* list : {&vertical.up, &vertical.down})
       for (float xg : *list)
-        if (once(xg)) label(xg, false, [&](float w) { return std::pair(xg - w / 2, top); });
+        if (once(xg)) label(xg, vertical, false, [&](float w) { return std::pair(xg - w / 2, top); });
     done.clear();
     for (const auto* list : {&horizontal.up, &horizontal.down})
       for (float yg : *list)
         if (once(yg))
-          label(yg, true, [&](float w) {
+          label(yg, horizontal, true, [&](float w) {
             float left = s_.xorigin - tickSide - w / 5 - w;
             if (left < s_.windowlx) left = s_.xorigin + tickSide + w / 5;
             return std::pair(left, yg + h / 2);
@@ -333,18 +335,6 @@ class PlotPainter {
 };
 
 }  // namespace
-
-std::string divisionLabel(float value, bool trailingPoint) {
-  const double rounded = std::round(double(value));
-  std::string text;
-  if (rounded != 0) {
-    char buffer[64];
-    std::snprintf(buffer, sizeof buffer, "%.0f", rounded);
-    text = buffer;
-  }
-  if (trailingPoint) text += '.';
-  return text;
-}
 
 DrawnPlot drawPlot(Canvas& picture, DerivativeEvaluator& d, const PlotRequest& request) {
   d.prepareForPlot(request.options.derivative);
