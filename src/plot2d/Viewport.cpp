@@ -188,10 +188,12 @@ float fittingDivision(float division, float extent) {
   return float(roundStepAtLeast(double(extent) / kAimedMost));
 }
 
-std::optional<PlotSetup> wheelZoom(const PlotSetup& from, float x, float y, int notches) {
+std::optional<PlotSetup> wheelZoom(const PlotSetup& from, float shareX, float shareY, int notches) {
   std::optional<PlotSetup> zoomed;
   const double factor = notches > 0 ? 0.5 : 2;
   double lx = from.windowlx, gx = from.windowgx, ly = from.windowly, gy = from.windowgy;
+  const double x = lx + shareX * (gx - lx);
+  const double y = gy - shareY * (gy - ly);
   for (int step = 0; step < std::abs(notches); ++step) {
     lx = x + (lx - x) * factor;
     gx = x + (gx - x) * factor;

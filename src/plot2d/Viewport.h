@@ -73,11 +73,12 @@ float fittingDivision(float division, float extent);
 // fitted to it, or nothing when no step fits: a window narrower than single precision
 // can draw, or wider than 1E+30 (the wheel stops there instead of failing).
 
-// `notches` wheel steps about (x, y), positive zooming in: each step halves (in) or
-// doubles (out) every window limit's distance from the point, as the zoom buttons do
-// about the centre, so the point stays where it is on the picture. Of many steps, those
-// that fit are taken.
-std::optional<PlotSetup> wheelZoom(const PlotSetup& from, float x, float y, int notches);
+// `notches` wheel steps, positive zooming in, about the point of the window that lies a
+// share of the picture's width from its left edge and of its height from its top: each
+// step halves (in) or doubles (out) every limit's distance from the point, as the zoom
+// buttons do about the centre, so the point stays where it is on the picture. Of many
+// steps, those that fit are taken.
+std::optional<PlotSetup> wheelZoom(const PlotSetup& from, float shareX, float shareY, int notches);
 
 // The window dragged by a share of the picture's width (to the right) and of its height
 // (down): the picture follows the pointer.

@@ -884,10 +884,13 @@ void frmPlot::Picture1_Wheel(const QPointF& at, int angleDelta) {
   const int notches = wheelAngle_ / kNotch;
   if (notches == 0) return;
   wheelAngle_ -= notches * kNotch;
-  const QPointF user = Picture1->toUser(at);
+  // The pointer is placed on the fields' window, which is the one drawn unless they
+  // were edited since (the picture is empty then).
+  const Canvas& picture = Picture1->canvas();
+  const float shareX = float(at.x() / picture.pixelWidth()), shareY = float(at.y() / picture.pixelHeight());
   std::optional<PlotSetup> zoomed;
   try {
-    zoomed = wheelZoom(readPlotSetup(plotSetupTexts()), float(user.x()), float(user.y()), notches);
+    zoomed = wheelZoom(readPlotSetup(plotSetupTexts()), shareX, shareY, notches);
   } catch (const RuntimeError& e) {
     Command command(*this);
     reportError(e);
