@@ -906,7 +906,7 @@ bool frmPlot::Picture1_KeyDown(int key) {
                                                   {Qt::Key_Down, 9}};
   for (const auto& [k, code] : kKeys)
     if (k == key) {
-      Zoom(code);
+      if (!dragging_) Zoom(code);  // during a drag the mouse has the window
       return true;
     }
   return false;
