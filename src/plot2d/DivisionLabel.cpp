@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 
 namespace orvane {
 
@@ -24,9 +25,13 @@ int divisionDecimals(float spacing) {
 }
 
 std::string divisionLabel(float value, float spacing, bool trailingPoint) {
+  // The value as single precision knows it, seven significant digits (as the window's
+  // fields show it): 2E+11 is not written 200000004096.
+  char single[32];
+  std::snprintf(single, sizeof single, "%.6e", double(value));
   const int decimals = divisionDecimals(spacing);
   const double scale = std::pow(10.0, decimals);
-  const double rounded = std::round(double(value) * scale) / scale;
+  const double rounded = std::round(std::strtod(single, nullptr) * scale) / scale;
   std::string text;
   if (rounded != 0) {
     char buffer[128];

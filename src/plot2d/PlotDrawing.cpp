@@ -37,28 +37,32 @@ struct TickWalk {
   std::vector<float> down;  // from the axis towards the low end
 };
 
+// The ticks from the axis at `origin` in steps of `spacing` towards the high end
+// (direction 1) or the low end (-1) of [low, high], kept where they lie inside. Each
+// position is reckoned from its number of steps, so far ticks carry no sum of rounding
+// errors into their labels.
+std::vector<float> walkFrom(float origin, float low, float high, float spacing, int direction) {
+  std::vector<float> ticks;
+  const double far = direction > 0 ? high : low;
+  const double near = direction > 0 ? low : high;
+  auto at = [&](double steps) { return float(origin + direction * steps * double(spacing)); };
+  const double stepsBefore = (near - origin) * direction / spacing;
+  double k = stepsBefore > kLongWalk ? std::floor(stepsBefore) : 0;
+  for (float pos = at(k); (pos - far) * direction <= 0;) {
+    if ((pos - near) * direction >= 0) ticks.push_back(pos);
+    const float next = at(++k);
+    if (!((next - pos) * direction > 0)) break;
+    pos = next;
+  }
+  return ticks;
+}
+
 TickWalk walkTicks(float origin, float low, float high, float spacing) {
   TickWalk walk;
   walk.spacing = spacing;
   if (!(spacing > 0)) return walk;
-  float pos = origin;
-  if (pos < low && (low - pos) / spacing > kLongWalk)
-    pos = origin + std::floor((low - origin) / spacing) * spacing;
-  while (pos <= high) {
-    if (pos >= low) walk.up.push_back(pos);
-    const float next = pos + spacing;
-    if (!(next > pos)) break;
-    pos = next;
-  }
-  pos = origin;
-  if (pos > high && (pos - high) / spacing > kLongWalk)
-    pos = origin - std::floor((origin - high) / spacing) * spacing;
-  while (pos >= low) {
-    if (pos <= high) walk.down.push_back(pos);
-    const float next = pos - spacing;
-    if (!(next < pos)) break;
-    pos = next;
-  }
+  walk.up = walkFrom(origin, low, high, spacing, 1);
+  walk.down = walkFrom(origin, low, high, spacing, -1);
   return walk;
 }
 

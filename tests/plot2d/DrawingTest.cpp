@@ -230,7 +230,8 @@ TEST(DivisionLabel, WholeSpacingsKeepTheIntegerFormOthersShowTheirDecimals) {
       {1, 0.25f, true, "1.00"},    {-1.5f, 0.5f, false, "-1.5"}, {-2, 0.5f, false, "-2.0"},
       {7.5f, 2.5f, true, "7.5"},   {5, 2.5f, false, "5.0"},   {0.003f, 1e-3f, false, "0.003"},
       {0.3f, 0.1f, false, "0.3"},  {-0.0000001f, 0.25f, true, ""},  // no "-0.00"
-      {2e-5f, 1e-5f, false, "0.00002"},
+      {2e-5f, 1e-5f, false, "0.00002"},  {2e11f, 1e10f, true, "200000000000."},  // not 200000004096
+      {-1.23456789e9f, 1e8f, false, "-1234568000"},
   };
   for (const auto& c : cases)
     EXPECT_EQ(divisionLabel(c.value, c.spacing, c.trailingPoint), c.text) << c.value << " every " << c.spacing;
