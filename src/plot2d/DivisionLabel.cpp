@@ -1,8 +1,8 @@
 #include "plot2d/DivisionLabel.h"
 
+#include <charconv>
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
+#include <string>
 
 namespace orvane {
 
@@ -26,17 +26,18 @@ int divisionDecimals(float spacing) {
 
 std::string divisionLabel(float value, float spacing, bool trailingPoint) {
   // The value as single precision knows it, seven significant digits (as the window's
-  // fields show it): 2E+11 is not written 200000004096.
-  char single[32];
-  std::snprintf(single, sizeof single, "%.6e", double(value));
+  // fields show it): 2E+11 is not written 200000004096. Always "." whatever the locale.
+  char buffer[128];
+  const char* end = std::to_chars(buffer, buffer + sizeof buffer, double(value), std::chars_format::scientific, 6).ptr;
+  double single = 0;
+  std::from_chars(buffer, end, single);
   const int decimals = divisionDecimals(spacing);
   const double scale = std::pow(10.0, decimals);
-  const double rounded = std::round(std::strtod(single, nullptr) * scale) / scale;
+  const double rounded = std::round(single * scale) / scale;
   std::string text;
   if (rounded != 0) {
-    char buffer[128];
-    std::snprintf(buffer, sizeof buffer, "%.*f", decimals, rounded);
-    text = buffer;
+    end = std::to_chars(buffer, buffer + sizeof buffer, rounded, std::chars_format::fixed, decimals).ptr;
+    text.assign(buffer, size_t(end - buffer));
   }
   if (trailingPoint && decimals == 0) text += '.';
   return text;
