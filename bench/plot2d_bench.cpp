@@ -1,13 +1,17 @@
 // Speed of the 2-D study window's two heaviest commands: one whole plot on a 600 x 400
 // picture (plot step 1, grid and labels on) and an integral refined to 2^20 panels,
 // both through the expression engine as the window runs them, polling a stop check
-// (Esc) at every evaluation.
+// (Esc) at every evaluation; and one wheel step on the window's picture with the plot
+// it draws, as the mouse sends it.
 
 #include <benchmark/benchmark.h>
 
 #include "BenchRun.h"
 
-#include <QGuiApplication>
+#include <QApplication>
+#include <QCheckBox>
+#include <QLineEdit>
+#include <QWheelEvent>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -19,12 +23,16 @@
 #include "engine/Class1.h"
 #include "engine/ExpressionEngine.h"
 #include "engine/PointEvaluation.h"
+#include "platform/ScriptedDialogs.h"
 #include "platform/StopCheck.h"
+#include "platform/ui/PictureBox.h"
 #include "platform/ui/QImageCanvas.h"
 #include "plot2d/Derivatives.h"
 #include "plot2d/EngineFunction.h"
 #include "plot2d/Integrator.h"
 #include "plot2d/PlotDrawing.h"
+#include "plot2d/ui/frmPlot.h"
+#include "regression/Workbench.h"
 
 namespace {
 
@@ -70,6 +78,37 @@ void plot600x400(benchmark::State& state) {
   }
 }
 
+// The study window on the same plot as plot600x400, a wheel notch in and one out in
+// turn about the picture's centre, so that every step draws the same two windows.
+void wheelZoom600x400(benchmark::State& state) {
+  Workbench workbench;
+  workbench.fitted = true;
+  ScriptedDialogs dialogs;
+  frmPlot window(workbench, dialogs);
+  const std::pair<const char*, const char*> fields[] = {
+      {"txtEquation", kFormula}, {"txtWindowlx", "-2"}, {"txtWindowgx", "20"}, {"txtWindowly", "-1.25"},
+      {"txtWindowgy", "1.25"},   {"txtXorigin", "0"},   {"txtYorigin", "0"},  {"txtDivx", "2"},
+      {"txtDivy", "0.25"},       {"txtPlotStep", "1"}};
+  for (const auto& [name, text] : fields) window.findChild<QLineEdit*>(name)->setText(text);
+  for (const char* name : {"chkGrid", "chkWindow", "chkDivisions"}) window.findChild<QCheckBox*>(name)->setChecked(true);
+  auto* picture = window.findChild<PictureBox*>("Picture1");
+  auto* lowX = window.findChild<QLineEdit*>("txtWindowlx");
+  if (picture->canvas().pixelWidth() != kWidth || picture->canvas().pixelHeight() != kHeight) {
+    state.SkipWithError("the picture is not 600 x 400");
+    return;
+  }
+  const QPointF centre(kWidth / 2.0, kHeight / 2.0);
+  int notch = 120;
+  for (auto _ : state) {
+    QWheelEvent wheel(centre, centre, {}, {0, notch}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(picture, &wheel);
+    notch = -notch;
+  }
+  // Zoomed in, the window starts at 3.5; out again, at -2.
+  if (lowX->text() != (notch > 0 ? "-2" : "3.5") || !window.graphDrawn())
+    state.SkipWithError("the wheel did not move the window");
+}
+
 StudySettings integralSettings() {
   StudySettings s;
   s.equation = kFormula;
@@ -111,14 +150,15 @@ bool integralIsRight() {
 }  // namespace
 
 int main(int argc, char** argv) {
-  // Text needs a GUI application (fonts), not a screen.
+  // Text and the window need an application (fonts, widgets), not a screen.
   if (std::getenv("QT_QPA_PLATFORM") == nullptr) setenv("QT_QPA_PLATFORM", "offscreen", 1);
   int qtArgc = 1;
-  QGuiApplication app(qtArgc, argv);
+  QApplication app(qtArgc, argv);
   if (!integralIsRight()) return 1;
 
   benchmark::RegisterBenchmark("plot_600x400", plot600x400)->Unit(benchmark::kMillisecond);
   benchmark::RegisterBenchmark("integral_2p20", integral2p20)->Unit(benchmark::kMillisecond);
+  benchmark::RegisterBenchmark("wheel_zoom", wheelZoom600x400)->Unit(benchmark::kMillisecond);
   const orvane::bench::FastestRuns runs =
       orvane::bench::RunBenchmarks(argc, argv, {"--benchmark_repetitions=5"});
 
@@ -126,5 +166,6 @@ int main(int argc, char** argv) {
     std::printf("figure plot2d.plot_600x400 %.2f ms\n", runs["plot_600x400"]);
   if (runs.has("integral_2p20"))
     std::printf("figure plot2d.integral_2p20 %.2f ms\n", runs["integral_2p20"]);
+  if (runs.has("wheel_zoom")) std::printf("figure plot2d.wheel_zoom %.2f ms\n", runs["wheel_zoom"]);
   return 0;
 }

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <utility>
 #include <vector>
 
 #include "platform/NumberText.h"
+#include "plot2d/DivisionLabel.h"
 
 namespace orvane {
 
@@ -32,31 +32,37 @@ T between(T v, T lo, T hi) {
 }
 
 struct TickWalk {
+  float spacing = 0;        // between neighbouring ticks
   std::vector<float> up;    // from the axis towards the high end
   std::vector<float> down;  // from the axis towards the low end
 };
 
+// The ticks from the axis at `origin` in steps of `spacing` towards the high end
+// (direction 1) or the low end (-1) of [low, high], kept where they lie inside. Each
+// position is reckoned from its number of steps, so far ticks carry no sum of rounding
+// errors into their labels.
+std::vector<float> walkFrom(float origin, float low, float high, float spacing, int direction) {
+  std::vector<float> ticks;
+  const double far = direction > 0 ? high : low;
+  const double near = direction > 0 ? low : high;
+  auto at = [&](double steps) { return float(origin + direction * steps * double(spacing)); };
+  const double stepsBefore = (near - origin) * direction / spacing;
+  double k = stepsBefore > kLongWalk ? std::floor(stepsBefore) : 0;
+  for (float pos = at(k); (pos - far) * direction <= 0;) {
+    if ((pos - near) * direction >= 0) ticks.push_back(pos);
+    const float next = at(++k);
+    if (!((next - pos) * direction > 0)) break;
+    pos = next;
+  }
+  return ticks;
+}
+
 TickWalk walkTicks(float origin, float low, float high, float spacing) {
   TickWalk walk;
+  walk.spacing = spacing;
   if (!(spacing > 0)) return walk;
-  float pos = origin;
-  if (pos < low && (low - pos) / spacing > kLongWalk)
-    pos = origin + std::floor((low - origin) / spacing) * spacing;
-  while (pos <= high) {
-    if (pos >= low) walk.up.push_back(pos);
-    const float next = pos + spacing;
-    if (!(next > pos)) break;
-    pos = next;
-  }
-  pos = origin;
-  if (pos > high && (pos - high) / spacing > kLongWalk)
-    pos = origin - std::floor((origin - high) / spacing) * spacing;
-  while (pos >= low) {
-    if (pos <= high) walk.down.push_back(pos);
-    const float next = pos - spacing;
-    if (!(next < pos)) break;
-    pos = next;
-  }
+  walk.up = walkFrom(origin, low, high, spacing, 1);
+  walk.down = walkFrom(origin, low, high, spacing, -1);
   return walk;
 }
 
@@ -160,8 +166,8 @@ class PlotPainter {
     const bool grid = r_.options.grid;
     const float tickUp = grid ? 0 : v_.divv / 2;
     const float tickSide = grid ? 0 : v_.divh / 2;
-    auto label = [&](float value, bool trailingPoint, auto place) {
-      const std::string text = divisionLabel(value, trailingPoint);
+    auto label = [&](float value, const TickWalk& walk, bool trailingPoint, auto place) {
+      const std::string text = divisionLabel(value, walk.spacing, trailingPoint);
       if (text.empty() || text == ".") return;
       const float w = std::fabs(c_.TextWidth(text));
       const auto [x, y] = place(w);
@@ -178,12 +184,12 @@ class PlotPainter {
     if (top - h < s_.windowly) top = s_.yorigin + tickUp + h / 5 + h;
     for (const auto* list : {&vertical.up, &vertical.down})
       for (float xg : *list)
-        if (once(xg)) label(xg, false, [&](float w) { return std::pair(xg - w / 2, top); });
+        if (once(xg)) label(xg, vertical, false, [&](float w) { return std::pair(xg - w / 2, top); });
     done.clear();
     for (const auto* list : {&horizontal.up, &horizontal.down})
       for (float yg : *list)
         if (once(yg))
-          label(yg, true, [&](float w) {
+          label(yg, horizontal, true, [&](float w) {
             float left = s_.xorigin - tickSide - w / 5 - w;
             if (left < s_.windowlx) left = s_.xorigin + tickSide + w / 5;
             return std::pair(left, yg + h / 2);
@@ -333,18 +339,6 @@ class PlotPainter {
 };
 
 }  // namespace
-
-std::string divisionLabel(float value, bool trailingPoint) {
-  const double rounded = std::round(double(value));
-  std::string text;
-  if (rounded != 0) {
-    char buffer[64];
-    std::snprintf(buffer, sizeof buffer, "%.0f", rounded);
-    text = buffer;
-  }
-  if (trailingPoint) text += '.';
-  return text;
-}
 
 DrawnPlot drawPlot(Canvas& picture, DerivativeEvaluator& d, const PlotRequest& request) {
   d.prepareForPlot(request.options.derivative);

@@ -63,8 +63,4 @@ struct DrawnPlot {
 // set-up is RuntimeError 6 or 11 before anything is drawn.
 DrawnPlot drawPlot(Canvas& picture, DerivativeEvaluator& d, const PlotRequest& request);
 
-// A division label: the value rounded to an integer (halves away from zero), empty for
-// 0, with a trailing point when asked ("######." and "######").
-std::string divisionLabel(float value, bool trailingPoint);
-
 }  // namespace orvane

@@ -1,5 +1,6 @@
 #include "plot2d/Viewport.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -7,6 +8,7 @@
 #include "platform/NumberText.h"
 #include "platform/RuntimeError.h"
 #include "plot2d/CheckedMath.h"
+#include "plot2d/StudyDefaults.h"
 
 namespace orvane {
 
@@ -21,6 +23,32 @@ float singleOf(std::string_view text) { return toSingle(leadingNumber(text)); }
 
 std::array<std::string, 4> textsOf(const WindowLimits& w) {
   return {formatSingle(w.lx), formatSingle(w.gx), formatSingle(w.ly), formatSingle(w.gy)};
+}
+
+// Limits the mouse may reach: a window narrower than this share of its distance from 0
+// has fewer single-precision steps than the picture has pixels; a wider one leaves no
+// room for the plot's arithmetic.
+constexpr double kNarrowestShare = 1e-4;
+constexpr double kSmallestExtent = 1e-30;
+constexpr double kLargestLimit = 1e30;
+
+bool drawableRange(double low, double high) {
+  const double extent = high - low;
+  return extent >= kSmallestExtent && extent >= kNarrowestShare * std::max(std::fabs(low), std::fabs(high)) &&
+         std::fabs(low) <= kLargestLimit && std::fabs(high) <= kLargestLimit;
+}
+
+// The setup with the window [lx, gx] x [ly, gy] and divisions fitted to it, when it can
+// be drawn.
+std::optional<PlotSetup> movedTo(PlotSetup s, double lx, double gx, double ly, double gy) {
+  if (!drawableRange(lx, gx) || !drawableRange(ly, gy)) return std::nullopt;
+  s.windowlx = float(lx);
+  s.windowgx = float(gx);
+  s.windowly = float(ly);
+  s.windowgy = float(gy);
+  s.divx = fittingDivision(s.divx, s.windowgx - s.windowlx);
+  s.divy = fittingDivision(s.divy, s.windowgy - s.windowly);
+  return s;
 }
 
 }  // namespace
@@ -150,6 +178,43 @@ std::array<std::string, 4> centreTexts(const PlotSetup& plotted, float x, float 
   const WindowLimits w{value(x - delwindx / 2), value(x + delwindx / 2),
                        value(y - delwindy / 2), value(y + delwindy / 2)};
   return textsOf(w);
+}
+
+float fittingDivision(float division, float extent) {
+  constexpr double kFewest = 4, kMost = 12, kAimedMost = 10;
+  const double ticks = double(extent) / division;
+  if (ticks >= kFewest && ticks <= kMost) return division;
+  if (!(extent > 0) || !std::isfinite(extent)) return division;
+  return float(roundStepAtLeast(double(extent) / kAimedMost));
+}
+
+std::optional<PlotSetup> wheelZoom(const PlotSetup& from, float shareX, float shareY, int notches) {
+  std::optional<PlotSetup> zoomed;
+  const double factor = notches > 0 ? 0.5 : 2;
+  double lx = from.windowlx, gx = from.windowgx, ly = from.windowly, gy = from.windowgy;
+  const double x = lx + shareX * (gx - lx);
+  const double y = gy - shareY * (gy - ly);
+  for (int step = 0; step < std::abs(notches); ++step) {
+    lx = x + (lx - x) * factor;
+    gx = x + (gx - x) * factor;
+    ly = y + (ly - y) * factor;
+    gy = y + (gy - y) * factor;
+    const std::optional<PlotSetup> next = movedTo(zoomed.value_or(from), lx, gx, ly, gy);
+    if (!next) break;
+    zoomed = next;
+  }
+  return zoomed;
+}
+
+std::optional<PlotSetup> dragPan(const PlotSetup& from, float shareX, float shareY) {
+  const double dx = -double(shareX) * (double(from.windowgx) - from.windowlx);
+  const double dy = double(shareY) * (double(from.windowgy) - from.windowly);
+  return movedTo(from, from.windowlx + dx, from.windowgx + dx, from.windowly + dy, from.windowgy + dy);
+}
+
+std::array<std::string, 6> mouseMoveTexts(const PlotSetup& s) {
+  return {formatSingle(s.windowlx), formatSingle(s.windowgx), formatSingle(s.windowly),
+          formatSingle(s.windowgy), formatSingle(s.divx),     formatSingle(s.divy)};
 }
 
 std::string positionTooltip(float x, float y) {

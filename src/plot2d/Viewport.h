@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -62,6 +63,30 @@ std::array<std::string, 4> zoomTexts(int code, std::string_view lx, std::string_
 // Click-to-centre: the four field texts for the last plotted window moved so that its
 // centre is at (x, y).
 std::array<std::string, 4> centreTexts(const PlotSetup& plotted, float x, float y);
+
+// The division for an axis `extent` wide: `division` itself when the extent holds 4 to
+// 12 of it, else the smallest of 1, 2 or 5 times a power of ten that the extent holds
+// at most 10 times (and so more than 4 times).
+float fittingDivision(float division, float extent);
+
+// The mouse's ways of moving the window. Each gives the new setup with both divisions
+// fitted to it, or nothing when no step fits: a window narrower than single precision
+// can draw, or wider than 1E+30 (the wheel stops there instead of failing).
+
+// `notches` wheel steps, positive zooming in, about the point of the window that lies a
+// share of the picture's width from its left edge and of its height from its top: each
+// step halves (in) or doubles (out) every limit's distance from the point, as the zoom
+// buttons do about the centre, so the point stays where it is on the picture. Of many
+// steps, those that fit are taken.
+std::optional<PlotSetup> wheelZoom(const PlotSetup& from, float shareX, float shareY, int notches);
+
+// The window dragged by a share of the picture's width (to the right) and of its height
+// (down): the picture follows the pointer.
+std::optional<PlotSetup> dragPan(const PlotSetup& from, float shareX, float shareY);
+
+// The field texts a mouse move writes: the limits (lx, gx, ly, gy), then the x and y
+// divisions.
+std::array<std::string, 6> mouseMoveTexts(const PlotSetup& moved);
 
 // The picture's tooltip at the mouse position.
 std::string positionTooltip(float x, float y);

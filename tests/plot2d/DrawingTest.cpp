@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/RuntimeError.h"
+#include "plot2d/DivisionLabel.h"
 #include "plot2d/PlotDrawing.h"
 #include "Plot2dTestDoubles.h"
 
@@ -209,9 +210,39 @@ TEST(PlotDriver, TicksGridAndLabels) {
                    "text -3 @verdana 20 16 #C0C000", "text 3 @verdana 20 16 #C0C000",
                    "text 1 @verdana 7 5 #C0C000", "text -1 @verdana 7 5 #C0C000",
                    "text 3. @verdana 7 5 #C0C000", "text -3. @verdana 7 5 #C0C000"}));
-  EXPECT_EQ(divisionLabel(2.5f, false), "3");
-  EXPECT_EQ(divisionLabel(-2.5f, true), "-3.");
-  EXPECT_EQ(divisionLabel(0.4f, false), "");
+  // Fractional divisions on y: the decimals they need, not the integer form.
+  r.options.labelWindow = false;
+  r.setup.divy = 1.5f;
+  Calls labels;
+  for (const std::string& call : matching(plot(r, [](double x) { return x; }), "text "))
+    labels.push_back(call.substr(5, call.find(" @") - 5));
+  EXPECT_EQ(labels, (Calls{"1", "-1", "1.5", "3.0", "-1.5", "-3.0"}));
+}
+
+TEST(DivisionLabel, WholeSpacingsKeepTheIntegerFormOthersShowTheirDecimals) {
+  const struct {
+    float value, spacing;
+    bool trailingPoint;
+    const char* text;
+  } cases[] = {
+      {2.5f, 1, false, "3"},       {-2.5f, 1, true, "-3."},   {0.4f, 1, false, ""},
+      {0, 1, true, "."},           {40, 20, true, "40."},     {0.75f, 0.25f, true, "0.75"},
+      {1, 0.25f, true, "1.00"},    {-1.5f, 0.5f, false, "-1.5"}, {-2, 0.5f, false, "-2.0"},
+      {7.5f, 2.5f, true, "7.5"},   {5, 2.5f, false, "5.0"},   {0.003f, 1e-3f, false, "0.003"},
+      {0.3f, 0.1f, false, "0.3"},  {-0.0000001f, 0.25f, true, ""},  // no "-0.00"
+      {2e-5f, 1e-5f, false, "0.00002"},  {2e11f, 1e10f, true, "200000000000."},  // not 200000004096
+      {-1.23456789e9f, 1e8f, false, "-1234568000"},
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(divisionLabel(c.value, c.spacing, c.trailingPoint), c.text) << c.value << " every " << c.spacing;
+  // Ticks walked from an axis at 0.1 as the picture walks them: no two read the same.
+  for (float spacing : {0.25f, 0.5f, 2.5f, 1e-3f, 1.0f, 0.1f, 1.5f, 0.2f}) {
+    std::vector<std::string> texts;
+    float at = 0.1f - 20 * spacing;
+    for (int k = 0; k < 40; ++k, at += spacing) texts.push_back(divisionLabel(at, spacing, false));
+    std::sort(texts.begin(), texts.end());
+    EXPECT_EQ(std::adjacent_find(texts.begin(), texts.end()), texts.end()) << "every " << spacing;
+  }
 }
 
 TEST(Viewport, NumbersForASimpleWindow) {

@@ -105,5 +105,35 @@ TEST(ClickToCentre, MovesTheLastPlottedWindow) {
   EXPECT_EQ(positionTooltip(1.25f, -0.3f), "(1.25, -0.3): Click to center graph here");
 }
 
+// The wheel and the drag from [-10, 10] x [-5, 5] with divisions 1 and 1: 20 across
+// (too many) and 10 up (kept while they fit).
+TEST(MouseMoves, ZoomAboutThePointerPanByTheShareDraggedAndFitTheDivisions) {
+  using Six = std::array<std::string, 6>;
+  const PlotSetup from{-10, 10, -5, 5, 0, 0, 1, 1, 5};
+  const std::pair<std::optional<PlotSetup>, Six> cases[] = {
+      {wheelZoom(from, 0.75f, 0.5f, 1), {"-2.5", "7.5", "-2.5", "2.5", "1", "1"}},  // in about (5, 0)
+      {wheelZoom(from, 0.5f, 0, 2), {"-2.5", "2.5", "2.5", "5", "1", "0.5"}},       // twice about (0, 5)
+      {wheelZoom(from, 0, 1, -1), {"-10", "30", "-5", "15", "5", "2"}},             // out about a corner
+      {dragPan(from, 0.1f, 0.15f), {"-12", "8", "-3.5", "6.5", "2", "1"}},          // right and down
+  };
+  for (const auto& [moved, texts] : cases) {
+    ASSERT_TRUE(moved.has_value()) << texts[0];
+    EXPECT_EQ(mouseMoveTexts(*moved), texts);
+  }
+  // The wheel stops where single precision can no longer draw the window, or at 1E+30;
+  // of many steps, those that fit are taken.
+  const std::optional<PlotSetup> deep = wheelZoom({990, 1010, -5, 5, 0, 0, 1, 1, 5}, 0.5f, 0.5f, 60);
+  ASSERT_TRUE(deep.has_value());
+  EXPECT_GE(deep->windowgx - deep->windowlx, 1e-4f * 1000);  // 20 halved 7 times about 1000
+  EXPECT_LT(deep->windowgx - deep->windowlx, 2e-4f * 1000);
+  EXPECT_LE(wheelZoom(from, 0.5f, 0.5f, -200)->windowgx, 1e30f);
+  EXPECT_FALSE(wheelZoom({1e-30f, 1.5e-30f, -5, 5, 0, 0, 1, 1, 5}, 0, 0.5f, 1).has_value());
+  EXPECT_FALSE(dragPan({-10, -10, -5, 5, 0, 0, 1, 1, 5}, 0.1f, 0).has_value());  // no extent
+  // Divisions: kept from 4 to 12 across, else 1, 2 or 5 times a power of ten, 4 to 10 across.
+  const float divisions[][3] = {{1, 10, 1}, {1, 4, 1}, {1, 12, 1}, {1, 13, 2}, {1, 3.9f, 0.5f},
+                                {0, 10, 1}, {-1, 10, 1}, {0.25f, 0.003f, 0.0005f}, {7, 1e6f, 100000}};
+  for (const auto& d : divisions) EXPECT_FLOAT_EQ(fittingDivision(d[0], d[1]), d[2]) << d[0] << " on " << d[1];
+}
+
 }  // namespace
 }  // namespace orvane

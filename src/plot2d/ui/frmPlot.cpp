@@ -1,6 +1,7 @@
 #include "plot2d/ui/frmPlot.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
@@ -16,6 +17,7 @@
 #include <QPushButton>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <QWheelEvent>
 #include <optional>
 #include <span>
 #include <tuple>
@@ -341,6 +343,8 @@ void frmPlot::buildControls() {
 
   Picture1 = new PictureBox(nullptr, kPictureWidth, kPictureHeight);
   Picture1->setObjectName(QStringLiteral("Picture1"));
+  Picture1->setFocusPolicy(Qt::StrongFocus);  // + - and the arrows zoom and pan it
+  Picture1->installEventFilter(this);
   cmdExit = button("cmdExit", "E&xit", nullptr);
   // Leaving the window never waits for a field to be filled in correctly.
   TextBox::setCausesValidation(cmdExit, false);
@@ -715,7 +719,7 @@ void frmPlot::PlotDriver() {
   const StudyFieldTexts texts = ReadSettings();
   const StudySettings s = readStudySettings(texts);
   PlotRequest request;
-  request.setup = readPlotSetup(plotSetupTexts());
+  request.setup = dragWindow_ ? *dragWindow_ : readPlotSetup(plotSetupTexts());
   request.options.grid = chkGrid->isChecked();
   request.options.shade = chkShade->isChecked();
   request.options.labelWindow = chkWindow->isChecked();
@@ -841,6 +845,135 @@ void frmPlot::Picture1_MouseDown(Qt::MouseButton, float x, float y) {
 
 void frmPlot::Picture1_MouseMove(Qt::MouseButtons, float x, float y) {
   Picture1->setToolTip(qs(positionTooltip(x, y)));
+}
+
+bool frmPlot::eventFilter(QObject* watched, QEvent* event) {
+  if (watched != Picture1) return QWidget::eventFilter(watched, event);
+  switch (event->type()) {
+    case QEvent::Wheel: {
+      const auto* wheel = static_cast<QWheelEvent*>(event);
+      Picture1_Wheel(wheel->position(), wheel->angleDelta().y());
+      return true;
+    }
+    case QEvent::KeyPress:
+      return Picture1_KeyDown(static_cast<QKeyEvent*>(event)->key());
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease: {
+      // Other buttons centre the window as they are pressed.
+      const auto* mouse = static_cast<QMouseEvent*>(event);
+      if (mouse->button() != Qt::LeftButton) return false;
+      if (event->type() == QEvent::MouseButtonPress) {
+        Picture1_LeftDown(mouse->position());
+      } else {
+        Picture1_LeftUp(mouse->position());
+      }
+      return true;
+    }
+    case QEvent::MouseMove: {
+      // Passed on as well: the tooltip follows the pointer.
+      const auto* mouse = static_cast<QMouseEvent*>(event);
+      if (mouse->buttons() & Qt::LeftButton) Picture1_LeftDrag(mouse->position());
+      return false;
+    }
+    default:
+      return false;
+  }
+}
+
+void frmPlot::showMovedWindow(const PlotSetup& moved) {
+  const std::array<std::string, 6> texts = mouseMoveTexts(moved);
+  setWindowTexts({texts[0], texts[1], texts[2], texts[3]});
+  setText(txtDivx, texts[4]);
+  setText(txtDivy, texts[5]);
+  cmdPlot_Click();
+}
+
+void frmPlot::Picture1_Wheel(const QPointF& at, int angleDelta) {
+  // One step for each 120 eighths of a degree, as a mouse wheel's notch turns it.
+  constexpr int kNotch = 120;
+  if (dragging_) return;
+  wheelAngle_ += angleDelta;
+  const int notches = wheelAngle_ / kNotch;
+  if (notches == 0) return;
+  wheelAngle_ -= notches * kNotch;
+  // The pointer is placed on the fields' window, which is the one drawn unless they
+  // were edited since (the picture is empty then).
+  const Canvas& picture = Picture1->canvas();
+  const float shareX = float(at.x() / picture.pixelWidth()), shareY = float(at.y() / picture.pixelHeight());
+  std::optional<PlotSetup> zoomed;
+  try {
+    zoomed = wheelZoom(readPlotSetup(plotSetupTexts()), shareX, shareY, notches);
+  } catch (const RuntimeError& e) {
+    Command command(*this);
+    reportError(e);
+    return;
+  }
+  if (zoomed) showMovedWindow(*zoomed);
+}
+
+bool frmPlot::Picture1_KeyDown(int key) {
+  // The zoom buttons' codes: 5 zoom in, 0 zoom out, 6..9 pan right, up, left, down.
+  static constexpr std::pair<int, int> kKeys[] = {{Qt::Key_Plus, 5},  {Qt::Key_Equal, 5}, {Qt::Key_Minus, 0},
+                                                  {Qt::Key_Right, 6}, {Qt::Key_Up, 7},    {Qt::Key_Left, 8},
+                                                  {Qt::Key_Down, 9}};
+  for (const auto& [k, code] : kKeys)
+    if (k == key) {
+      if (!dragging_) Zoom(code);  // during a drag the mouse has the window
+      return true;
+    }
+  return false;
+}
+
+void frmPlot::Picture1_LeftDown(const QPointF& at) {
+  leftDownAt_ = at;
+  leftDownUser_ = Picture1->toUser(at);
+  dragging_ = false;
+  dragWindow_.reset();
+}
+
+std::optional<PlotSetup> frmPlot::draggedWindow(const QPointF& at) const {
+  const QPointF moved = at - *leftDownAt_;
+  const Canvas& picture = Picture1->canvas();
+  return dragPan(dragFrom_, float(moved.x() / picture.pixelWidth()), float(moved.y() / picture.pixelHeight()));
+}
+
+void frmPlot::Picture1_LeftDrag(const QPointF& at) {
+  if (!leftDownAt_) return;
+  if (!dragging_) {
+    if ((at - *leftDownAt_).manhattanLength() < QApplication::startDragDistance()) return;
+    try {
+      dragFrom_ = readPlotSetup(plotSetupTexts());
+    } catch (const RuntimeError&) {
+      return;  // fields that cannot be read: no drag, and the release is a click
+    }
+    dragging_ = true;
+  }
+  if (std::optional<PlotSetup> window = draggedWindow(at)) dragWindow_ = window;
+  // The picture follows at once; a drag arriving while a plot draws is drawn after it.
+  if (working()) {
+    plotQueued_ = true;
+    return;
+  }
+  Command command(*this);
+  Replot();
+}
+
+void frmPlot::Picture1_LeftUp(const QPointF& at) {
+  if (!leftDownAt_) return;
+  if (!std::exchange(dragging_, false)) {
+    leftDownAt_.reset();
+    Picture1_MouseDown(Qt::LeftButton, float(leftDownUser_.x()), float(leftDownUser_.y()));
+    return;
+  }
+  const std::optional<PlotSetup> released = draggedWindow(at);
+  const std::optional<PlotSetup> reached = released ? released : dragWindow_;
+  leftDownAt_.reset();
+  dragWindow_.reset();
+  if (reached) {
+    showMovedWindow(*reached);
+  } else {
+    cmdPlot_Click();
+  }
 }
 
 void frmPlot::Picture1_Resized() {

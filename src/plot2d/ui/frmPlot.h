@@ -3,9 +3,11 @@
 // extrema, integral and values of derivatives over a study interval, and its graph
 // with the regression's data points, with zoom, pan, printing, export and copying.
 
+#include <QPointF>
 #include <QWidget>
 #include <array>
 #include <functional>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -66,6 +68,8 @@ class frmPlot : public QWidget {
   void closeEvent(QCloseEvent* event) override;
   void showEvent(QShowEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  // The picture's wheel, left-button drag and keys move the window.
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private slots:
   void txtEquation_Change();
@@ -93,6 +97,11 @@ class frmPlot : public QWidget {
   void Picture1_MouseDown(Qt::MouseButton button, float x, float y);
   void Picture1_MouseMove(Qt::MouseButtons buttons, float x, float y);
   void Picture1_Resized();
+  void Picture1_Wheel(const QPointF& at, int angleDelta);
+  bool Picture1_KeyDown(int key);
+  void Picture1_LeftDown(const QPointF& at);
+  void Picture1_LeftDrag(const QPointF& at);
+  void Picture1_LeftUp(const QPointF& at);
   void mnuSave_Click();
   void mnuSaveAs_Click();
   void mnuPrint_Click();
@@ -143,6 +152,10 @@ class frmPlot : public QWidget {
   void Zoom(int code);
   void moveWindow(const std::function<std::array<std::string, 4>()>& newWindow);
   void setWindowTexts(const std::array<std::string, 4>& texts);
+  // Writes a window the mouse moved to, with its divisions, and plots it.
+  void showMovedWindow(const PlotSetup& moved);
+  // The window a drag has reached when the pointer is at `at` (pixels), if it can be drawn.
+  std::optional<PlotSetup> draggedWindow(const QPointF& at) const;
   void limitPair(TextBox* lower, TextBox* upper, bool leavingLower);
   void exportTo(const std::string& name);
   void showConstants(int current);
@@ -175,6 +188,15 @@ class frmPlot : public QWidget {
   bool stopRequested_ = false;    // Esc or the close box during the work
   bool resizeReplotPending_ = false;
   bool firstShow_ = true;
+
+  // The mouse on the picture. A left press becomes a drag once the pointer has moved a
+  // few pixels; released before that, it is a click and centres the window there.
+  std::optional<QPointF> leftDownAt_;  // pixels
+  QPointF leftDownUser_;               // the same point in the plotted coordinates
+  bool dragging_ = false;
+  PlotSetup dragFrom_;                 // the window when the button went down
+  std::optional<PlotSetup> dragWindow_;  // drawn instead of the fields' window while dragging
+  int wheelAngle_ = 0;                 // wheel turns short of a whole step (touchpads)
 
   // Controls, named as on the form.
   QMenuBar* menuBar_ = nullptr;

@@ -13,6 +13,7 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QWheelEvent>
 #include <QtTest>
 #include <functional>
 #include <memory>
@@ -302,6 +303,62 @@ class PlotWindowTest : public QObject {
     click("cmdPlot");
     QCOMPARE(messages().size(), 1);
     QCOMPARE(dialogs_->busy(), false);
+  }
+
+  // The wheel zooms about the pointer and a drag pans, both fitting the divisions to the
+  // new window; the fields change when the drag ends, the picture while it goes on. A
+  // click without motion still centres, and the focused picture's keys act as buttons.
+  void wheelDragAndKeysMoveTheWindow() {
+    const char* fields[] = {"txtWindowlx", "txtWindowgx", "txtWindowly", "txtWindowgy", "txtDivx", "txtDivy"};
+    const char* start[] = {"-10", "10", "-5", "5", "1", "0.25"};
+    for (int i = 0; i < 6; ++i) type(fields[i], QString::fromLatin1(start[i]));
+    click("cmdPlot");
+    auto* box = control<PictureBox>("Picture1");
+    auto pixel = [&](float x, float y) { return QPointF(picture().toPixelX(x), picture().toPixelY(y)); };
+    auto wheel = [&](QPointF at, int delta) {
+      QWheelEvent e(at, box->mapToGlobal(at), {}, {0, delta}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+      QCoreApplication::sendEvent(box, &e);
+    };
+    auto mouse = [&](QEvent::Type type, QPointF at, Qt::MouseButton button, Qt::MouseButtons held) {
+      QMouseEvent e(type, at, box->mapToGlobal(at), button, held, Qt::NoModifier);
+      QCoreApplication::sendEvent(box, &e);
+    };
+    auto setup = [&] { return window() << text("txtDivx") << text("txtDivy"); };
+    const size_t plots = dialogs_->busyCalls().size();
+    const QPointF pointer = pixel(5, 0);
+    wheel(pointer, 120);
+    QCOMPARE(setup(), QStringList({"-2.5", "7.5", "-2.5", "2.5", "1", "0.5"}));
+    QCOMPARE(dialogs_->busyCalls().size(), plots + 2);  // drawn again
+    QCOMPARE(pixel(5, 0), pointer);                     // the point stays under the pointer
+    wheel(pointer, -60);  // half a notch (a touchpad) waits for the other half
+    QCOMPARE(text("txtWindowlx"), QStringLiteral("-2.5"));
+    wheel(pointer, -60);
+    QCOMPARE(setup(), QStringList({"-10", "10", "-5", "5", "2", "1"}));
+
+    mouse(QEvent::MouseButtonPress, {300, 200}, Qt::LeftButton, Qt::LeftButton);
+    mouse(QEvent::MouseMove, {360, 260}, Qt::NoButton, Qt::LeftButton);
+    QCOMPARE(text("txtWindowlx"), QStringLiteral("-10"));  // the fields wait for the release
+    QCOMPARE(picture().ScaleLeft(), -12.0f);                // the picture follows already
+    QCOMPARE(colourAt(0, 0), QStringLiteral("#ff00ff"));    // with the origin drawn there
+    mouse(QEvent::MouseButtonRelease, {360, 260}, Qt::LeftButton, Qt::NoButton);
+    QCOMPARE(setup(), QStringList({"-12", "8", "-3.5", "6.5", "2", "1"}));
+    QVERIFY(window_->graphDrawn());
+
+    // A press that wobbles less than a drag is a click: centred where it went down.
+    mouse(QEvent::MouseButtonPress, pixel(0, 0), Qt::LeftButton, Qt::LeftButton);
+    mouse(QEvent::MouseMove, pixel(0, 0) + QPointF(3, 2), Qt::NoButton, Qt::LeftButton);
+    QCOMPARE(picture().ScaleLeft(), -12.0f);
+    mouse(QEvent::MouseButtonRelease, pixel(0, 0) + QPointF(3, 2), Qt::LeftButton, Qt::NoButton);
+    QCOMPARE(window(), QStringList({"-10", "10", "-5", "5"}));
+    mouse(QEvent::MouseButtonPress, pixel(1, 1), Qt::RightButton, Qt::RightButton);  // at once
+    QCOMPARE(window(), QStringList({"-9", "11", "-4", "6"}));
+
+    box->setFocus();
+    QTest::keyClick(box, Qt::Key_Plus);
+    QCOMPARE(setup(), QStringList({"-4", "6", "-1.5", "3.5", "2", "1"}));  // as "Zoom in"
+    QTest::keyClick(box, Qt::Key_Left);
+    QCOMPARE(window(), QStringList({"-6.5", "3.5", "-1.5", "3.5"}));
+    QVERIFY(messages().isEmpty());
   }
 
   void fieldsAreCorrectedAsTheyAreLeft() {
