@@ -1,5 +1,6 @@
 // Orvane Regression: the process starts here and ends when the main window unloads.
 
+#include <QCommandLineParser>
 #include <QWidget>
 
 #include "app/Application.h"
@@ -9,9 +10,13 @@
 int main(int argc, char* argv[]) {
   orvane::Application application(argc, argv);
   orvane::Application::setApplicationName("Orvane Regression");
+  QCommandLineParser arguments;
+  arguments.addPositionalArgument("FILE", "a regression file pair or a CSV table to open", "[FILE]");
+  arguments.process(application);
+  const QStringList files = arguments.positionalArguments();
   orvane::QtDialogs dialogs(nullptr);
   application.reportErrorsTo(&dialogs);
   orvane::SubMain subMain(dialogs);
-  if (!subMain.Start()) return 0;
+  if (!subMain.Start(files.isEmpty() ? std::string() : files.front().toStdString())) return 0;
   return orvane::Application::exec();
 }

@@ -22,6 +22,7 @@
 #include "platform/ui/TextBox.h"
 #include "stereo/FieldRules.h"
 #include "stereo/StereoExport.h"
+#include "platform/ui/Shortcuts.h"
 #include "stereo/StereoRender.h"
 #include "stereo/StereoReport.h"
 
@@ -98,6 +99,7 @@ void frmStereoPlot::Form_Load() {
   connect(mnuCopyLeft, &QAction::triggered, this, &frmStereoPlot::mnuCopyLeft_Click);
   connect(mnuCopyRight, &QAction::triggered, this, &frmStereoPlot::mnuCopyRight_Click);
   connect(mnuHelp, &QAction::triggered, this, &frmStereoPlot::mnuHelp_Click);
+  mnuHelp->setShortcuts(StandardKeys(QKeySequence::HelpContents, QKeySequence(Qt::Key_F1)));
 
   const std::pair<QPushButton*, int> zooms[] = {
       {cmdZoomOut, kZoomOut},     {cmdZoomIn, kZoomIn},       {cmdPanRight, kPanRight}, {cmdPanUp, kPanUp},
