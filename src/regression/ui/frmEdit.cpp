@@ -430,9 +430,10 @@ void frmEdit::PasteBlock(const QString& text) {
   int added = 0;
   if (missing > 0) {
     const QString question = QStringLiteral("The pasted block has %1 rows, %2 more than the data sets from here on.\r"
-                                            "Add %2 data sets? (No pastes the rows that fit.)")
+                                            "Add %2 data %3? (No pastes the rows that fit.)")
                                  .arg(rows.size())
-                                 .arg(missing);
+                                 .arg(missing)
+                                 .arg(missing == 1 ? QStringLiteral("set") : QStringLiteral("sets"));
     const int answer = dialogs_.MsgBox(question.toStdString(), mb::YesNoCancel | mb::Question, "Paste");
     if (answer == mb::Cancel) return;
     if (answer == mb::Yes) {

@@ -536,6 +536,10 @@ bool frmOrvane::openProblem(const std::string& path, bool asTable) {
   }
   if (asTable && !acceptColumnNames(opened)) return false;
   fileName_ = asTable ? std::string() : path;  // Save writes a pair, never over the table
+  if (asTable) {
+    const QFileInfo table(qs(path));
+    offeredName_ = table.dir().filePath(table.completeBaseName() + QStringLiteral(".txt")).toStdString();
+  }
   loadingFile_ = true;
   workbench_.problem = std::move(opened);
   workbench_.fitted = workbench_.problem.computed;
@@ -585,7 +589,7 @@ bool frmOrvane::acceptColumnNames(RegressionProblem& problem) {
 
 void frmOrvane::mnuSave_Click() {
   if (fileName_.empty()) {
-    const std::optional<std::string> name = dialogs_.SaveFileName("Save", kFileFilter);
+    const std::optional<std::string> name = dialogs_.SaveFileName("Save", kFileFilter, offeredName_);
     if (name) fileName_ = *name;
   }
   if (!fileName_.empty()) writeFiles(fileName_);

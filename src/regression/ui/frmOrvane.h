@@ -131,6 +131,7 @@ class frmOrvane : public QMainWindow {
   std::string fileName_;
   bool loadingFile_ = false;  // the loaded-from-file flag
   QString titleName_;         // the file the problem came from or was saved to
+  std::string offeredName_;   // what Save offers for an imported table: its name with .txt
   bool modified_ = false;
 
   // The window's own engine; it checks formulas the way the plot windows evaluate them.

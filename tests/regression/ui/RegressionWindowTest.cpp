@@ -448,6 +448,8 @@ class RegressionWindowTest : public QObject {
     QVERIFY(!w.mnuOpen->isEnabled() && !w.mnuImportCsv->isEnabled() && w.mnuSave->isEnabled());
     QCOMPARE(w.titleEnd(), QStringLiteral(" - stack.csv"));
     QCOMPARE(w.window.fileName(), std::string());  // Save asks for a pair's name, never writes over the table
+    w.mnuSave->trigger();
+    QCOMPARE(w.dialogs.fileDialogs().back().initialPath, QDir(folder.path()).filePath("stack.txt").toStdString());
   }
 
   // A 3 x 2 block from a spreadsheet fills the cells from the current one, asking before
@@ -465,7 +467,7 @@ class RegressionWindowTest : public QObject {
     QTest::keyClick(editor->MSFlexGridEdit, Qt::Key_V, Qt::ControlModifier);
     QCOMPARE(w.dialogs.messages().size(), size_t{1});
     QCOMPARE(w.dialogs.messages()[0].prompt,
-             std::string("The pasted block has 3 rows, 1 more than the data sets from here on.\rAdd 1 data sets? "
+             std::string("The pasted block has 3 rows, 1 more than the data sets from here on.\rAdd 1 data set? "
                          "(No pastes the rows that fit.)"));
     QCOMPARE(w.problem.N, 4);
     QCOMPARE(w.txtN->text(), QStringLiteral("4"));
