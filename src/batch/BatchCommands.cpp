@@ -156,7 +156,9 @@ show the data and the line (-6 6 -6 6, axes at 0, divisions 2 without data).
   --derivative K        plot the K-th derivative, 0..9 (default 0, the function)
   --grid --shade --label-window   the window's check boxes (default off)
   --no-label-divisions  leave the divisions unlabelled (labelled by default)
-  --data FILE [--csv] [--rename]   mark the data sets of a regression file pair or CSV file
+  --data FILE [--csv] [--rename]
+                        mark the data sets of a regression file pair or CSV file (the
+                        options as for fit)
   --const NAME=EXPR     a user constant; may be repeated
 )";
 
@@ -191,7 +193,8 @@ the window's fields (pi/2 is accepted); defaults are the window's.
   --div X Y Z                  divisions on the axes (default 1 1 1)
   --derivative XD YD           partial derivative orders, each 0..2, sum at most 2
   --accuracy high|med          partial-derivative formulas (default high)
-  --data FILE [--csv] [--rename]  mark the data sets of a problem with two variables
+  --data FILE [--csv] [--rename]
+                               mark the data sets of a problem with two variables
   --const NAME=EXPR            a user constant; may be repeated
   --export FILE                also write the settings and constants as the window's
                                export does, with FILE_left.bmp and FILE_right.bmp
