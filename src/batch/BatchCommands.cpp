@@ -90,8 +90,8 @@ to standard error; the exit status stays 0.
 FILE is a regression file pair (FILE, with its data file FILE.dat beside it) or a
 CSV file: a header line naming the columns, the first column the dependent variable,
 then one data set per line (at least 3), separated by ",", ";" or tabs (whichever the
-header uses most), "." the decimal point. A file ending in .csv, or one without a .dat
-beside it whose first field is not a number, is read as CSV; --csv forces it.
+header uses most), "." the decimal point. A file without a .dat beside it is read as
+CSV when its name ends in .csv or its first field is not a number; --csv forces it.
 Column names are a letter followed by letters and digits, each a name of its own; a
 header with other names is refused with the names the regression window would offer.
 

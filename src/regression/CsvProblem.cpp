@@ -161,9 +161,10 @@ RegressionProblem ReadCsvProblem(const std::string& path) { return ParseCsvProbl
 
 bool ReadsAsCsv(const std::string& path) {
   namespace fs = std::filesystem;
-  if (lower(fs::path(path).extension().string()) == ".csv") return true;
   std::error_code ec;
-  if (fs::exists(DataFileName(path), ec) || !fs::is_regular_file(path, ec)) return false;  // the pair's reader says why
+  if (fs::exists(DataFileName(path), ec)) return false;
+  if (lower(fs::path(path).extension().string()) == ".csv") return true;
+  if (!fs::is_regular_file(path, ec)) return false;  // the pair's reader says why
   std::ifstream in(path, std::ios::binary);
   std::string start(256, '\0');
   in.read(start.data(), static_cast<std::streamsize>(start.size()));

@@ -47,9 +47,9 @@ RegressionProblem ParseCsvProblem(const std::string& fileName, const std::string
 // The same from a file.
 RegressionProblem ReadCsvProblem(const std::string& path);
 
-// Whether FILE is read as a table rather than as a regression file pair: a name ending
-// in .csv; otherwise a file without its data file beside it whose first field is not a
-// number (the first file of a pair starts with the number of data sets).
+// Whether FILE is read as a table rather than as a regression file pair: never when its
+// data file is beside it; otherwise when its name ends in .csv or its first field is not
+// a number (the first file of a pair starts with the number of data sets).
 bool ReadsAsCsv(const std::string& path);
 
 // A name of the header the problem cannot take, and the one offered in its place.

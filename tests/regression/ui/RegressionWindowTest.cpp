@@ -5,6 +5,7 @@
 // Keys go where a person's keys go, to the widget that holds the focus in the active
 // window; the keyboard test also runs on a real X server (see CMakeLists.txt).
 
+#include <QAbstractItemModelTester>
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
@@ -460,6 +461,7 @@ class RegressionWindowTest : public QObject {
     QVERIFY(w.setUp("1", "y", "x", "3"));
     frmEdit* editor = w.openEditor();
     QVERIFY(editor);
+    QAbstractItemModelTester tester(editor->model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
     QVERIFY(w.press("5 Enter"));
     editor->MSFlexGridEdit->setCurrentIndex(editor->model()->index(1, 0));
     w.dialogs.setClipboardText("\"1.5\"\t10\r\n2\t 20\r\n3e1\t-30\r\n");
