@@ -12,6 +12,7 @@
 #include <QUndoStack>
 #include <QVBoxLayout>
 #include <functional>
+#include <memory>
 #include <new>
 
 #include "platform/Dialogs.h"
@@ -380,6 +381,14 @@ void frmEdit::cmdDelete_Click() {
   undoStack_->push(new DeleteCommand(*model_, current.row(), [this] { emit setCountChanged(); }));
 }
 
+void frmEdit::AddSets(int count) {
+  hideEntryBox();
+  auto command = std::make_unique<CellsCommand>(QStringLiteral("Add data"), *model_, std::vector<CellChange>{}, count,
+                                                [this] { emit setCountChanged(); });
+  undoStack_->push(command.get());  // the sets are added here; a failure leaves the stack as it was
+  command.release();
+}
+
 QString frmEdit::SelectedText() const {
   const QItemSelection selection = MSFlexGridEdit->selectionModel()->selection();
   const QModelIndex current = MSFlexGridEdit->currentIndex();
@@ -461,8 +470,10 @@ void frmEdit::PasteBlock(const QString& text) {
   }
   if (changes.empty()) return;
   try {
-    undoStack_->push(new CellsCommand(QStringLiteral("Paste"), *model_, std::move(changes), added,
-                                      [this] { emit setCountChanged(); }));
+    auto command = std::make_unique<CellsCommand>(QStringLiteral("Paste"), *model_, std::move(changes), added,
+                                                  [this] { emit setCountChanged(); });
+    undoStack_->push(command.get());
+    command.release();
   } catch (const std::bad_alloc&) {
     dialogs_.MsgBox("Out of memory", mb::Critical);
     return;

@@ -38,6 +38,9 @@ class frmEdit : public QWidget {
   // kept to the characters a number is typed with. Asks before it adds data sets and
   // refuses a block wider than the columns left; one step to undo.
   void PasteBlock(const QString& text);
+  // Adds `count` empty data sets at the end ("Add data"), one step to undo; std::bad_alloc
+  // when memory runs out, nothing changed.
+  void AddSets(int count);
   // The selected cells (or the current one) as tab-separated lines.
   QString SelectedText() const;
 

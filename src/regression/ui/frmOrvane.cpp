@@ -202,6 +202,14 @@ void frmOrvane::buildFileCommands() {
   setAcceptDrops(true);
 }
 
+// The windows without a Help menu of their own show this window's help on F1.
+void frmOrvane::helpOnF1(QWidget& window) {
+  auto* help = new QAction(&window);
+  help->setShortcuts(StandardKeys(QKeySequence::HelpContents, QKeySequence(Qt::Key_F1)));
+  window.addAction(help);
+  connect(help, &QAction::triggered, this, &frmOrvane::mnuHelp_Click);
+}
+
 void frmOrvane::Form_Load() {
   workbench_.startDirectory = QDir::currentPath().toStdString();
   sh.sharedError = &workbench_.evaluationError;
@@ -246,6 +254,7 @@ frmEdit& frmOrvane::editorWindow() {
     // A window of its own (no parent), so disabling the main window leaves it usable.
     editor_ = std::make_unique<frmEdit>(workbench_.problem, dialogs_);
     connect(editor_.get(), &frmEdit::setCountChanged, this, &frmOrvane::frmEdit_SetCountChanged);
+    helpOnF1(*editor_);
     // Any change of the data, typed, pasted, deleted, undone or redone, is unsaved.
     const auto changed = [this] { setModified(true); };
     connect(editor_->model(), &QAbstractItemModel::dataChanged, this, changed);
@@ -375,21 +384,26 @@ void frmOrvane::cmdAddData_Click() {
     return;
   }
   if (!(value >= 1) || value > 2147483647.0 - workbench_.problem.N) return;
-  try {
-    if (RegressionProblem::tooLarge(workbench_.problem.m, workbench_.problem.N + static_cast<int64_t>(value))) throw std::bad_alloc();
-    workbench_.problem.addDataSets(static_cast<int32_t>(value));
-  } catch (const std::bad_alloc&) {
+  if (RegressionProblem::tooLarge(workbench_.problem.m, workbench_.problem.N + static_cast<int64_t>(value))) {
     dialogs_.MsgBox(kOutOfMemory, mb::Critical);
     return;
   }
-  txtN->setText(QString::number(workbench_.problem.N));
-  setModified(true);
+  // The editor opens first, so that the new sets are its first step to undo.
   cmdEditData_Click();
+  if (!editor_ || !editor_->isVisible()) return;
+  try {
+    editor_->AddSets(static_cast<int32_t>(value));
+  } catch (const std::bad_alloc&) {
+    dialogs_.MsgBox(kOutOfMemory, mb::Critical);
+  }
 }
 
+// Sets were added, deleted, or brought back or taken away again by undo and redo. As a
+// delete does, a set taken away clears the results; added sets leave them.
 void frmOrvane::frmEdit_SetCountChanged() {
+  const bool fewer = workbench_.problem.N < txtN->text().toInt();
   txtN->setText(QString::number(workbench_.problem.N));
-  ClearResults();
+  if (fewer) ClearResults();
 }
 
 void frmOrvane::frmEdit_Done() { setEnabled(true); }
@@ -463,15 +477,20 @@ void frmOrvane::showSummary() {
 }
 
 void frmOrvane::mnuStatistics_Click() {
-  if (!statistics_) statistics_ = std::make_unique<frmStatistics>(workbench_, dialogs_);
+  if (!statistics_) {
+    statistics_ = std::make_unique<frmStatistics>(workbench_, dialogs_);
+    helpOnF1(*statistics_);
+  }
   statistics_->show();
   statistics_->raise();
   statistics_->activateWindow();
 }
 
 void frmOrvane::cmdEvaluations_Click() {
-  if (!evaluations_ || !evaluations_->isVisible())
+  if (!evaluations_ || !evaluations_->isVisible()) {
     evaluations_ = std::make_unique<frmEvaluations>(workbench_.problem, dialogs_);
+    helpOnF1(*evaluations_);
+  }
   evaluations_->show();
   evaluations_->raise();
   evaluations_->activateWindow();

@@ -117,6 +117,7 @@ class frmOrvane : public QMainWindow {
   bool acceptColumnNames(RegressionProblem& problem);
   // The menus' keys and the table entries of File.
   void buildFileCommands();
+  void helpOnF1(QWidget& window);
   // The caption, the name of the file open and "*" while there are unsaved changes.
   void setModified(bool modified);
   void showTitle();

@@ -292,6 +292,10 @@ class RegressionWindowTest : public QObject {
     fresh.dialogs.queueInputBox(std::string("2"));
     fresh.cmdAddData->click();
     QCOMPARE(column(fresh.problem, 2), QList<double>({3.1, 4.9, 7, 9.2, 10.8, 0, 0}));
+    QVERIFY(QTest::qWaitForWindowActive(fresh.window.editor()));
+    QTest::keyClick(fresh.window.editor()->MSFlexGridEdit, Qt::Key_Z, Qt::ControlModifier);  // the added sets go
+    QCOMPARE(fresh.problem.N, 5);
+    QCOMPARE(fresh.txtN->text(), QStringLiteral("5"));
   }
 
   // y then x for three sets, each value ended by Enter, the arrows moving between the
@@ -494,6 +498,10 @@ class RegressionWindowTest : public QObject {
     QTest::keyClick(editor->MSFlexGridEdit, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
     QTest::keyClick(editor->MSFlexGridEdit, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
     QCOMPARE(column(w.problem, 2), QList<double>({5, 1.5, 2, 30}));
+
+    QTest::keyClick(editor->MSFlexGridEdit, Qt::Key_F1);  // the main window's help, from the editor too
+    QCOMPARE(w.dialogs.helpRequests().size(), size_t{1});
+    QVERIFY(QString::fromStdString(w.dialogs.helpRequests()[0]).endsWith("/orvane.hlp"));
 
     w.dialogs.setClipboardText("1\t2\t3\n");  // wider than the two columns: refused, nothing changes
     QTest::keyClick(editor->MSFlexGridEdit, Qt::Key_V, Qt::ControlModifier);
