@@ -66,6 +66,15 @@ TEST(RegressionProblem, HeaderNameCorrections) {
   }
 }
 
+// Exported sets read back as they were, names with blanks or quotes included.
+TEST(RegressionProblem, TableTextReadsBack) {
+  const RegressionProblem p = makeProblem(2, {{1, -3.5, 7}, {1e-05, 2, 8}, {1.5e+20, 0.1, -9}}, {" y", "a\"b"}, "z");
+  const RegressionProblem read = ParseCsvProblem("t.csv", CsvText(p));
+  EXPECT_EQ(read.dependentName, "z");
+  EXPECT_EQ(read.names, p.names);
+  for (int j = 1; j <= 3; ++j) EXPECT_EQ(column(read, j), column(p, j)) << j;
+}
+
 TEST(RegressionProblem, AddAndDeleteSets) {
   const struct {
     int add, remove;  // delete first, then add

@@ -13,6 +13,7 @@
 #include <QFile>
 #include <QLabel>
 #include <QListWidget>
+#include <QMimeData>
 #include <QPushButton>
 #include <QTableView>
 #include <QTemporaryDir>
@@ -422,10 +423,15 @@ class RegressionWindowTest : public QObject {
     const QString path = QDir(folder.path()).filePath("stack.csv");
     writeText(path, "stack.loss;\"Acid Conc.\";y_1;Temp\r\n42;89;80;27\r\n37;86;80;27\r\n37;72;75;25\r\n");
 
-    MainWindow cancelled;  // File > Open of a table reads it as one; Cancel leaves the window fresh
-    cancelled.dialogs.queueOpenFileName(path.toStdString());
+    MainWindow cancelled;  // dropped on the window, a table opens as one; Cancel leaves the window fresh
     cancelled.dialogs.queueEditNames(std::nullopt);
-    cancelled.mnuOpen->trigger();
+    QMimeData dragged;
+    dragged.setUrls({QUrl::fromLocalFile(path)});
+    QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&cancelled.window, &enter);
+    QVERIFY(enter.isAccepted());
+    QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&cancelled.window, &drop);
     QCOMPARE(cancelled.dialogs.nameLists().size(), size_t{1});
     QVERIFY(cancelled.mnuOpen->isEnabled() && cancelled.txtOrder->isEnabled());
     QCOMPARE(cancelled.problem.m, 0);
