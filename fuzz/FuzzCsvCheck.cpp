@@ -4,13 +4,13 @@
 #include <string>
 #include <vector>
 
-#include "batch/CsvProblem.h"
+#include "regression/CsvProblem.h"
 #include "regression/RegressionFile.h"
 
 namespace orvane::fuzz {
 
-// A table the reader accepts is consistent and can be saved as a regression file pair
-// and read back.
+// A table the reader accepts is consistent and, with the names offered in place of those
+// the window would not take, can be saved as a regression file pair and read back.
 std::string CheckCsvProblem(std::string_view input) {
   RegressionProblem problem;
   try {
@@ -18,6 +18,11 @@ std::string CheckCsvProblem(std::string_view input) {
   } catch (const RegressionFileError& e) {
     return std::string(e.what()).empty() ? "a refusal without a message" : "";
   }
+  std::vector<std::string> names = ColumnNames(problem);
+  for (const NameCorrection& c : NameCorrections(names)) names[c.column] = c.offered;
+  for (size_t j = 0; j < names.size(); ++j)
+    if (!IsAcceptedColumnName(names, j)) return "an offered name the window would not take";
+  RenameColumns(problem, std::move(names));
   if (problem.m < 1 || problem.N < 3 || problem.names.size() != static_cast<size_t>(problem.m))
     return "an accepted table with inconsistent counts";
   if (problem.X.lastColumn() != problem.m + 1 || problem.X.lastRow() != problem.N)

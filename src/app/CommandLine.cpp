@@ -13,7 +13,7 @@ CommandLine::CommandLine() {
   parser_.addHelpOption();
   parser_.addVersionOption();
   parser_.addPositionalArgument(QStringLiteral("file"),
-                                QStringLiteral("A regression file pair (FILE with FILE.dat beside it) to open."),
+                                QStringLiteral("A regression file pair (FILE with FILE.dat beside it) or a CSV table to open."),
                                 QStringLiteral("[file]"));
 }
 

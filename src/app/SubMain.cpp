@@ -24,7 +24,7 @@ SubMain::SubMain(Dialogs& dialogs, Clock clock, DecimalPoint::SeparatorSource se
 
 SubMain::~SubMain() = default;
 
-bool SubMain::Start() {
+bool SubMain::Start(const std::string& fileToOpen) {
   if (!decimalPoint_.Check()) return false;
 
   about_ = std::make_unique<frmAbout>();
@@ -39,6 +39,7 @@ bool SubMain::Start() {
   connect(main_.get(), &frmOrvane::unloaded, this, &SubMain::frmOrvane_Unload);
   ConnectPlotWindows(*main_, dialogs_);
   main_->show();
+  if (!fileToOpen.empty()) main_->OpenFile(fileToOpen);  // a file that will not open is reported there
   return true;
 }
 

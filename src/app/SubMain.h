@@ -5,6 +5,7 @@
 #include <QObject>
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "app/DecimalPoint.h"
 
@@ -26,9 +27,10 @@ class SubMain : public QObject {
                    DecimalPoint::SeparatorSource separator = DecimalPoint::userSeparator);
   ~SubMain() override;
 
-  // Runs the start-up sequence; false when the user refused the decimal point and the
-  // program must end without showing a window.
-  bool Start();
+  // Runs the start-up sequence, then opens `fileToOpen` (a regression file pair or a
+  // table of text) when one is given; false when the user refused the decimal point and
+  // the program must end without showing a window.
+  bool Start(const std::string& fileToOpen = {});
 
   DecimalPoint& decimalPoint() { return decimalPoint_; }
   frmAbout* about() const { return about_.get(); }

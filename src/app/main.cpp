@@ -21,6 +21,6 @@ int main(int argc, char* argv[]) {
   dialogs.setHelpFolders(orvane::HelpFolders(orvane::Application::applicationDirPath()));
   application.reportErrorsTo(&dialogs);
   orvane::SubMain subMain(dialogs);
-  if (!subMain.Start()) return 0;
+  if (!subMain.Start(commandLine.file().toStdString())) return 0;
   return orvane::Application::exec();
 }

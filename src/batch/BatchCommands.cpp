@@ -12,7 +12,7 @@
 #include <optional>
 
 #include "batch/CommandLine.h"
-#include "batch/CsvProblem.h"
+#include "regression/CsvProblem.h"
 #include "batch/FormulaWindow.h"
 #include "batch/PlotFields.h"
 #include "engine/PointEvaluation.h"
@@ -78,7 +78,7 @@ form, or "error N: DESCRIPTION" on standard error (exit status 1).
   --const NAME=EXPR            a user constant, as "a=2.37"; may be repeated
 )";
 
-constexpr const char* kFitHelp = R"(Usage: orvane-batch fit [--csv] [--save SPECFILE] [--stats | --json] [--] FILE
+constexpr const char* kFitHelp = R"(Usage: orvane-batch fit [--csv] [--rename] [--save SPECFILE] [--stats | --json] [--] FILE
 
 Fits y = A0 + A1*x1 + ... + Am*xm and prints the results list as the regression
 window shows it (or its singular-system message, with exit status 1). When values too
@@ -89,9 +89,14 @@ to standard error; the exit status stays 0.
 
 FILE is a regression file pair (FILE, with its data file FILE.dat beside it) or a
 CSV file: a header line naming the columns, the first column the dependent variable,
-then one data set per line (at least 3). A file ending in .csv, or one without a .dat
-beside it whose first field is not a number, is read as CSV; --csv forces it.
+then one data set per line (at least 3), separated by ",", ";" or tabs (whichever the
+header uses most), "." the decimal point. A file without a .dat beside it is read as
+CSV when its name ends in .csv or its first field is not a number; --csv forces it.
+Column names are a letter followed by letters and digits, each a name of its own; a
+header with other names is refused with the names the regression window would offer.
 
+  --rename          take the offered names (letters and digits kept: "stack.loss"
+                    becomes stackloss, "Acid Conc." AcidConc, "y_1" y1)
   --save SPECFILE   also write the problem and its fit as the file pair SPECFILE and
                     SPECFILE.dat, which the regression window opens
   --stats           after the results list, the Statistics window's figures: each
@@ -106,7 +111,7 @@ beside it whose first field is not a number, is read as CSV; --csv forces it.
                     with 17 significant digits, null where there is none
 )";
 
-constexpr const char* kReportHelp = R"(Usage: orvane-batch report [--csv] (--pdf OUT.pdf | --text) [--] FILE
+constexpr const char* kReportHelp = R"(Usage: orvane-batch report [--csv] [--rename] (--pdf OUT.pdf | --text) [--] FILE
 
 Fits FILE (as "fit" reads it) and prints the regression report: the variables, the
 fit, then every data set with its estimate and residual, in "Courier New".
@@ -151,7 +156,9 @@ show the data and the line (-6 6 -6 6, axes at 0, divisions 2 without data).
   --derivative K        plot the K-th derivative, 0..9 (default 0, the function)
   --grid --shade --label-window   the window's check boxes (default off)
   --no-label-divisions  leave the divisions unlabelled (labelled by default)
-  --data FILE [--csv]   mark the data sets of a regression file pair or CSV file
+  --data FILE [--csv] [--rename]
+                        mark the data sets of a regression file pair or CSV file (the
+                        options as for fit)
   --const NAME=EXPR     a user constant; may be repeated
 )";
 
@@ -186,7 +193,8 @@ the window's fields (pi/2 is accepted); defaults are the window's.
   --div X Y Z                  divisions on the axes (default 1 1 1)
   --derivative XD YD           partial derivative orders, each 0..2, sum at most 2
   --accuracy high|med          partial-derivative formulas (default high)
-  --data FILE [--csv]          mark the data sets of a problem with two variables
+  --data FILE [--csv] [--rename]
+                               mark the data sets of a problem with two variables
   --const NAME=EXPR            a user constant; may be repeated
   --anaglyph                   also PREFIX_anaglyph.EXT, one picture for red-cyan
                                glasses (red over the left eye)
@@ -217,20 +225,27 @@ std::string lower(std::string text) {
 
 std::string extensionOf(const std::string& path) { return lower(fs::path(path).extension().string()); }
 
-// FILE as a CSV table or as a regression file pair: a table when forced or named .csv;
-// a pair when its data file is beside it; otherwise a table unless it starts as the
-// first file of a pair does, with the number of data sets.
-RegressionProblem readProblem(const std::string& path, bool forceCsv) {
-  if (forceCsv || extensionOf(path) == ".csv") return ReadCsvProblem(path);
-  std::error_code ec;
-  if (fs::exists(DataFileName(path), ec)) return ReadRegressionFiles(path);
-  const std::string text = ReadFileText(path);
-  try {
-    parseStrict(std::string_view(text).substr(0, text.find_first_of(",\r\n")));
-  } catch (const RuntimeError&) {
-    return ParseCsvProblem(path, text);
+// FILE as a CSV table (when forced by --csv, or when it reads as one) or as a regression
+// file pair. A table's names that the window would not take are refused, naming the
+// names it would offer, unless --rename takes those.
+RegressionProblem readProblem(const std::string& path, const ParsedOptions& o) {
+  if (!o.has("csv") && !ReadsAsCsv(path)) return ReadRegressionFiles(path);
+  RegressionProblem problem = ReadCsvProblem(path);
+  const std::vector<NameCorrection> corrections = NameCorrections(ColumnNames(problem));
+  if (corrections.empty()) return problem;
+  std::string given, offered;
+  for (const NameCorrection& c : corrections) {
+    given += (given.empty() ? "\"" : ", \"") + Excerpt(c.given) + "\"";
+    offered += (offered.empty() ? "" : ", ") + c.offered;
   }
-  return ReadRegressionFiles(path);  // it names the missing data file
+  if (!o.has("rename"))
+    throw RegressionFileError(path + ": the column names " + given +
+                              " are not a letter followed by letters and digits, each a name of its own; "
+                              "--rename takes " + offered + " instead");
+  std::vector<std::string> names = ColumnNames(problem);
+  for (const NameCorrection& c : corrections) names[c.column] = c.offered;
+  RenameColumns(problem, std::move(names));
+  return problem;
 }
 
 std::string singlePositional(const ParsedOptions& o, const std::string& what) {
@@ -338,13 +353,13 @@ constexpr const char* kOverflowMessage =
     "listed are not those of the data.";
 
 int runFit(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
-  const ParsedOptions o = ParseOptions(args, {{"save", 1}, {"csv", 0}, {"stats", 0}, {"json", 0}});
+  const ParsedOptions o = ParseOptions(args, {{"save", 1}, {"csv", 0}, {"rename", 0}, {"stats", 0}, {"json", 0}});
   if (o.has("help")) {
     out << kFitHelp;
     return 0;
   }
   if (o.has("stats") && o.has("json")) throw UsageError("give --stats or --json, not both");
-  RegressionProblem problem = readProblem(singlePositional(o, "FILE"), o.has("csv"));
+  RegressionProblem problem = readProblem(singlePositional(o, "FILE"), o);
   const Fit fit = computeListing(problem);
   if (fit.overflowed) {
     if (!o.has("json"))
@@ -370,7 +385,7 @@ int runFit(const std::vector<std::string>& args, std::ostream& out, std::ostream
 }
 
 int runReport(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
-  const ParsedOptions o = ParseOptions(args, {{"pdf", 1}, {"text", 0}, {"csv", 0}});
+  const ParsedOptions o = ParseOptions(args, {{"pdf", 1}, {"text", 0}, {"csv", 0}, {"rename", 0}});
   if (o.has("help")) {
     out << kReportHelp;
     return 0;
@@ -378,7 +393,7 @@ int runReport(const std::vector<std::string>& args, std::ostream& out, std::ostr
   const std::string file = singlePositional(o, "FILE");
   const std::optional<std::string> pdf = o.single("pdf");
   if (!pdf && !o.has("text")) throw UsageError("give --pdf OUT.pdf or --text");
-  RegressionProblem problem = readProblem(file, o.has("csv"));
+  RegressionProblem problem = readProblem(file, o);
   const Fit fit = computeListing(problem);
   if (fit.overflowed) {
     err << kOverflowMessage << "\n";
@@ -524,7 +539,7 @@ int positiveSize(const std::string& option, const std::string& text) {
 
 // The regression problem whose data sets are marked, and its fit when asked for.
 std::optional<RegressionProblem> dataProblem(const ParsedOptions& o) {
-  if (auto file = o.single("data")) return readProblem(*file, o.has("csv"));
+  if (auto file = o.single("data")) return readProblem(*file, o);
   return std::nullopt;
 }
 
@@ -546,7 +561,7 @@ int runPlot2d(const std::vector<std::string>& args, std::ostream& out, std::ostr
   const ParsedOptions o = ParseOptions(
       args, {{"out", 1}, {"size", 2}, {"window", 4}, {"origin", 2}, {"div", 2}, {"plot-step", 1},
              {"interval", 2}, {"derivative", 1}, {"grid", 0}, {"shade", 0}, {"label-window", 0},
-             {"label-divisions", 0}, {"no-label-divisions", 0}, {"data", 1}, {"csv", 0}, {"const", 1, true}});
+             {"label-divisions", 0}, {"no-label-divisions", 0}, {"data", 1}, {"csv", 0}, {"rename", 0}, {"const", 1, true}});
   if (o.has("help")) {
     out << kPlot2dHelp;
     return 0;
@@ -673,7 +688,7 @@ int runStereo(const std::vector<std::string>& args, std::ostream& out, std::ostr
              {"stereo", 1},     {"reduce", 1},     {"size", 2},     {"lines", 0},      {"no-lines", 0},
              {"dots", 0},       {"no-dots", 0},    {"ndots", 1},    {"seed", 1},       {"background", 1},
              {"reference-lines", 1}, {"origin", 3}, {"div", 3},     {"derivative", 2}, {"accuracy", 1},
-             {"data", 1},       {"csv", 0},        {"const", 1, true}, {"export", 1}, {"anaglyph", 0}});
+             {"data", 1},       {"csv", 0},        {"rename", 0},        {"const", 1, true}, {"export", 1}, {"anaglyph", 0}});
   if (o.has("help")) {
     out << kStereoHelp;
     return 0;

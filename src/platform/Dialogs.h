@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/RuntimeError.h"
 
@@ -48,6 +49,10 @@ class Dialogs {
   // Asks for a line of text; nullopt when the user cancels.
   virtual std::optional<std::string> InputBox(std::string_view prompt, std::string_view title,
                                               std::string_view defaultText = {}) = 0;
+  // Lists names, each beside its label, for the user to accept or edit. True with
+  // `names` as the user left them; false when cancelled (`names` unchanged).
+  virtual bool EditNames(std::string_view title, std::string_view prompt, const std::vector<std::string>& labels,
+                         std::vector<std::string>& names) = 0;
   // File dialogs; filter as "Text (*.txt);;All files (*)". nullopt when cancelled.
   virtual std::optional<std::string> OpenFileName(std::string_view title, std::string_view filter,
                                                   std::string_view initialPath = {}) = 0;
@@ -62,6 +67,8 @@ class Dialogs {
   virtual void CopyPicture(const Canvas& picture) = 0;
   // Puts plain text on the clipboard.
   virtual void CopyText(std::string_view text) = 0;
+  // The clipboard's plain text (empty when it holds none).
+  virtual std::string ClipboardText() = 0;
   virtual void Beep() = 0;
   // Hourglass pointer on (true) or back to the default (false).
   virtual void SetBusy(bool busy) = 0;

@@ -4,11 +4,14 @@ namespace orvane {
 
 namespace {
 
-bool isBlank(char c) { return c == ' ' || c == '\t'; }
-
 }  // namespace
 
-bool SplitRecord(std::string_view line, size_t keep, RecordFields& out) {
+std::string SeparatorName(char separator) {
+  return separator == '\t' ? std::string("tabs") : "\"" + std::string(1, separator) + "\"";
+}
+
+bool SplitRecord(std::string_view line, size_t keep, RecordFields& out, char separator) {
+  const auto isBlank = [separator](char c) { return c == ' ' || (c == '\t' && separator != '\t'); };
   out.kept.clear();
   out.count = 0;
   out.fault.clear();
@@ -36,13 +39,13 @@ bool SplitRecord(std::string_view line, size_t keep, RecordFields& out) {
         break;
       }
       while (i < line.size() && isBlank(line[i])) ++i;
-      if (i < line.size() && line[i] != ',') {
+      if (i < line.size() && line[i] != separator) {
         if (kept) out.kept.pop_back();
-        out.fault = "\",\" after a closing quote";
+        out.fault = SeparatorName(separator) + " after a closing quote";
         return false;
       }
     } else {
-      size_t end = line.find(',', i);
+      size_t end = line.find(separator, i);
       if (end == std::string_view::npos) end = line.size();
       size_t last = end;
       while (last > i && isBlank(line[last - 1])) --last;
@@ -51,7 +54,7 @@ bool SplitRecord(std::string_view line, size_t keep, RecordFields& out) {
     }
     ++out.count;
     if (i >= line.size()) return true;
-    ++i;  // past the ","
+    ++i;  // past the separator
   }
 }
 

@@ -20,8 +20,12 @@ struct RecordFields {
 // Splits `line`, keeping at most `keep` fields: the others are only counted, so that a
 // line of millions of commas costs no more than the line itself. Stops at the first
 // fault (a quote left open, text after a closing quote); false then, with `fault` set
-// and the fields before it kept.
-bool SplitRecord(std::string_view line, size_t keep, RecordFields& out);
+// and the fields before it kept. Tables of text may separate their fields by ";" or a
+// tab instead (a tab separator is then not a blank).
+bool SplitRecord(std::string_view line, size_t keep, RecordFields& out, char separator = ',');
+
+// How a message names a separator: "\",\"", "\";\"" or "tabs".
+std::string SeparatorName(char separator);
 
 // A text from a file as a message quotes it: at most 40 characters, cut with "...",
 // control characters shown as "?", so that a line of megabytes or binary garbage still

@@ -61,6 +61,17 @@ std::optional<std::string> ScriptedDialogs::InputBox(std::string_view prompt,
   return pop(inputAnswers_);
 }
 
+bool ScriptedDialogs::EditNames(std::string_view title, std::string_view prompt,
+                                const std::vector<std::string>& labels, std::vector<std::string>& names) {
+  nameLists_.push_back({std::string(title), std::string(prompt), labels, names});
+  if (namesAnswers_.empty()) return true;
+  std::optional<std::vector<std::string>> answer = std::move(namesAnswers_.front());
+  namesAnswers_.pop_front();
+  if (!answer) return false;
+  names = std::move(*answer);
+  return true;
+}
+
 std::optional<std::string> ScriptedDialogs::OpenFileName(std::string_view title,
                                                          std::string_view filter,
                                                          std::string_view initialPath) {
@@ -96,8 +107,8 @@ void ScriptedDialogs::CopyPicture(const Canvas& picture) {
 void ScriptedDialogs::SetBusy(bool busy) { busyCalls_.push_back(busy); }
 
 size_t ScriptedDialogs::pendingAnswers() const {
-  return msgBoxAnswers_.size() + inputAnswers_.size() + openAnswers_.size() +
-         saveAnswers_.size();
+  return msgBoxAnswers_.size() + inputAnswers_.size() + openAnswers_.size() + saveAnswers_.size() +
+         namesAnswers_.size();
 }
 
 }  // namespace orvane

@@ -4,7 +4,7 @@
 //
 // Answers when a queue is empty: a message box answers with its first button (OK for
 // OK-only and OK/Cancel boxes, Yes for Yes/No and Yes/No/Cancel boxes); an input box
-// and the file dialogs answer nullopt, as if cancelled.
+// and the file dialogs answer nullopt, as if cancelled; a list of names is accepted.
 //
 // OpenPrinter hands out a page that writes into printer(), one recording page kept for
 // the dialogs' whole life (like the one system printer, it keeps its font between
@@ -34,6 +34,10 @@ class ScriptedDialogs : public Dialogs {
   struct InputRecord {
     std::string prompt, title, defaultText;
   };
+  struct NamesRecord {
+    std::string title, prompt;
+    std::vector<std::string> labels, names;  // the names as offered
+  };
   struct FileRecord {
     bool save = false;
     std::string title, filter, initialPath;
@@ -46,6 +50,11 @@ class ScriptedDialogs : public Dialogs {
   void queueInputBox(std::optional<std::string> answer) { inputAnswers_.push_back(answer); }
   void queueOpenFileName(std::optional<std::string> path) { openAnswers_.push_back(path); }
   void queueSaveFileName(std::optional<std::string> path) { saveAnswers_.push_back(path); }
+  // The names an EditNames answers with; nullopt cancels. With none queued the names are
+  // accepted as offered.
+  void queueEditNames(std::optional<std::vector<std::string>> names) { namesAnswers_.push_back(std::move(names)); }
+  // The clipboard's text, as another program would leave it (CopyText sets it too).
+  void setClipboardText(std::string text) { clipboard_ = std::move(text); }
   // While set, OpenPrinter answers nullptr, as when the user cancels the print dialog.
   void setCancelPrinting(bool cancel) { cancelPrinting_ = cancel; }
 
@@ -53,6 +62,8 @@ class ScriptedDialogs : public Dialogs {
              std::string_view title = kAppTitle) override;
   std::optional<std::string> InputBox(std::string_view prompt, std::string_view title,
                                       std::string_view defaultText = {}) override;
+  bool EditNames(std::string_view title, std::string_view prompt, const std::vector<std::string>& labels,
+                 std::vector<std::string>& names) override;
   std::optional<std::string> OpenFileName(std::string_view title, std::string_view filter,
                                           std::string_view initialPath = {}) override;
   std::optional<std::string> SaveFileName(std::string_view title, std::string_view filter,
@@ -61,7 +72,11 @@ class ScriptedDialogs : public Dialogs {
   // Records the path; true when the file exists and has something to read.
   bool ShowHelp(const std::string& path) override;
   void CopyPicture(const Canvas& picture) override;
-  void CopyText(std::string_view text) override { copiedTexts_.emplace_back(text); }
+  void CopyText(std::string_view text) override {
+    copiedTexts_.emplace_back(text);
+    clipboard_ = text;
+  }
+  std::string ClipboardText() override { return clipboard_; }
   void Beep() override { ++beeps_; }
   void SetBusy(bool busy) override;
   void DoEvents() override { ++doEvents_; }
@@ -70,6 +85,7 @@ class ScriptedDialogs : public Dialogs {
   const std::vector<MessageRecord>& messages() const { return messages_; }
   const std::vector<InputRecord>& inputs() const { return inputs_; }
   const std::vector<FileRecord>& fileDialogs() const { return fileDialogs_; }
+  const std::vector<NamesRecord>& nameLists() const { return nameLists_; }
   const std::vector<std::string>& helpRequests() const { return helpRequests_; }
   const std::vector<std::string>& printDocuments() const { return printDocuments_; }
   RecordingPrinterPage& printer() { return printer_; }
@@ -87,11 +103,14 @@ class ScriptedDialogs : public Dialogs {
  private:
   std::deque<int> msgBoxAnswers_;
   std::deque<std::optional<std::string>> inputAnswers_, openAnswers_, saveAnswers_;
+  std::deque<std::optional<std::vector<std::string>>> namesAnswers_;
+  std::string clipboard_;
   bool cancelPrinting_ = false;
 
   std::vector<MessageRecord> messages_;
   std::vector<InputRecord> inputs_;
   std::vector<FileRecord> fileDialogs_;
+  std::vector<NamesRecord> nameLists_;
   std::vector<std::string> helpRequests_;
   std::vector<std::string> printDocuments_;
   RecordingPrinterPage printer_;

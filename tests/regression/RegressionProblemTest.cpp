@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "RegressionTestSupport.h"
+#include "regression/CsvProblem.h"
 #include "regression/RegressionProblem.h"
 
 namespace orvane {
@@ -38,6 +39,40 @@ TEST(RegressionProblem, NameRules) {
 
 RegressionProblem fiveSets() {
   return makeProblem(2, {{1, 10, 100}, {2, 20, 200}, {3, 30, 300}, {4, 40, 400}, {5, 50, 500}});
+}
+
+// A table's header: each name the window would not take gets one it would, distinct
+// from every other name in any case; accepted names stay.
+TEST(RegressionProblem, HeaderNameCorrections) {
+  const struct {
+    std::vector<std::string> header;
+    std::vector<std::string> corrected;
+  } tables[] = {
+      {{"stack.loss", "Air Flow", "Acid Conc.", "y_1"}, {"stackloss", "AirFlow", "AcidConc", "y1"}},
+      {{"2010", "1st", "x"}, {"y2010", "x1st", "x"}},
+      {{"y", "", "...", "x_", "X"}, {"y", "x2", "x3", "x4", "X"}},  // "x" is the accepted X's, in any case
+      {{"a", "A", "a"}, {"a", "A2", "a3"}},
+      {{"y", "x.1", "x1"}, {"y", "x12", "x1"}},  // a later accepted name is not taken
+      {{"h\xc3\xb6he", "t"}, {"hhe", "t"}},
+  };
+  for (const auto& t : tables) {
+    std::vector<std::string> names = t.header;
+    for (const NameCorrection& c : NameCorrections(t.header)) {
+      EXPECT_EQ(c.given, t.header[c.column]);
+      names[c.column] = c.offered;
+    }
+    EXPECT_EQ(names, t.corrected);
+    for (size_t j = 0; j < names.size(); ++j) EXPECT_TRUE(IsAcceptedColumnName(names, j)) << names[j];
+  }
+}
+
+// Exported sets read back as they were, names with blanks or quotes included.
+TEST(RegressionProblem, TableTextReadsBack) {
+  const RegressionProblem p = makeProblem(2, {{1, -3.5, 7}, {1e-05, 2, 8}, {1.5e+20, 0.1, -9}}, {" y", "a\"b"}, "z");
+  const RegressionProblem read = ParseCsvProblem("t.csv", CsvText(p));
+  EXPECT_EQ(read.dependentName, "z");
+  EXPECT_EQ(read.names, p.names);
+  for (int j = 1; j <= 3; ++j) EXPECT_EQ(column(read, j), column(p, j)) << j;
 }
 
 TEST(RegressionProblem, AddAndDeleteSets) {

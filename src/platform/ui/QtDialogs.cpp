@@ -2,14 +2,19 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QDialogButtonBox>
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QFormLayout>
 #include <QInputDialog>
+#include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QTextBrowser>
 #include <QVBoxLayout>
 
@@ -144,6 +149,38 @@ std::optional<std::string> QtDialogs::InputBox(std::string_view prompt, std::str
   return dialog.textValue().toStdString();
 }
 
+bool QtDialogs::EditNames(std::string_view title, std::string_view prompt, const std::vector<std::string>& labels,
+                          std::vector<std::string>& names) {
+  QDialog dialog(owner());
+  dialog.setWindowTitle(qs(title));
+  auto* layout = new QVBoxLayout(&dialog);
+  auto* message = new QLabel(promptText(prompt));
+  message->setWordWrap(true);
+  layout->addWidget(message);
+  auto* rows = new QWidget();
+  auto* form = new QFormLayout(rows);
+  std::vector<QLineEdit*> fields;
+  for (size_t i = 0; i < names.size(); ++i) {
+    auto* field = new QLineEdit(qs(names[i]));
+    field->setObjectName(QStringLiteral("txtName%1").arg(i));
+    form->addRow(qs(i < labels.size() ? labels[i] : std::string()), field);
+    fields.push_back(field);
+  }
+  auto* scroll = new QScrollArea();
+  scroll->setWidget(rows);
+  scroll->setWidgetResizable(true);
+  scroll->setFrameShape(QFrame::NoFrame);
+  layout->addWidget(scroll, 1);
+  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+  QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
+  QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+  layout->addWidget(buttons);
+  if (!fields.empty()) fields.front()->setFocus();
+  if (dialog.exec() != QDialog::Accepted) return false;
+  for (size_t i = 0; i < names.size(); ++i) names[i] = fields[i]->text().toStdString();
+  return true;
+}
+
 std::optional<std::string> QtDialogs::OpenFileName(std::string_view title,
                                                    std::string_view filter,
                                                    std::string_view initialPath) {
@@ -216,6 +253,11 @@ void QtDialogs::CopyPicture(const Canvas& picture) {
 void QtDialogs::CopyText(std::string_view text) {
   if (QClipboard* clipboard = QGuiApplication::clipboard())
     clipboard->setText(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
+}
+
+std::string QtDialogs::ClipboardText() {
+  QClipboard* clipboard = QGuiApplication::clipboard();
+  return clipboard ? clipboard->text().toStdString() : std::string();
 }
 
 void QtDialogs::Beep() { QApplication::beep(); }

@@ -36,6 +36,9 @@ class QtDialogs : public Dialogs {
              std::string_view title = kAppTitle) override;
   std::optional<std::string> InputBox(std::string_view prompt, std::string_view title,
                                       std::string_view defaultText = {}) override;
+  // One row a name: its label, then a field holding the name, all in a scrolling list.
+  bool EditNames(std::string_view title, std::string_view prompt, const std::vector<std::string>& labels,
+                 std::vector<std::string>& names) override;
   std::optional<std::string> OpenFileName(std::string_view title, std::string_view filter,
                                           std::string_view initialPath = {}) override;
   std::optional<std::string> SaveFileName(std::string_view title, std::string_view filter,
@@ -49,6 +52,7 @@ class QtDialogs : public Dialogs {
   // The image of a QImageCanvas goes to the clipboard; other surfaces have no pixels.
   void CopyPicture(const Canvas& picture) override;
   void CopyText(std::string_view text) override;
+  std::string ClipboardText() override;
   void Beep() override;
   void SetBusy(bool busy) override;
   void DoEvents() override;

@@ -37,6 +37,7 @@
 #include "plot2d/PlotDrawing.h"
 #include "plot2d/RootFinder.h"
 #include "plot2d/StudyDefaults.h"
+#include "platform/ui/Shortcuts.h"
 #include "plot2d/StudyExport.h"
 #include "plot2d/StudyReport.h"
 #include "regression/Solver.h"
@@ -445,6 +446,9 @@ void frmPlot::buildMenus() {
   connect(mnuPrint, &QAction::triggered, this, &frmPlot::mnuPrint_Click);
   connect(mnuCopy, &QAction::triggered, this, &frmPlot::mnuCopy_Click);
   connect(mnuHelp, &QAction::triggered, this, &frmPlot::mnuHelp_Click);
+  // A text field keeps Ctrl+C for its own text.
+  mnuCopy->setShortcuts(StandardKeys(QKeySequence::Copy, QKeySequence(Qt::CTRL | Qt::Key_C)));
+  mnuHelp->setShortcuts(StandardKeys(QKeySequence::HelpContents, QKeySequence(Qt::Key_F1)));
 }
 
 void frmPlot::Form_Load() {

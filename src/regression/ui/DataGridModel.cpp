@@ -81,6 +81,73 @@ void DataGridModel::deleteSet(int row) {
   endRemoveRows();
 }
 
+DataGridModel::CellContent DataGridModel::cellContent(const QModelIndex& index) const {
+  if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
+  CellContent content{problem_.X(dataIndex(index.column()), index.row() + 1), std::nullopt};
+  const auto typed = typed_.find(key(index.row(), index.column()));
+  if (typed != typed_.end()) content.typed = typed->second;
+  return content;
+}
+
+void DataGridModel::setCellContent(const QModelIndex& index, const CellContent& content) {
+  if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return;
+  problem_.X(dataIndex(index.column()), index.row() + 1) = content.value;
+  if (content.typed)
+    typed_[key(index.row(), index.column())] = *content.typed;
+  else
+    typed_.erase(key(index.row(), index.column()));
+  emit dataChanged(index, index, {Qt::DisplayRole});
+}
+
+DataGridModel::SetContent DataGridModel::setContent(int row) const {
+  SetContent content;
+  if (row < 0 || row >= rows_) return content;
+  for (int c = 0; c < columns_; ++c) content.cells.push_back(cellContent(index(row, c)));
+  content.addedByHand = addedByHand_[static_cast<size_t>(row)];
+  return content;
+}
+
+void DataGridModel::restoreSet(int row, const SetContent& content) {
+  if (row < 0 || row > rows_ || static_cast<int>(content.cells.size()) != columns_) return;
+  const int last = rows_;
+  if (problem_.N < problem_.X.lastRow())
+    ++problem_.N;  // the matrix kept the row of the delete
+  else
+    problem_.addDataSets(1);
+  beginInsertRows({}, last, last);
+  rows_ = last + 1;
+  addedByHand_.push_back(false);
+  endInsertRows();
+  if (row != last) {
+    const SetContent moved = setContent(row);
+    for (int c = 0; c < columns_; ++c) setCellContent(index(last, c), moved.cells[static_cast<size_t>(c)]);
+    addedByHand_[static_cast<size_t>(last)] = moved.addedByHand;
+  }
+  for (int c = 0; c < columns_; ++c) setCellContent(index(row, c), content.cells[static_cast<size_t>(c)]);
+  addedByHand_[static_cast<size_t>(row)] = content.addedByHand;
+  emit dataChanged(index(row, 0), index(row, columns_ - 1), {Qt::DisplayRole});
+}
+
+void DataGridModel::appendSets(int count) {
+  if (count < 1) return;
+  problem_.addDataSets(count);
+  beginInsertRows({}, rows_, rows_ + count - 1);
+  rows_ += count;
+  addedByHand_.resize(static_cast<size_t>(rows_), true);
+  endInsertRows();
+}
+
+void DataGridModel::removeLastSets(int count) {
+  count = std::min(count, rows_);
+  if (count < 1) return;
+  beginRemoveRows({}, rows_ - count, rows_ - 1);
+  rows_ -= count;
+  std::erase_if(typed_, [this](const auto& cell) { return (cell.first >> 32) >= rows_; });
+  addedByHand_.resize(static_cast<size_t>(rows_));
+  while (problem_.N > rows_) problem_.deleteDataSet(problem_.N);
+  endRemoveRows();
+}
+
 void DataGridModel::reload(bool fromFile) {
   beginResetModel();
   const int rows = rowsOf(problem_);

@@ -9,6 +9,7 @@
 // hand carry one mark each.
 
 #include <QAbstractTableModel>
+#include <optional>
 #include <unordered_map>
 #include <vector>
 
@@ -38,6 +39,30 @@ class DataGridModel : public QAbstractTableModel {
   void setCellText(const QModelIndex& index, const QString& text);
   // Removes a data set: the last one moves into its row, its cells' texts with it.
   void deleteSet(int row);
+
+  // What a cell holds, to be put back as it was: the value, and the text typed into it
+  // when there is one (without, the cell shows the value, or nothing in a set added by
+  // hand).
+  struct CellContent {
+    double value = 0;
+    std::optional<QString> typed;
+    bool operator==(const CellContent&) const = default;
+  };
+  CellContent cellContent(const QModelIndex& index) const;
+  void setCellContent(const QModelIndex& index, const CellContent& content);
+  // A whole set, as deleteSet takes it away.
+  struct SetContent {
+    std::vector<CellContent> cells;
+    bool addedByHand = false;
+  };
+  SetContent setContent(int row) const;
+  // Puts a deleted set back in `row`; the set there (the one that had moved in) goes
+  // back to a new last row.
+  void restoreSet(int row, const SetContent& content);
+  // Adds `count` empty sets after the last one (std::bad_alloc when memory runs out,
+  // nothing changed), or takes the last `count` sets away.
+  void appendSets(int count);
+  void removeLastSets(int count);
   // The problem's sizes or names changed. Sets beyond the rows shown so far are new and
   // empty; with `fromFile` every cell shows its value instead.
   void reload(bool fromFile);

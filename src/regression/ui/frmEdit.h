@@ -3,17 +3,20 @@
 // current cell that writes every keystroke into the cell and the matrix.
 
 #include <QWidget>
+#include <optional>
 
 #include "regression/RegressionProblem.h"
+#include "regression/ui/DataGridModel.h"
 
+class QAction;
 class QCloseEvent;
 class QModelIndex;
 class QPushButton;
 class QTableView;
+class QUndoStack;
 
 namespace orvane {
 
-class DataGridModel;
 class Dialogs;
 class TextBox;
 
@@ -30,15 +33,32 @@ class frmEdit : public QWidget {
   void PrepareGrid(bool loadedFromFile);
   DataGridModel* model() const { return model_; }
 
+  // Fills cells from the current one with a block of numbers, rows on lines and cells
+  // separated by tabs, ";" or "," (what spreadsheets put on the clipboard), each field
+  // kept to the characters a number is typed with. Asks before it adds data sets and
+  // refuses a block wider than the columns left; one step to undo.
+  void PasteBlock(const QString& text);
+  // Adds `count` empty data sets at the end ("Add data"), one step to undo; std::bad_alloc
+  // when memory runs out, nothing changed.
+  void AddSets(int count);
+  // The selected cells (or the current one) as tab-separated lines.
+  QString SelectedText() const;
+
   QTableView* MSFlexGridEdit;
   TextBox* txtDataEntry;
   QPushButton* cmdToggleWidth;
   QPushButton* cmdDelete;
   QPushButton* cmdExit;
+  // Also the grid's context menu: undo and redo of the edits since the editor was
+  // opened, copy and paste.
+  QAction* mnuUndo;
+  QAction* mnuRedo;
+  QAction* mnuCopy;
+  QAction* mnuPaste;
 
  signals:
-  // A data set was deleted (N is one less).
-  void dataSetDeleted();
+  // Data sets were deleted, added by a paste, or brought back by undo or redo (N changed).
+  void setCountChanged();
   // The editor was closed ("Done" or the close box).
   void done();
 
@@ -54,6 +74,8 @@ class frmEdit : public QWidget {
   void cmdToggleWidth_Click();
   void cmdDelete_Click();
   void cmdExit_Click();
+  void mnuCopy_Click();
+  void mnuPaste_Click();
 
  private:
   void startEdit(const QModelIndex& index, const QString& text, bool typed);
@@ -62,6 +84,9 @@ class frmEdit : public QWidget {
   bool MSFlexGridEdit_KeyPress(const QString& text);
   bool txtDataEntry_KeyDown(int key);
   void placeEntryBox();
+  void buildEditActions();
+  // The edit of the entry box, as one step to undo, once the box closes.
+  void commitEdit();
 
   RegressionProblem& problem_;
   Dialogs& dialogs_;
@@ -74,6 +99,8 @@ class frmEdit : public QWidget {
   bool active_ = false;        // the entry box is showing an edit
   int editRow_ = -1;
   int editColumn_ = -1;
+  std::optional<DataGridModel::CellContent> editBefore_;  // the edited cell as the edit found it
+  QUndoStack* undoStack_;
 };
 
 }  // namespace orvane

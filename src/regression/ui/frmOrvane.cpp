@@ -3,6 +3,9 @@
 #include <QAction>
 #include <QCloseEvent>
 #include <QDir>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFileInfo>
 #include <QFont>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -11,6 +14,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMetaMethod>
+#include <QMimeData>
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <new>
@@ -19,11 +23,16 @@
 #include "platform/Dialogs.h"
 #include "platform/NumberText.h"
 #include "platform/PrinterPage.h"
+#include "platform/RecordLine.h"
 #include "platform/RuntimeError.h"
+#include "platform/SafeFile.h"
+#include "platform/ui/Shortcuts.h"
 #include "platform/ui/TextBox.h"
+#include "regression/CsvProblem.h"
 #include "regression/RegressionFile.h"
 #include "regression/RegressionReport.h"
 #include "regression/Solver.h"
+#include "regression/ui/DataGridModel.h"
 #include "regression/ui/frmEdit.h"
 #include "regression/ui/frmEvaluations.h"
 #include "regression/ui/frmStatistics.h"
@@ -33,6 +42,8 @@ namespace orvane {
 namespace {
 
 constexpr std::string_view kFileFilter = "All files (*)";
+constexpr std::string_view kCsvFilter = "Tables of text (*.csv *.tsv *.txt);;All files (*)";
+const QString kCaption = QStringLiteral("Orvane Regression  www.orvane.example");
 constexpr const char* kOutOfMemory = "Out of memory";
 
 QString qs(const std::string& text) { return QString::fromStdString(text); }
@@ -46,10 +57,11 @@ T* named(T* widget, const char* name) {
 }  // namespace
 
 frmOrvane::frmOrvane(Dialogs& dialogs, QWidget* parent) : QMainWindow(parent), dialogs_(dialogs) {
-  setWindowTitle(QStringLiteral("Orvane Regression  www.orvane.example"));
+  setWindowTitle(kCaption);
   buildControls();
   buildMenus();
   buildStatisticsControls();
+  buildFileCommands();
   Form_Load();
 }
 
@@ -164,6 +176,40 @@ void frmOrvane::buildMenus() {
   connect(mnuAbout, &QAction::triggered, this, &frmOrvane::mnuAbout_Click);
 }
 
+void frmOrvane::buildFileCommands() {
+  mnuOpen->setShortcuts(StandardKeys(QKeySequence::Open, QKeySequence(Qt::CTRL | Qt::Key_O)));
+  mnuSave->setShortcuts(StandardKeys(QKeySequence::Save, QKeySequence(Qt::CTRL | Qt::Key_S)));
+  mnuSaveAs->setShortcuts(StandardKeys(QKeySequence::SaveAs, QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S)));
+  mnuPrint->setShortcuts(StandardKeys(QKeySequence::Print, QKeySequence(Qt::CTRL | Qt::Key_P)));
+  mnuHelp->setShortcuts(StandardKeys(QKeySequence::HelpContents, QKeySequence(Qt::Key_F1)));
+  mnuExit = named(new QAction(QStringLiteral("E&xit"), this), "mnuExit");
+  mnuExit->setShortcuts(StandardKeys(QKeySequence::Quit, QKeySequence(Qt::CTRL | Qt::Key_Q)));
+  addAction(mnuExit);
+  cmdExit->setToolTip(QStringLiteral("Ctrl+Q"));
+  connect(mnuExit, &QAction::triggered, this, &frmOrvane::cmdExit_Click);
+
+  // Tables of text beside the file pair: imported when a pair could be opened, exported
+  // when the problem could be saved.
+  const QList<QAction*> entries = mnuFile->actions();
+  mnuImportCsv = named(new QAction(QStringLiteral("Import CSV..."), this), "mnuImportCsv");
+  mnuExportCsv = named(new QAction(QStringLiteral("Export CSV..."), this), "mnuExportCsv");
+  mnuFile->insertAction(entries.value(entries.indexOf(mnuOpen) + 1), mnuImportCsv);
+  mnuFile->insertAction(entries.value(entries.indexOf(mnuSaveAs) + 1), mnuExportCsv);
+  connect(mnuOpen, &QAction::enabledChanged, mnuImportCsv, &QAction::setEnabled);
+  connect(mnuSave, &QAction::enabledChanged, mnuExportCsv, &QAction::setEnabled);
+  connect(mnuImportCsv, &QAction::triggered, this, &frmOrvane::mnuImportCsv_Click);
+  connect(mnuExportCsv, &QAction::triggered, this, &frmOrvane::mnuExportCsv_Click);
+  setAcceptDrops(true);
+}
+
+// The windows without a Help menu of their own show this window's help on F1.
+void frmOrvane::helpOnF1(QWidget& window) {
+  auto* help = new QAction(&window);
+  help->setShortcuts(StandardKeys(QKeySequence::HelpContents, QKeySequence(Qt::Key_F1)));
+  window.addAction(help);
+  connect(help, &QAction::triggered, this, &frmOrvane::mnuHelp_Click);
+}
+
 void frmOrvane::Form_Load() {
   workbench_.startDirectory = QDir::currentPath().toStdString();
   sh.sharedError = &workbench_.evaluationError;
@@ -207,7 +253,13 @@ frmEdit& frmOrvane::editorWindow() {
   if (!editor_) {
     // A window of its own (no parent), so disabling the main window leaves it usable.
     editor_ = std::make_unique<frmEdit>(workbench_.problem, dialogs_);
-    connect(editor_.get(), &frmEdit::dataSetDeleted, this, &frmOrvane::frmEdit_DataSetDeleted);
+    connect(editor_.get(), &frmEdit::setCountChanged, this, &frmOrvane::frmEdit_SetCountChanged);
+    helpOnF1(*editor_);
+    // Any change of the data, typed, pasted, deleted, undone or redone, is unsaved.
+    const auto changed = [this] { setModified(true); };
+    connect(editor_->model(), &QAbstractItemModel::dataChanged, this, changed);
+    connect(editor_->model(), &QAbstractItemModel::rowsInserted, this, changed);
+    connect(editor_->model(), &QAbstractItemModel::rowsRemoved, this, changed);
     connect(editor_.get(), &frmEdit::done, this, &frmOrvane::frmEdit_Done);
   }
   return *editor_;
@@ -260,6 +312,7 @@ void frmOrvane::txtVarNams_LostFocus() {
   if (txtN->isEnabled()) txtN->setFocus();
   txtVarNams->setEnabled(false);
   enableSavingAndAbout();
+  setModified(true);
 }
 
 void frmOrvane::txtN_Validate(bool& cancel) {
@@ -340,20 +393,26 @@ void frmOrvane::cmdAddData_Click() {
     return;
   }
   if (!(value >= 1) || value > 2147483647.0 - workbench_.problem.N) return;
-  try {
-    if (RegressionProblem::tooLarge(workbench_.problem.m, workbench_.problem.N + static_cast<int64_t>(value))) throw std::bad_alloc();
-    workbench_.problem.addDataSets(static_cast<int32_t>(value));
-  } catch (const std::bad_alloc&) {
+  if (RegressionProblem::tooLarge(workbench_.problem.m, workbench_.problem.N + static_cast<int64_t>(value))) {
     dialogs_.MsgBox(kOutOfMemory, mb::Critical);
     return;
   }
-  txtN->setText(QString::number(workbench_.problem.N));
+  // The editor opens first, so that the new sets are its first step to undo.
   cmdEditData_Click();
+  if (!editor_ || !editor_->isVisible()) return;
+  try {
+    editor_->AddSets(static_cast<int32_t>(value));
+  } catch (const std::bad_alloc&) {
+    dialogs_.MsgBox(kOutOfMemory, mb::Critical);
+  }
 }
 
-void frmOrvane::frmEdit_DataSetDeleted() {
+// Sets were added, deleted, or brought back or taken away again by undo and redo. As a
+// delete does, a set taken away clears the results; added sets leave them.
+void frmOrvane::frmEdit_SetCountChanged() {
+  const bool fewer = workbench_.problem.N < txtN->text().toInt();
   txtN->setText(QString::number(workbench_.problem.N));
-  ClearResults();
+  if (fewer) ClearResults();
 }
 
 void frmOrvane::frmEdit_Done() { setEnabled(true); }
@@ -378,6 +437,7 @@ void frmOrvane::cmdCompute_Click() {
   if (workbench_.problem.computed) {
     dialogs_.Beep();
     showResults();
+    setModified(true);  // the fit is saved with the problem
   }
   dialogs_.SetBusy(false);
 }
@@ -426,15 +486,20 @@ void frmOrvane::showSummary() {
 }
 
 void frmOrvane::mnuStatistics_Click() {
-  if (!statistics_) statistics_ = std::make_unique<frmStatistics>(workbench_, dialogs_);
+  if (!statistics_) {
+    statistics_ = std::make_unique<frmStatistics>(workbench_, dialogs_);
+    helpOnF1(*statistics_);
+  }
   statistics_->show();
   statistics_->raise();
   statistics_->activateWindow();
 }
 
 void frmOrvane::cmdEvaluations_Click() {
-  if (!evaluations_ || !evaluations_->isVisible())
+  if (!evaluations_ || !evaluations_->isVisible()) {
     evaluations_ = std::make_unique<frmEvaluations>(workbench_.problem, dialogs_);
+    helpOnF1(*evaluations_);
+  }
   evaluations_->show();
   evaluations_->raise();
   evaluations_->activateWindow();
@@ -468,17 +533,41 @@ void frmOrvane::closeEvent(QCloseEvent* event) {
 void frmOrvane::mnuOpen_Click() {
   const std::optional<std::string> name = dialogs_.OpenFileName("Open", kFileFilter);
   if (!name || name->empty()) return;
+  OpenFile(*name);
+}
+
+void frmOrvane::mnuImportCsv_Click() {
+  const std::optional<std::string> name = dialogs_.OpenFileName("Import CSV", kCsvFilter);
+  if (!name || name->empty()) return;
+  openProblem(*name, true);
+}
+
+bool frmOrvane::OpenFile(const std::string& path) {
+  return openProblem(path, ReadsAsCsv(path));
+}
+
+bool frmOrvane::openProblem(const std::string& path, bool asTable) {
+  if (!mnuOpen->isEnabled()) {
+    dialogs_.MsgBox("This window already holds a problem; a file is opened before one is set up.\r" + path,
+                    mb::Exclamation);
+    return false;
+  }
   RegressionProblem opened;
   try {
-    opened = ReadRegressionFiles(*name);
+    opened = asTable ? ReadCsvProblem(path) : ReadRegressionFiles(path);
   } catch (const RegressionFileError& error) {
     dialogs_.MsgBox(error.what(), mb::Exclamation);
-    return;
+    return false;
   } catch (const std::bad_alloc&) {
     dialogs_.MsgBox(kOutOfMemory, mb::Critical);
-    return;
+    return false;
   }
-  fileName_ = *name;
+  if (asTable && !acceptColumnNames(opened)) return false;
+  fileName_ = asTable ? std::string() : path;  // Save writes a pair, never over the table
+  if (asTable) {
+    const QFileInfo table(qs(path));
+    offeredName_ = table.dir().filePath(table.completeBaseName() + QStringLiteral(".txt")).toStdString();
+  }
   loadingFile_ = true;
   workbench_.problem = std::move(opened);
   workbench_.fitted = workbench_.problem.computed;
@@ -492,11 +581,43 @@ void frmOrvane::mnuOpen_Click() {
   mnuOpen->setEnabled(false);
   enableSavingAndAbout();
   loadingFile_ = false;
+  titleName_ = QFileInfo(qs(path)).fileName();
+  setModified(false);
+  return true;
+}
+
+bool frmOrvane::acceptColumnNames(RegressionProblem& problem) {
+  std::vector<std::string> names = ColumnNames(problem);
+  const std::vector<NameCorrection> corrections = NameCorrections(names);
+  if (corrections.empty()) return true;
+  std::vector<std::string> labels, offered;
+  for (const NameCorrection& c : corrections) {
+    labels.push_back("Column " + std::to_string(c.column + 1) + (c.column == 0 ? " (dependent), " : ", ") + "\"" +
+                     Excerpt(c.given) + "\":");
+    offered.push_back(c.offered);
+  }
+  const std::string prompt =
+      "The problem takes names made of a letter followed by letters and digits, each a name of its own. These "
+      "columns are offered the names below; accept them or edit them.";
+  for (;;) {
+    if (!dialogs_.EditNames("Import CSV", prompt, labels, offered) || offered.size() != corrections.size())
+      return false;
+    for (size_t i = 0; i < corrections.size(); ++i) names[corrections[i].column] = offered[i];
+    size_t refused = 0;
+    while (refused < names.size() && IsAcceptedColumnName(names, refused)) ++refused;
+    if (refused == names.size()) break;
+    dialogs_.MsgBox("\"" + Excerpt(names[refused]) +
+                        "\" is not a name the problem takes: a letter followed by letters and digits, not the "
+                        "name of another column.",
+                    mb::Exclamation, "Import CSV");
+  }
+  RenameColumns(problem, std::move(names));
+  return true;
 }
 
 void frmOrvane::mnuSave_Click() {
   if (fileName_.empty()) {
-    const std::optional<std::string> name = dialogs_.SaveFileName("Save", kFileFilter);
+    const std::optional<std::string> name = dialogs_.SaveFileName("Save", kFileFilter, offeredName_);
     if (name) fileName_ = *name;
   }
   if (!fileName_.empty()) writeFiles(fileName_);
@@ -509,12 +630,61 @@ void frmOrvane::mnuSaveAs_Click() {
   writeFiles(fileName_);
 }
 
-void frmOrvane::writeFiles(const std::string& path) {
+bool frmOrvane::writeFiles(const std::string& path) {
   try {
     WriteRegressionFiles(path, workbench_.problem);
   } catch (const RegressionFileError& error) {
     dialogs_.MsgBox(error.what(), mb::Critical);
+    return false;
   }
+  titleName_ = QFileInfo(qs(path)).fileName();
+  setModified(false);
+  return true;
+}
+
+void frmOrvane::mnuExportCsv_Click() {
+  if (!workbench_.problem.dataDimensioned) {
+    dialogs_.MsgBox("There are no data sets yet: enter them with \"Edit data\" first.", mb::Exclamation);
+    return;
+  }
+  const std::optional<std::string> name = dialogs_.SaveFileName("Export CSV", kCsvFilter);
+  if (!name || name->empty()) return;
+  try {
+    SafeSave save;
+    save.Text(*name, CsvText(workbench_.problem));
+    save.Commit();
+  } catch (const SaveError& error) {
+    dialogs_.MsgBox(error.what(), mb::Critical);
+  } catch (const std::bad_alloc&) {
+    dialogs_.MsgBox(kOutOfMemory, mb::Critical);
+  }
+}
+
+void frmOrvane::setModified(bool modified) {
+  modified_ = modified;
+  showTitle();
+}
+
+void frmOrvane::showTitle() {
+  if (titleName_.isEmpty() && !modified_) {
+    setWindowTitle(kCaption);
+    return;
+  }
+  const QString name = titleName_.isEmpty() ? QStringLiteral("Untitled") : titleName_;
+  setWindowTitle(kCaption + QStringLiteral(" - ") + name + (modified_ ? QStringLiteral("*") : QString()));
+}
+
+// A single file dropped from a file manager opens as File > Open would.
+void frmOrvane::dragEnterEvent(QDragEnterEvent* event) {
+  const QList<QUrl> urls = event->mimeData()->urls();
+  if (urls.size() == 1 && urls.front().isLocalFile()) event->acceptProposedAction();
+}
+
+void frmOrvane::dropEvent(QDropEvent* event) {
+  const QList<QUrl> urls = event->mimeData()->urls();
+  if (urls.size() != 1 || !urls.front().isLocalFile()) return;
+  event->acceptProposedAction();
+  OpenFile(urls.front().toLocalFile().toStdString());
 }
 
 void frmOrvane::mnuPrint_Click() {

@@ -12,6 +12,8 @@
 #include "regression/Workbench.h"
 
 class QAction;
+class QDragEnterEvent;
+class QDropEvent;
 class QLabel;
 class QListWidget;
 class QMenu;
@@ -52,6 +54,13 @@ class frmOrvane : public QMainWindow {
   // The current file of Save, empty until one is opened or saved.
   const std::string& fileName() const { return fileName_; }
 
+  // Opens a regression file pair, or a table of text (a name ending in .csv, or a file
+  // without a data file beside it that does not start with a number), as Open and
+  // "Import CSV..." do; for the command line and for files dropped on the window. Only a
+  // window that holds no problem yet opens one; false when nothing was opened (the user
+  // was told why, or cancelled the renaming of a table's columns).
+  bool OpenFile(const std::string& path);
+
  signals:
   void aboutRequested();
   // The window is unloading (Exit or the close box).
@@ -62,6 +71,8 @@ class frmOrvane : public QMainWindow {
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
 
  private slots:
   void txtOrder_Validate(bool& cancel);
@@ -84,7 +95,9 @@ class frmOrvane : public QMainWindow {
   void mnuHelp_Click();
   void mnuAbout_Click();
   void mnuStatistics_Click();
-  void frmEdit_DataSetDeleted();
+  void mnuImportCsv_Click();
+  void mnuExportCsv_Click();
+  void frmEdit_SetCountChanged();
   void frmEdit_Done();
 
  private:
@@ -95,7 +108,19 @@ class frmOrvane : public QMainWindow {
   frmEdit& editorWindow();
   void enableSavingAndAbout();
   void showResults();
-  void writeFiles(const std::string& path);
+  bool writeFiles(const std::string& path);
+  // Reads FILE as a table or as a file pair and shows the problem; false when nothing
+  // was opened.
+  bool openProblem(const std::string& path, bool asTable);
+  // The names of a table's header that the problem cannot take, replaced by names the
+  // user accepts or edits; false when the user cancels.
+  bool acceptColumnNames(RegressionProblem& problem);
+  // The menus' keys and the table entries of File.
+  void buildFileCommands();
+  void helpOnF1(QWidget& window);
+  // The caption, the name of the file open and "*" while there are unsaved changes.
+  void setModified(bool modified);
+  void showTitle();
   // The Statistics entry and the warning line under the results; the summary of the
   // fit computed, or cleared, and shown wherever it is shown.
   void buildStatisticsControls();
@@ -106,6 +131,9 @@ class frmOrvane : public QMainWindow {
   Workbench workbench_;
   std::string fileName_;
   bool loadingFile_ = false;  // the loaded-from-file flag
+  QString titleName_;         // the file the problem came from or was saved to
+  std::string offeredName_;   // what Save offers for an imported table: its name with .txt
+  bool modified_ = false;
 
   // The window's own engine; it checks formulas the way the plot windows evaluate them.
   ExpressionEngine ScriptControl1;
@@ -137,6 +165,9 @@ class frmOrvane : public QMainWindow {
   QAction* mnuHelp = nullptr;
   QAction* mnuAbout = nullptr;
   QAction* mnuStatistics = nullptr;
+  QAction* mnuImportCsv = nullptr;
+  QAction* mnuExportCsv = nullptr;
+  QAction* mnuExit = nullptr;  // Ctrl+Q, the keys of "E&xit"
   QLabel* lblWarning = nullptr;
 
   // Windows of their own (not children, so that disabling this one leaves them usable).

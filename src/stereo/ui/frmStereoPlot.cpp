@@ -28,6 +28,7 @@
 #include "platform/ui/TextBox.h"
 #include "stereo/FieldRules.h"
 #include "stereo/StereoExport.h"
+#include "platform/ui/Shortcuts.h"
 #include "stereo/StereoRender.h"
 #include "stereo/StereoReport.h"
 
@@ -109,6 +110,7 @@ void frmStereoPlot::Form_Load() {
   connect(mnuCopyRight, &QAction::triggered, this, &frmStereoPlot::mnuCopyRight_Click);
   connect(mnuHelp, &QAction::triggered, this, &frmStereoPlot::mnuHelp_Click);
   connect(cboViewing, &QComboBox::currentIndexChanged, this, &frmStereoPlot::cboViewing_Click);
+  mnuHelp->setShortcuts(StandardKeys(QKeySequence::HelpContents, QKeySequence(Qt::Key_F1)));
 
   const std::pair<QPushButton*, int> zooms[] = {
       {cmdZoomOut, kZoomOut},     {cmdZoomIn, kZoomIn},       {cmdPanRight, kPanRight}, {cmdPanUp, kPanUp},

@@ -14,7 +14,7 @@
 #include <memory>
 
 #include "batch/BatchSupport.h"
-#include "batch/CsvProblem.h"
+#include "regression/CsvProblem.h"
 #include "platform/ScriptedDialogs.h"
 #include "platform/ui/PictureBox.h"
 #include "platform/ui/QImageCanvas.h"

@@ -1,9 +1,11 @@
 // The regression window as a user drives it: fields filled in order and locked, data
-// typed into the editor, Compute, Evaluations, Add data, Save and Open, Print.
+// typed and pasted into the editor and undone, Compute, Evaluations, Add data, Save and
+// Open, tables of text imported, Print.
 //
 // Keys go where a person's keys go, to the widget that holds the focus in the active
 // window; the keyboard test also runs on a real X server (see CMakeLists.txt).
 
+#include <QAbstractItemModelTester>
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
@@ -11,6 +13,7 @@
 #include <QFile>
 #include <QLabel>
 #include <QListWidget>
+#include <QMimeData>
 #include <QPushButton>
 #include <QTableView>
 #include <QTemporaryDir>
@@ -57,7 +60,7 @@ struct MainWindow {
   QListWidget* lstCoeff = find<QListWidget>("lstCoeff");
   QAction *mnuOpen = find<QAction>("mnuOpen"), *mnuSave = find<QAction>("mnuSave"),
           *mnuSaveAs = find<QAction>("mnuSaveAs"), *mnuPrint = find<QAction>("mnuPrint"),
-          *mnuAbout = find<QAction>("mnuAbout");
+          *mnuAbout = find<QAction>("mnuAbout"), *mnuImportCsv = find<QAction>("mnuImportCsv");
   const RegressionProblem& problem = window.workbench().problem;
 
   MainWindow() {
@@ -119,7 +122,26 @@ struct MainWindow {
     return problem.X(2, 4) == 9.2 && problem.X(1, 5) == 5.0;  // the first grid column is the dependent
   }
   bool withLineData() { return setUp("1", "y", "x", "5") && typeLineData(); }
+
+  // Keys pressed in the main window, made active again as closing the editor leaves it.
+  bool pressInMain(QKeyCombination key) {
+    window.activateWindow();
+    if (!QTest::qWaitForWindowActive(&window)) return false;
+    QTest::keyClick(QApplication::focusWidget() ? QApplication::focusWidget() : &window, key.key(),
+                    key.keyboardModifiers());
+    return true;
+  }
+
+  // The window's caption, then what follows it.
+  QString titleEnd() const {
+    return window.windowTitle().mid(QStringLiteral("Orvane Regression  www.orvane.example").size());
+  }
 };
+
+void writeText(const QString& path, const QByteArray& text) {
+  QFile file(path);
+  if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size()) qFatal("cannot write %s", qPrintable(path));
+}
 
 }  // namespace
 
@@ -237,6 +259,11 @@ class RegressionWindowTest : public QObject {
     QCOMPARE(cell(editor, 1, 0), QStringLiteral("10.8"));
     QCOMPARE(w.lstCoeff->count(), 0);
     QVERIFY(!w.cmdEvaluations->isEnabled());
+    QTest::keyClick(editor->MSFlexGridEdit, Qt::Key_Z, Qt::ControlModifier);  // the set comes back in its row
+    QCOMPARE(column(w.problem, 2), QList<double>({3.1, 4.9, 7, 9.2, 10.8}));
+    QCOMPARE(QStringList({cell(editor, 1, 0), cell(editor, 4, 0), w.txtN->text()}), QStringList({"4.9", "10.8", "5"}));
+    QTest::keyClick(editor->MSFlexGridEdit, Qt::Key_Y, Qt::ControlModifier);
+    QCOMPARE(column(w.problem, 2), QList<double>({3.1, 10.8, 7, 9.2}));
     editor->cmdExit->click();
 
     w.dialogs.queueInputBox(std::string("0"));
@@ -280,6 +307,10 @@ class RegressionWindowTest : public QObject {
     fresh.dialogs.queueInputBox(std::string("2"));
     fresh.cmdAddData->click();
     QCOMPARE(column(fresh.problem, 2), QList<double>({3.1, 4.9, 7, 9.2, 10.8, 0, 0}));
+    QVERIFY(QTest::qWaitForWindowActive(fresh.window.editor()));
+    QTest::keyClick(fresh.window.editor()->MSFlexGridEdit, Qt::Key_Z, Qt::ControlModifier);  // the added sets go
+    QCOMPARE(fresh.problem.N, 5);
+    QCOMPARE(fresh.txtN->text(), QStringLiteral("5"));
   }
 
   // y then x for three sets, each value ended by Enter, the arrows moving between the
@@ -367,14 +398,18 @@ class RegressionWindowTest : public QObject {
 
       w.cmdCompute->click();
       listing = listLines(w.lstCoeff);
+      QCOMPARE(w.titleEnd(), QStringLiteral(" - Untitled*"));
       w.dialogs.queueSaveFileName(path);
-      w.mnuSave->trigger();
+      QVERIFY(w.pressInMain(Qt::CTRL | Qt::Key_S));
       QVERIFY(QFile::exists(QString::fromStdString(path + ".dat")));
       QCOMPARE(w.window.fileName(), path);
+      QCOMPARE(w.titleEnd(), QStringLiteral(" - study.txt"));
     }
     MainWindow w;
+    QCOMPARE(w.titleEnd(), QString());
     w.dialogs.queueOpenFileName(path);
-    w.mnuOpen->trigger();
+    QVERIFY(w.pressInMain(Qt::CTRL | Qt::Key_O));
+    QCOMPARE(w.titleEnd(), QStringLiteral(" - study.txt"));
     QCOMPARE(listLines(w.lstCoeff), listing);
     QVERIFY(w.cmdEvaluations->isEnabled());
     QCOMPARE(QStringList({w.txtOrder->text(), w.txtN->text(), w.txtDepVarNam->text(), w.txtVarNams->text()}),
@@ -383,6 +418,117 @@ class RegressionWindowTest : public QObject {
     QVERIFY(!w.mnuOpen->isEnabled() && w.mnuSave->isEnabled() && w.mnuAbout->isVisible() && w.cmdPlot->isVisible());
     QVERIFY(w.window.editor() && !w.window.editor()->isVisible());
     QCOMPARE(cell(w.window.editor(), 3, 0), QStringLiteral("9.2"));
+
+    // A change marks the title; Ctrl+S writes the same pair without asking.
+    frmEdit* editor = w.openEditor();
+    QVERIFY(w.press("8 Enter"));
+    editor->cmdExit->click();
+    QCOMPARE(w.titleEnd(), QStringLiteral(" - study.txt*"));
+    QVERIFY(w.pressInMain(Qt::CTRL | Qt::Key_S));
+    QCOMPARE(w.titleEnd(), QStringLiteral(" - study.txt"));
+    QCOMPARE(w.dialogs.fileDialogs().size(), size_t{1});  // the Open only
+    QCOMPARE(ReadRegressionFiles(path).X(2, 1), 8.0);
+  }
+
+  // A header the problem cannot take: one list of every name offered, to accept or edit;
+  // names still refused are said so and asked again; then the problem is the table's.
+  void tableImportedWithItsNamesCorrected() {
+    QTemporaryDir folder;
+    const QString path = QDir(folder.path()).filePath("stack.csv");
+    writeText(path, "stack.loss;\"Acid Conc.\";y_1;Temp\r\n42;89;80;27\r\n37;86;80;27\r\n37;72;75;25\r\n");
+
+    MainWindow cancelled;  // dropped on the window, a table opens as one; Cancel leaves the window fresh
+    cancelled.dialogs.queueEditNames(std::nullopt);
+    QMimeData dragged;
+    dragged.setUrls({QUrl::fromLocalFile(path)});
+    QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&cancelled.window, &enter);
+    QVERIFY(enter.isAccepted());
+    QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&cancelled.window, &drop);
+    QCOMPARE(cancelled.dialogs.nameLists().size(), size_t{1});
+    QVERIFY(cancelled.mnuOpen->isEnabled() && cancelled.txtOrder->isEnabled());
+    QCOMPARE(cancelled.problem.m, 0);
+
+    MainWindow w;
+    w.dialogs.queueOpenFileName(path.toStdString());
+    w.dialogs.queueEditNames(std::vector<std::string>{"loss", "Acid Conc", "TEMP"});
+    w.dialogs.queueEditNames(std::vector<std::string>{"loss", "AcidConc", "y1"});
+    w.mnuImportCsv->trigger();
+    QCOMPARE(w.dialogs.nameLists().size(), size_t{2});
+    const ScriptedDialogs::NamesRecord& asked = w.dialogs.nameLists()[0];
+    QCOMPARE(asked.labels, (std::vector<std::string>{"Column 1 (dependent), \"stack.loss\":",
+                                                     "Column 2, \"Acid Conc.\":", "Column 3, \"y_1\":"}));
+    QCOMPARE(asked.names, (std::vector<std::string>{"stackloss", "AcidConc", "y1"}));
+    QCOMPARE(w.dialogs.nameLists()[1].names, (std::vector<std::string>{"loss", "Acid Conc", "TEMP"}));
+    QCOMPARE(w.dialogs.messages().size(), size_t{1});  // "Acid Conc" is refused first
+    QVERIFY(w.dialogs.messages()[0].prompt.find("\"Acid Conc\"") == 0);
+
+    QCOMPARE(w.problem.dependentName, std::string("loss"));
+    QCOMPARE(w.problem.names, (std::vector<std::string>{"AcidConc", "y1", "Temp"}));
+    QCOMPARE(QStringList({w.txtOrder->text(), w.txtN->text(), w.txtVarNams->text()}),
+             QStringList({"3", "3", "AcidConc,y1,Temp"}));
+    QCOMPARE(column(w.problem, 4), QList<double>({42, 37, 37}));  // the dependent, first in the table
+    QCOMPARE(column(w.problem, 2), QList<double>({80, 80, 75}));
+    QVERIFY(!w.mnuOpen->isEnabled() && !w.mnuImportCsv->isEnabled() && w.mnuSave->isEnabled());
+    QCOMPARE(w.titleEnd(), QStringLiteral(" - stack.csv"));
+    QCOMPARE(w.window.fileName(), std::string());  // Save asks for a pair's name, never writes over the table
+    w.mnuSave->trigger();
+    QCOMPARE(w.dialogs.fileDialogs().back().initialPath, QDir(folder.path()).filePath("stack.txt").toStdString());
+  }
+
+  // A 3 x 2 block from a spreadsheet fills the cells from the current one, asking before
+  // it adds the set it needs; one Ctrl+Z takes all of it back, set included, and Ctrl+Y
+  // or Ctrl+Shift+Z puts it back. Ctrl+C copies the selected cells as tab-separated text.
+  void blockPastedUndoneAndRedone() {
+    MainWindow w;
+    QVERIFY(w.setUp("1", "y", "x", "3"));
+    frmEdit* editor = w.openEditor();
+    QVERIFY(editor);
+    QAbstractItemModelTester tester(editor->model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
+    QVERIFY(w.press("5 Enter"));
+    editor->MSFlexGridEdit->setCurrentIndex(editor->model()->index(1, 0));
+    w.dialogs.setClipboardText("\"1.5\"\t10\r\n2\t 20\r\n3e1\t-30\r\n");
+    w.dialogs.queueMsgBox(mb::Yes);
+    QTest::keyClick(editor->MSFlexGridEdit, Qt::Key_V, Qt::ControlModifier);
+    QCOMPARE(w.dialogs.messages().size(), size_t{1});
+    QCOMPARE(w.dialogs.messages()[0].prompt,
+             std::string("The pasted block has 3 rows, 1 more than the data sets from here on.\rAdd 1 data set? "
+                         "(No pastes the rows that fit.)"));
+    QCOMPARE(w.problem.N, 4);
+    QCOMPARE(w.txtN->text(), QStringLiteral("4"));
+    QCOMPARE(column(w.problem, 2), QList<double>({5, 1.5, 2, 30}));
+    QCOMPARE(column(w.problem, 1), QList<double>({0, 10, 20, -30}));
+    QCOMPARE(QStringList({cell(editor, 1, 0), cell(editor, 3, 1)}), QStringList({"1.5", "-30"}));
+
+    QTest::keyClick(editor->MSFlexGridEdit, Qt::Key_C, Qt::ControlModifier);
+    QCOMPARE(w.dialogs.copiedTexts().back(), std::string("1.5\t10\n2\t20\n3e1\t-30\n"));  // as the cells show them
+
+    QTest::keyClick(editor->MSFlexGridEdit, Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(w.problem.N, 3);
+    QCOMPARE(w.txtN->text(), QStringLiteral("3"));
+    QCOMPARE(column(w.problem, 2), QList<double>({5, 0, 0}));
+    QCOMPARE(QStringList({cell(editor, 0, 0), cell(editor, 1, 0), cell(editor, 2, 1)}), QStringList({"5", "", ""}));
+    QTest::keyClick(editor->MSFlexGridEdit, Qt::Key_Y, Qt::ControlModifier);
+    QCOMPARE(column(w.problem, 1), QList<double>({0, 10, 20, -30}));
+    QTest::keyClick(editor->MSFlexGridEdit, Qt::Key_Z, Qt::ControlModifier);
+    QTest::keyClick(editor->MSFlexGridEdit, Qt::Key_Z, Qt::ControlModifier);  // the typed 5 too
+    QCOMPARE(cell(editor, 0, 0), QString());
+    QVERIFY(!editor->mnuUndo->isEnabled());
+    QTest::keyClick(editor->MSFlexGridEdit, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    QTest::keyClick(editor->MSFlexGridEdit, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    QCOMPARE(column(w.problem, 2), QList<double>({5, 1.5, 2, 30}));
+
+    QTest::keyClick(editor->MSFlexGridEdit, Qt::Key_F1);  // the main window's help, from the editor too
+    QCOMPARE(w.dialogs.helpRequests().size(), size_t{1});
+    QVERIFY(QString::fromStdString(w.dialogs.helpRequests()[0]).endsWith("/orvane.hlp"));
+
+    w.dialogs.setClipboardText("1\t2\t3\n");  // wider than the two columns: refused, nothing changes
+    QTest::keyClick(editor->MSFlexGridEdit, Qt::Key_V, Qt::ControlModifier);
+    QCOMPARE(w.dialogs.messages().back().prompt,
+             std::string("The pasted block is 3 cells wide; from this column on there is room for 2.\r"
+                         "Nothing was pasted."));
+    QCOMPARE(column(w.problem, 2), QList<double>({5, 1.5, 2, 30}));
   }
 
   void malformedFileIsReportedAndChangesNothing() {
