@@ -118,6 +118,8 @@ TEST(PointEvaluation, ValuesAtPoints) {
   EXPECT_EQ(out, 3);
   EXPECT_EQ(TryEvaluateAt(t.engine, t.sh, "x*10", 0.5, out), 0);
   EXPECT_EQ(out, 5);
+  EXPECT_EQ(TryEvaluateAt(t.engine, t.sh, "u-v", 4, 1.5, out, SurfaceVariables::UV), 0);
+  EXPECT_EQ(out, 2.5);
 }
 
 TEST(PointEvaluation, ObjectErrorsRaiseWithoutTheHandlerEngineErrorsThroughIt) {
