@@ -51,7 +51,7 @@ TEST(NumberText, LeadingNumberTakesTheNumericPrefix) {
     const char* text;
     double value;
   } cases[] = {{"2abc", 2},   {"1e", 1},       {"e5", 0},   {"-", 0},   {".5", 0.5},   {"", 0},
-               {"  7", 7},    {"&H1F", 31},    {"&HFFFF", -1}, {"-3.5x", -3.5}, {"1.5E3", 1500},
+               {"  7", 7},    {"&H1F", 31},    {"&HFFFF", -1}, {"&H10000", 65536}, {"-3.5x", -3.5}, {"1.5E3", 1500},
                {"1e-2z", 0.01}, {"1 2", 12},   {"+4", 4},   {"..5", 0}, {"5.", 5},     {"abc", 0},
                {"1e-999", 0}};
   for (const auto& c : cases) EXPECT_DOUBLE_EQ(leadingNumber(c.text), c.value) << c.text;

@@ -3,7 +3,6 @@
 #include <string>
 #include <vector>
 
-#include "platform/RecordingCanvas.h"
 #include "platform/RecordingPrinterPage.h"
 
 namespace orvane {
@@ -47,27 +46,6 @@ TEST(RecordingPrinterPage, LinesCarryTheirYInTwipsAndOverflowToANewPage) {
     EXPECT_EQ(lines[i].page, i < 4 ? 1 : 2) << i;
   }
   EXPECT_EQ(page.CurrentY(), 240);
-}
-
-TEST(RecordingPrinterPage, FontsPicturesAndEndOfDocument) {
-  RecordingPrinterPage page;
-  const std::string previous = page.FontName();
-  page.SetFontName("Courier New");
-  RecordingCanvas picture(400, 300);
-  page.PaintPicture(picture, 100, 200, 5760, 4320);
-  page.SetCurrentY(4500);
-  page.Write("Plot of Function");  // left open: EndDoc ends it
-  page.EndDoc();
-  page.SetFontName(previous);
-  EXPECT_EQ(page.fontsSet(), (std::vector<std::string>{"Courier New", previous}));
-  ASSERT_EQ(page.pictures().size(), 1u);
-  EXPECT_EQ(page.pictures()[0].pixelWidth, 400);
-  ASSERT_EQ(page.lines().size(), 1u);
-  EXPECT_EQ(page.lines()[0].y, 4500);
-  EXPECT_EQ(page.lines()[0].fontName, "Courier New");
-  page.PrintLine("next");  // a new document starts at the top
-  EXPECT_EQ(page.lines()[1].y, 0);
-  EXPECT_EQ(page.lines()[1].document, 1);
 }
 
 }  // namespace

@@ -151,6 +151,11 @@ TEST_F(SafeFileTest, ReadingAndSplittingLines) {
   EXPECT_EQ(SplitLines(read(path("mixed.txt"))), (std::vector<std::string>{"a", "b", "", "last"}));
   EXPECT_EQ(SplitLines("one\r\n"), (std::vector<std::string>{"one"}));
   EXPECT_TRUE(SplitLines("").empty());
+  // A regular file whose reading fails (here at once, as a failing disk fails): refused
+  // with the system's reason.
+  std::string reason;
+  EXPECT_FALSE(ReadWholeFile("/proc/self/mem", &reason));
+  EXPECT_EQ(reason, "Input/output error");
 }
 
 TEST_F(SafeFileTest, AFileLargerThanTheMemoryCanHoldIsRefusedBeforeReading) {

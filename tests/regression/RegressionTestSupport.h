@@ -1,12 +1,17 @@
 #pragma once
-// Small builders shared by the regression tests.
+// Problems and reference data shared by the regression tests, the GoogleTest ones and
+// the windows' Qt tests alike (so nothing here depends on either framework).
 
-#include <gtest/gtest.h>
-
+#include <QByteArray>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -15,13 +20,15 @@
 
 namespace orvane::testing {
 
-// A problem with m variables named x1..xm (or the given names), one row {x1..xm, y} per set.
+// A problem with m variables named x1..xm (or the first m given names), one row
+// {x1..xm, y} per set.
 inline RegressionProblem makeProblem(int m, const std::vector<std::vector<double>>& sets,
                                      std::vector<std::string> names = {}, std::string dependent = "y") {
   RegressionProblem p;
   p.m = m;
   p.N = static_cast<int>(sets.size());
   for (int j = static_cast<int>(names.size()) + 1; j <= m; ++j) names.push_back("x" + std::to_string(j));
+  names.resize(static_cast<size_t>(m));
   p.names = std::move(names);
   p.dependentName = std::move(dependent);
   p.dimensionData();
@@ -37,14 +44,14 @@ inline std::vector<double> column(const RegressionProblem& p, int j) {
   return values;
 }
 
-// A file under tests/regression/data, read whole.
+// A file under tests/regression/data, read whole; a missing one ends the test.
 inline std::string readDataText(const std::string& name) {
   const char* root = std::getenv("ORVANE_SOURCE_DIR");
-  const std::filesystem::path dir = root ? std::filesystem::path(root) / "tests/regression/data"
-                                         : std::filesystem::path(__FILE__).parent_path() / "data";
+  const std::filesystem::path path = (root ? std::filesystem::path(root) / "tests/regression/data"
+                                           : std::filesystem::path(__FILE__).parent_path() / "data") / name;
   std::ostringstream text;
-  text << std::ifstream(dir / name, std::ios::binary).rdbuf();
-  EXPECT_FALSE(text.str().empty()) << dir / name;
+  text << std::ifstream(path, std::ios::binary).rdbuf();
+  if (text.str().empty()) throw std::runtime_error("no test data in " + path.string());
   return text.str();
 }
 
@@ -53,23 +60,36 @@ inline std::string readDataText(const std::string& name) {
 inline RegressionProblem readDataCsv(const std::string& name) {
   std::istringstream in(readDataText(name + ".csv"));
   std::string line, field;
-  std::getline(in, line);
-  if (!line.empty() && line.back() == '\r') line.pop_back();
-  std::vector<std::string> header;
-  std::istringstream names(line);
-  while (std::getline(names, field, ',')) header.push_back(field);
-  std::vector<std::vector<double>> rows;
+  std::vector<std::vector<std::string>> rows;
   while (std::getline(in, line)) {
     if (!line.empty() && line.back() == '\r') line.pop_back();
     if (line.empty()) continue;
     std::istringstream fields(line);
     rows.emplace_back();
-    while (std::getline(fields, field, ',')) rows.back().push_back(parseStrict(field));
-    rows.back().push_back(rows.back().front());  // {x1..xm, y}
-    rows.back().erase(rows.back().begin());
+    while (std::getline(fields, field, ',')) rows.back().push_back(field);
+    std::rotate(rows.back().begin(), rows.back().begin() + 1, rows.back().end());  // {x1..xm, y}
   }
-  return makeProblem(static_cast<int>(header.size()) - 1, rows,
-                     std::vector<std::string>(header.begin() + 1, header.end()), header.at(0));
+  std::vector<std::vector<double>> sets;
+  for (size_t i = 1; i < rows.size(); ++i) {
+    sets.emplace_back();
+    for (const std::string& text : rows[i]) sets.back().push_back(parseStrict(text));
+  }
+  const std::vector<std::string>& header = rows.at(0);
+  return makeProblem(static_cast<int>(header.size()) - 1, sets,
+                     std::vector<std::string>(header.begin(), header.end() - 1), header.back());
+}
+
+inline QJsonObject readDataJson(const std::string& name) {
+  return QJsonDocument::fromJson(QByteArray::fromStdString(readDataText(name))).object();
+}
+
+// A certified value, or array of values, of a NIST file: kept as texts, read here.
+inline std::vector<double> certified(const QJsonObject& file, const char* key) {
+  const QJsonValue value = file.value("certified").toObject().value(key);
+  std::vector<double> values;
+  for (const QJsonValue& v : value.isArray() ? value.toArray() : QJsonArray{value})
+    values.push_back(parseStrict(v.toString().toStdString()));
+  return values;
 }
 
 }  // namespace orvane::testing

@@ -46,32 +46,6 @@ TEST(PartialDerivatives, MatchTheAnalyticDerivatives) {
   }
 }
 
-// The points at which f is evaluated, as offsets in units of h from (0, 0).
-std::vector<std::pair<int, int>> evaluationOrder(int selector, bool high) {
-  std::vector<std::pair<int, int>> calls;
-  auto f = [&](float a, float b, float& z) {
-    calls.emplace_back(static_cast<int>(std::lround(a / pdstep::h)), static_cast<int>(std::lround(b / pdstep::h)));
-    z = 0;
-    return int32_t{0};
-  };
-  float out = 0;
-  TryPartialDerivative(selector, high, 0, 0, f, out);
-  return calls;
-}
-
-TEST(PartialDerivatives, EvaluateInTheFixedOrder) {
-  using V = std::vector<std::pair<int, int>>;
-  EXPECT_EQ(evaluationOrder(kZx, true), (V{{-1, 0}, {1, 0}, {2, 0}, {-2, 0}}));
-  EXPECT_EQ(evaluationOrder(kZyy, true), (V{{0, -1}, {0, 0}, {0, 1}, {0, 2}, {0, -2}}));
-  EXPECT_EQ(evaluationOrder(kZx, false), (V{{-1, 0}, {1, 0}}));
-  EXPECT_EQ(evaluationOrder(kZxx, false), (V{{-2, 0}, {0, 0}, {2, 0}}));
-  EXPECT_EQ(evaluationOrder(kZxy, false), (V{{-1, -1}, {-1, 1}, {1, -1}, {1, 1}}));
-  const V zxy = evaluationOrder(kZxy, true);  // Zx taken at y-h, y+h, y+2h, y-2h
-  ASSERT_EQ(zxy.size(), 16u);
-  EXPECT_EQ((std::vector<int>{zxy[0].second, zxy[4].second, zxy[8].second, zxy[12].second}),
-            (std::vector<int>{-1, 1, 2, -2}));
-}
-
 TEST(PartialDerivatives, AnyFailingEvaluationInvalidatesTheSample) {
   // A pole just beyond x + h: only the five-point formulas reach it.
   auto pole = [](float a, float, float& z) {

@@ -60,20 +60,25 @@ TEST(ReadPlotSettings, AFailingFieldKeepsItsPreviousValueAndTheRestIsRead) {
 
 TEST(ReadPlotSettings, ZeroCountsAndOverflowsAreErrorsNotInfinities) {
   TableReader reader;
+  using F = std::string StereoFields::*;
   const struct {
-    std::string StereoFields::*field;
+    F field;
     const char* text;
     int32_t error;
+    F other = nullptr;  // a second field typed, when the fault needs two
+    const char* otherText = "";
   } rows[] = {
-      {&StereoFields::spacexu, "0", 11},    // 2 / 0
-      {&StereoFields::rangelxu, "1", 6},    // with spacexu 0 below: 0 / 0
-      {&StereoFields::windowgx, "1e300", 6},  // beyond single precision
-      {&StereoFields::xder, "3", 9},        // outside the selector table
+      {&StereoFields::spacexu, "0", 11},                           // 2 / 0
+      {&StereoFields::rangelxu, "1", 6, &StereoFields::spacexu, "0"},  // 0 / 0
+      {&StereoFields::windowgx, "1e300", 6},                       // beyond single precision
+      {&StereoFields::ndots, "1e10", 6},                           // beyond a count
+      {&StereoFields::rangegyv, "3e38", 6, &StereoFields::rangelyv, "-3e38"},  // an extent beyond single
+      {&StereoFields::xder, "3", 9},                               // outside the selector table
   };
   for (const auto& r : rows) {
     StereoFields f;
     f.*r.field = r.text;
-    if (r.field == &StereoFields::rangelxu) f.spacexu = "0";
+    if (r.other) f.*r.other = r.otherText;
     const SettingsRead read = ReadPlotSettings(f, reader);
     EXPECT_EQ(read.error, r.error) << r.text;
     EXPECT_EQ(read.settings.drxu, 0.5f) << r.text;  // values kept

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <climits>
+#include <cmath>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -27,47 +30,55 @@ StereoSettings grid(int32_t spaces, int32_t segs) {
   return s;
 }
 
-std::vector<Step> trace(const StereoSettings& s, testing::Formula z, int* pumps = nullptr) {
+// The mesh's steps; a sink that refuses after `accept` steps stops it.
+std::vector<Step> trace(const StereoSettings& s, testing::Formula z, int* pumps = nullptr, size_t accept = SIZE_MAX,
+                        bool* finished = nullptr) {
   LambdaSurface surface;
   surface.formulas[s.equationZ] = std::move(z);
   SurfaceParameters uv;
   SurfaceSampler sampler(s, surface, uv);
   std::vector<Step> steps;
-  TraceMesh(
+  const bool done = TraceMesh(
       s, sampler,
       [&](const Point3& p, bool penDown) {
         steps.push_back({p.x, p.y, penDown});
-        return true;
+        return steps.size() < accept;
       },
       [&] {
         if (pumps) ++*pumps;
       });
+  if (finished) *finished = done;
   return steps;
 }
 
+double flat(double, double, double, double) { return 0; }
+
 TEST(TraceMesh, PenSequenceOnATwoByTwoGridWithAndWithoutAPole) {
   int pumps = 0;
-  const std::vector<Step> flat = {
+  const std::vector<Step> whole = {
       {-1, -1, false}, {-1, 0, true}, {-1, 1, true},  // curves of constant x
       {0, -1, false},  {0, 0, true},  {0, 1, true},  {1, -1, false}, {1, 0, true}, {1, 1, true},
       {-1, -1, false}, {0, -1, true}, {1, -1, true},  // curves of constant y
       {-1, 0, false},  {0, 0, true},  {1, 0, true},  {-1, 1, false}, {0, 1, true}, {1, 1, true},
   };
-  EXPECT_EQ(trace(grid(2, 1), [](double, double, double, double) { return 0.0; }, &pumps), flat);
+  EXPECT_EQ(trace(grid(2, 1), flat, &pumps), whole);
   EXPECT_EQ(pumps, 1);  // between the two families
   // A pole lifts the pen without ending the mesh: no segment across it.
-  const std::vector<Step> broken = {
-      {-1, -1, false}, {-1, 0, true}, {-1, 1, true}, {0, -1, false}, {0, 1, false},
-      {1, -1, false},  {1, 0, true},  {1, 1, true},  {-1, -1, false}, {0, -1, true},
-      {1, -1, true},   {-1, 0, false}, {1, 0, false}, {-1, 1, false}, {0, 1, true}, {1, 1, true},
-  };
-  EXPECT_EQ(trace(grid(2, 1),
-                  [](double x, double y, double, double) {
-                    if (x == 0 && y == 0) throw RuntimeError(err::DivisionByZero);
-                    return 1.0;
-                  }),
-            broken);
+  const std::vector<Step> broken = trace(grid(2, 1), [](double x, double y, double, double) {
+    if (x == 0 && y == 0) throw RuntimeError(err::DivisionByZero);
+    return 1.0;
+  });
+  ASSERT_EQ(broken.size(), whole.size() - 2);
+  for (size_t i = 1; i < broken.size(); ++i) {
+    EXPECT_FALSE(broken[i].x == 0 && broken[i].y == 0) << i;
+    if (broken[i].penDown) {  // one grid step from the point before
+      EXPECT_EQ(std::fabs(broken[i].x - broken[i - 1].x) + std::fabs(broken[i].y - broken[i - 1].y), 1) << i;
+    }
+  }
   EXPECT_TRUE(trace(grid(2, 1), [](double, double, double, double) -> double { throw RuntimeError(5); }).empty());
+  bool finished = true;  // a sink can stop it
+  EXPECT_EQ(trace(grid(2, 1), flat, nullptr, 4, &finished).size(), 4u);
+  EXPECT_FALSE(finished);
 }
 
 TEST(TraceMesh, CurveCountsAndAccumulatedPositions) {
@@ -76,24 +87,13 @@ TEST(TraceMesh, CurveCountsAndAccumulatedPositions) {
   s.segsyv = 2;
   s.dryv = 2.0f / 3;
   s.stepyv = s.dryv / 2;
-  const std::vector<Step> steps = trace(s, [](double, double, double, double) { return 0.0; });
+  const std::vector<Step> steps = trace(s, flat);
   // 2 curves of constant x with 3*2+1 samples, then 4 curves of constant y with 2.
   ASSERT_EQ(steps.size(), 2u * 7 + 4u * 2);
   // The last sample of a curve is reached by repeated single addition, not lower + n*step.
   float y = -1 - s.stepyv;
   for (int j = 0; j <= 6; ++j) y += s.stepyv;
   EXPECT_EQ(steps[6].y, y);
-}
-
-TEST(TraceMesh, ASinkCanStopIt) {
-  LambdaSurface surface;
-  const StereoSettings s = grid(2, 1);
-  surface.formulas[s.equationZ] = [](double, double, double, double) { return 0.0; };
-  SurfaceParameters uv;
-  SurfaceSampler sampler(s, surface, uv);
-  int seen = 0;
-  EXPECT_FALSE(TraceMesh(s, sampler, [&](const Point3&, bool) { return ++seen < 4; }, nullptr));
-  EXPECT_EQ(seen, 4);
 }
 
 TEST(SurfaceSampler, ParametricPointsMapThroughYThenXThenZ) {

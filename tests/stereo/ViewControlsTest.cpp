@@ -83,10 +83,15 @@ TEST(StepField, IncrementAndDecrementButtons) {
       {StepTarget::RotZ, StepDirection::Dec, "5", &SF::zrot, nullptr, "-5", ""},
       {StepTarget::RotX, StepDirection::Inc, "7.5", &SF::xrot, nullptr, "7.5", ""},
       {StepTarget::TranY, StepDirection::Inc, "abc", &SF::ytr, nullptr, "0", ""},
+      {StepTarget::WindY, StepDirection::Dec, "1", &SF::windowly, &SF::windowgy, "-1.5", "1.5"},
+      {StepTarget::RotY, StepDirection::Inc, "2", &SF::yrot, nullptr, "2", ""},
+      {StepTarget::TranX, StepDirection::Dec, "2", &SF::xtr, nullptr, "-2", ""},
+      {StepTarget::TranZ, StepDirection::Inc, "0.5", &SF::ztr, nullptr, "0.5", ""},
   };
   for (const auto& r : rows) {
     StereoFields f;
-    f.stepWindX = f.stepWindZ = f.stepRangXU = f.stepRangYV = f.stepRotZ = f.stepRotX = f.stepTranY = r.step;
+    f.stepWindX = f.stepWindY = f.stepWindZ = f.stepRangXU = f.stepRangYV = r.step;
+    f.stepRotX = f.stepRotY = f.stepRotZ = f.stepTranX = f.stepTranY = f.stepTranZ = r.step;
     StepField(r.target, r.direction, f);
     EXPECT_EQ(f.*r.lowerField, r.lower) << r.step;
     if (r.upperField) {

@@ -25,6 +25,7 @@
 #include "platform/ScriptedDialogs.h"
 #include "platform/ui/TextBox.h"
 #include "plot2d/ui/frmPlot.h"
+#include "regression/RegressionTestSupport.h"
 #include "regression/Workbench.h"
 #include "regression/ui/DataGridModel.h"
 #include "regression/ui/frmEdit.h"
@@ -139,18 +140,9 @@ struct Plot2d {
   ScriptedDialogs dialogs;
   std::unique_ptr<frmPlot> window;
   Plot2d() {
-    RegressionProblem& p = workbench.problem;
-    p.m = 1;
-    p.N = 5;
-    p.names = {"x"};
-    p.dependentName = "y";
-    p.dimensionData();
-    for (int i = 1; i <= 5; ++i) {
-      p.X(1, i) = i;
-      p.X(2, i) = 1 + 2 * i;
-    }
-    p.A = {1, 2, 0};
-    p.computed = workbench.fitted = true;
+    workbench.problem = testing::makeProblem(1, {{1, 3}, {2, 5}, {3, 7}, {4, 9}, {5, 11}}, {"x"});
+    workbench.problem.A = {1, 2, 0};
+    workbench.problem.computed = workbench.fitted = true;
     window = std::make_unique<frmPlot>(workbench, dialogs);
     window->txtEquation->setText("x^2-2");
   }

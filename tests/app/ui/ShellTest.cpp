@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTextBrowser>
 #include <QtTest>
@@ -30,6 +31,15 @@ struct Started {
   void openAbout() {  // the About entry shows once a problem is set up; here it is shown directly
     action("mnuAbout")->setVisible(true);
     action("mnuAbout")->trigger();
+  }
+  // Starts with `folder` as the current one, as when the program is started from there,
+  // and puts the test's own current folder back.
+  bool startIn(const QString& folder) {
+    const QString old = QDir::currentPath();
+    QDir::setCurrent(folder);
+    const bool started = subMain.Start();
+    QDir::setCurrent(old);
+    return started;
   }
 };
 
@@ -91,18 +101,16 @@ class ShellTest : public QObject {
     QFETCH(bool, fileThere);
     QFETCH(bool, moveAway);
     QTemporaryDir startDir, otherDir;
-    const QString old = QDir::currentPath();
-    QDir::setCurrent(startDir.path());
-    const QString expected = QDir(QDir::currentPath()).filePath("orvane.hlp");
+    const QString expected = QDir(QFileInfo(startDir.path()).canonicalFilePath()).filePath("orvane.hlp");
     if (fileThere) writeFile(expected, "<html><body><h1>Help</h1></body></html>");
     writeFile(QDir(otherDir.path()).filePath("orvane.hlp"), "<html><body>decoy</body></html>");
 
     Started p;
-    const bool started = p.subMain.Start();
-    if (moveAway) QDir::setCurrent(otherDir.path());
-    if (started) p.action("mnuHelp")->trigger();
+    QVERIFY(p.startIn(startDir.path()));
+    const QString old = QDir::currentPath();
+    QDir::setCurrent(moveAway ? otherDir.path() : startDir.path());
+    p.action("mnuHelp")->trigger();
     QDir::setCurrent(old);
-    QVERIFY(started);
     QCOMPARE(p.dialogs.helpRequests().size(), size_t{1});
     QCOMPARE(QString::fromStdString(p.dialogs.helpRequests()[0]), expected);
     QCOMPARE(p.dialogs.messages().size(), size_t(fileThere ? 0 : 1));

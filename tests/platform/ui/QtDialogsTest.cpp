@@ -9,6 +9,7 @@
 #include <QTextBrowser>
 #include <QtTest>
 
+#include "platform/PrinterPage.h"
 #include "platform/RecordingCanvas.h"
 #include "platform/ui/QImageCanvas.h"
 #include "platform/ui/QtDialogs.h"
@@ -30,6 +31,13 @@ class QtDialogsTest : public QObject {
     QTest::newRow("ok only") << 64 << ok << int(QMessageBox::Information) << ok << mb::OK;
     QTest::newRow("ok cancel") << 49 << (ok | cancel) << int(QMessageBox::Warning) << cancel << mb::Cancel;
     QTest::newRow("yes no") << 36 << (yes | no) << int(QMessageBox::Question) << yes << mb::Yes;
+    // Escape (-1) answers the box's Cancel.
+    QTest::newRow("Esc on yes no cancel") << 35 << (yes | no | cancel) << int(QMessageBox::Question) << -1
+                                          << mb::Cancel;
+    QTest::newRow("Esc on retry cancel") << 21 << (int(QMessageBox::Retry) | cancel) << int(QMessageBox::Critical) << -1
+                                         << mb::Cancel;
+    QTest::newRow("abort retry ignore") << 50 << int(QMessageBox::Abort | QMessageBox::Retry | QMessageBox::Ignore)
+                                        << int(QMessageBox::Warning) << int(QMessageBox::Retry) << 4;
   }
   void messageBoxesMapStylesAndAnswers() {
     QFETCH(int, style);
@@ -47,7 +55,10 @@ class QtDialogsTest : public QObject {
       seenIcon = int(box->icon());
       seenText = box->text();
       seenTitle = box->windowTitle();
-      box->button(QMessageBox::StandardButton(press))->click();
+      if (press < 0)
+        QTest::keyClick(box, Qt::Key_Escape);
+      else
+        box->button(QMessageBox::StandardButton(press))->click();
     });
     QCOMPARE(dialogs.MsgBox("first\rsecond\r\rc\r\nd", style, "Title"), answer);
     QCOMPARE(seenButtons, buttons);
@@ -56,10 +67,12 @@ class QtDialogsTest : public QObject {
     QCOMPARE(seenTitle, QString("Title"));
   }
 
-  // A box or dialog belongs to the window the user works in, so it opens over it.
+  // A box or dialog belongs to the window the user works in, so it opens over it; closed,
+  // it answers nothing.
   void dialogsOpenOverTheActiveWindow_data() {
     QTest::addColumn<QString>("dialog");
-    for (const char* dialog : {"message box", "input box", "file dialog"}) QTest::newRow(dialog) << dialog;
+    for (const char* dialog : {"message box", "input box", "open dialog", "save dialog", "print dialog"})
+      QTest::newRow(dialog) << dialog;
   }
   void dialogsOpenOverTheActiveWindow() {
     QFETCH(QString, dialog);
@@ -81,8 +94,12 @@ class QtDialogsTest : public QObject {
       dialogs.MsgBox("Overflow");
     else if (dialog == "input box")
       QCOMPARE(dialogs.InputBox("How many additional data sets?", "Add data"), std::nullopt);
-    else
+    else if (dialog == "open dialog")
       QCOMPARE(dialogs.OpenFileName("Open", "All files (*)"), std::nullopt);
+    else if (dialog == "save dialog")
+      QCOMPARE(dialogs.SaveFileName("Save As", "All files (*)"), std::nullopt);
+    else
+      QVERIFY(dialogs.OpenPrinter("Report") == nullptr);
     QCOMPARE(owner, &second);
   }
 
@@ -108,7 +125,7 @@ class QtDialogsTest : public QObject {
     QVERIFY(browser && browser->toPlainText().contains("Regression"));
   }
 
-  void copyPutsTheWholeImageOnTheClipboard() {
+  void copyPutsTheWholePictureOrTheTextOnTheClipboard() {
     QtDialogs dialogs(nullptr);
     QImageCanvas picture(64, 48, 96);
     picture.Scale(0, 1, 1, 0);  // a user scale does not narrow the copy
@@ -121,6 +138,8 @@ class QtDialogsTest : public QObject {
     RecordingCanvas noPixels;
     dialogs.CopyPicture(noPixels);  // nothing to copy, nothing changes
     QCOMPARE(QGuiApplication::clipboard()->image().size(), QSize(64, 48));
+    dialogs.CopyText("Coefficients:\n\u00e9");
+    QCOMPARE(QGuiApplication::clipboard()->text(), QString::fromUtf8("Coefficients:\n\u00e9"));
   }
 
   void busyPointerIsBalanced() {

@@ -44,6 +44,14 @@ class QtPrinterPageTest : public QObject {
     QVERIFY(file.read(5).startsWith("%PDF"));
   }
 
+  void aDocumentNobodyEndedStillGoesOut() {
+    QTemporaryDir dir;
+    const QString path = dir.filePath("unended.pdf");
+    QtPrinterPage(path.toStdString()).PrintLine("text");
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly) && file.read(5).startsWith("%PDF"));
+  }
+
   void unwritableFileIsAPrinterError() {
     QtPrinterPage page("/nonexistent-folder/x/report.pdf");
     try {

@@ -109,9 +109,11 @@ class TextBoxTest : public QObject {
 
   void filteredCharactersStayOutHoweverTheyCome_data() {
     QTest::addColumn<QString>("route");
-    for (const char* route : {"typed", "Ctrl+V", "Shift+Insert", "context menu", "middle click", "dropped",
-                              "input method", "set by the program"})
+    for (const char* route : {"typed", "Ctrl+V", "Shift+Insert", "context menu", "dropped", "input method",
+                              "set by the program"})
       QTest::newRow(route) << route;
+    // Only a window system has a selection to paste (the run under xvfb-run).
+    if (QGuiApplication::clipboard()->supportsSelection()) QTest::newRow("middle click") << "middle click";
   }
   void filteredCharactersStayOutHoweverTheyCome() {
     QFETCH(QString, route);
@@ -130,7 +132,6 @@ class TextBoxTest : public QObject {
     } else if (route == "context menu") {
       form.txtA->paste();  // what the menu's Paste entry calls
     } else if (route == "middle click") {
-      if (!QGuiApplication::clipboard()->supportsSelection()) QSKIP("no selection clipboard on this platform");
       QGuiApplication::clipboard()->setText(text, QClipboard::Selection);
       QTest::mouseClick(form.txtA, Qt::MiddleButton);
     } else if (route == "dropped") {

@@ -1,0 +1,94 @@
+// Plot in the main window hands the fitted function to the study window for one
+// variable or the stereo window for two, and waits, disabled, until that window exits.
+
+#include <QAction>
+#include <QApplication>
+#include <QDir>
+#include <QPointer>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QtTest>
+#include <utility>
+#include <vector>
+
+#include "app/PlotWindows.h"
+#include "platform/ScriptedDialogs.h"
+#include "platform/ui/TextBox.h"
+#include "plot2d/ui/frmPlot.h"
+#include "regression/RegressionFile.h"
+#include "regression/RegressionTestSupport.h"
+#include "regression/Solver.h"
+#include "regression/ui/frmOrvane.h"
+#include "stereo/ui/frmStereoPlot.h"
+
+namespace orvane {
+namespace {
+
+template <class Window>
+Window* shownWindow() {
+  for (QWidget* w : QApplication::topLevelWidgets())
+    if (auto* window = qobject_cast<Window*>(w); window && window->isVisible()) return window;
+  return nullptr;
+}
+
+}  // namespace
+
+class PlotWindowsTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void plotHandsTheFitOverAndExitReturns_data() {
+    QTest::addColumn<int>("m");
+    QTest::newRow("one variable: the study") << 1;
+    QTest::newRow("two variables: the stereo pair") << 2;
+  }
+  void plotHandsTheFitOverAndExitReturns() {
+    QFETCH(int, m);
+    // z = 1 + 2 x1 - x2 at the corners of the unit square and one more point, against
+    // x1 alone or both.
+    std::vector<std::vector<double>> sets;
+    for (const auto& [x1, x2] : std::vector<std::pair<double, double>>{{0, 0}, {1, 0}, {0, 1}, {1, 1}, {2, 1}})
+      sets.push_back(m == 1 ? std::vector<double>{x1, 1 + 2 * x1 - x2} : std::vector<double>{x1, x2, 1 + 2 * x1 - x2});
+    QTemporaryDir dir;
+    const std::string path = QDir(dir.path()).filePath("fit.txt").toStdString();
+    WriteRegressionFiles(path, testing::makeProblem(m, sets, {"s", "t"}));
+    ScriptedDialogs dialogs;
+    frmOrvane main(dialogs);
+    ConnectPlotWindows(main, dialogs);
+    main.show();
+    dialogs.queueOpenFileName(path);
+    main.findChild<QAction*>("mnuOpen")->trigger();
+    main.findChild<QPushButton*>("cmdCompute")->click();
+    QVERIFY(main.workbench().fitted);
+    const QString fitted = QString::fromStdString(FittedFunctionText(main.workbench().problem));
+    auto* cmdPlot = main.findChild<QPushButton*>("cmdPlot");
+    QVERIFY(cmdPlot->isVisible());
+    cmdPlot->click();
+
+    QPointer<QWidget> study;
+    if (m == 1) {
+      frmPlot* plot = shownWindow<frmPlot>();
+      QVERIFY(plot);
+      QCOMPARE(plot->txtEquation->text(), fitted);
+      QVERIFY(fitted.endsWith("*x"));
+      QTRY_VERIFY(plot->graphDrawn());  // the fitted line at once
+      study = plot;
+    } else {
+      frmStereoPlot* stereo = shownWindow<frmStereoPlot>();
+      QVERIFY(stereo);
+      QCOMPARE(stereo->txtEquationZ->text(), fitted);
+      QVERIFY(fitted.contains("*x+") && fitted.endsWith("*y"));
+      study = stereo;
+    }
+    QVERIFY(!main.isEnabled());
+    study->findChild<QPushButton*>("cmdExit")->click();
+    QVERIFY(main.isEnabled());
+    QTRY_VERIFY(study.isNull());
+    QVERIFY(dialogs.messages().empty());
+  }
+};
+
+}  // namespace orvane
+
+QTEST_MAIN(orvane::PlotWindowsTest)
+#include "PlotWindowsTest.moc"
