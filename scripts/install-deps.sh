@@ -10,7 +10,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev libmuparser-dev
   libeigen3-dev libboost-math-dev
   fonts-liberation fonts-dejavu-core
-  xvfb xauth
+  xvfb xauth locales
   desktop-file-utils appstream
 )
 packages+=("$@")
