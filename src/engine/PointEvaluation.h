@@ -55,4 +55,25 @@ int32_t TryEvaluateAt(ExpressionEngine& engine, Class1& object, std::string_view
 int32_t TryEvaluateAt(ExpressionEngine& engine, Class1& object, std::string_view formula, double first,
                       double second, double& result, SurfaceVariables variables = SurfaceVariables::XY) noexcept;
 
+// The formula at `count` (at most BlockLanes) points at once: `first` holds x, or x
+// and `second` y, or u and v. Each lane of `outcome` is what TryEvaluateAt would give
+// at its point; nothing is reported and no error field is written until the caller
+// takes a failing lane with ReportBlockPoint.
+void TryEvaluateBlock(ExpressionEngine& engine, Class1& object, std::string_view formula, const double* first,
+                      const double* second, int32_t count, BlockOutcome& outcome,
+                      SurfaceVariables variables = SurfaceVariables::XY) noexcept;
+
+// A lane's error number as TryEvaluateAt gives it: the engine's, else the math object's.
+inline int32_t BlockPointError(const BlockOutcome& outcome, int32_t lane) {
+  return outcome.error[lane] ? outcome.error[lane] : outcome.objectError[lane];
+}
+
+// The first lane without a finite value (an error, or a value that is not finite), or
+// the outcome's count when every lane has one.
+int32_t FirstPointWithoutValue(const BlockOutcome& outcome) noexcept;
+
+// What evaluating the lane's point alone would have left: the error event for an engine
+// error, ierr and the shared error field for a math-object failure.
+void ReportBlockPoint(ExpressionEngine& engine, Class1& object, const BlockOutcome& outcome, int32_t lane) noexcept;
+
 }  // namespace orvane

@@ -1,5 +1,6 @@
 #include "plot2d/EngineFunction.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "engine/PointEvaluation.h"
@@ -22,6 +23,30 @@ int32_t EngineFunction::tryEval(double x, double& y) {
   if (blank(formula_)) return err::InvalidCall;
   if (int32_t error = TryEvaluateAt(engine_, sh_, formula_, x, y)) return error;
   return std::isfinite(y) ? 0 : err::Overflow;
+}
+
+int32_t EngineFunction::tryEvalBlock(const double* xs, int32_t n, double* ys, int32_t& error) {
+  error = 0;
+  if (n <= 0) return 0;
+  if (blank(formula_)) {
+    error = err::InvalidCall;
+    return 0;
+  }
+  if (!block_) block_ = std::make_unique<BlockOutcome>();
+  for (int32_t start = 0; start < n; start += BlockLanes) {
+    const int32_t count = std::min(BlockLanes, n - start);
+    TryEvaluateBlock(engine_, sh_, formula_, xs + start, nullptr, count, *block_);
+    const int32_t good = FirstPointWithoutValue(*block_);
+    std::copy(block_->value, block_->value + good, ys + start);
+    if (good < count) {
+      if (start + good > 0) return start + good;  // reported when a call starts there
+      ReportBlockPoint(engine_, sh_, *block_, 0);
+      error = BlockPointError(*block_, 0);
+      if (!error) error = err::Overflow;  // a value that is not finite
+      return 0;
+    }
+  }
+  return n;
 }
 
 }  // namespace orvane
