@@ -117,8 +117,9 @@ int32_t DerivativeEvaluator::f(const double* xs, int32_t n, double* ys) {
 int32_t DerivativeEvaluator::D(int32_t k, const double* xs, int32_t n, double* ys) {
   if (n <= 0) return 0;
   if (k == 0) return f(xs, n, ys);
-  if (k > 2) {
-    ys[0] = D(k, xs[0]);
+  if (k > 2) {  // taken at the point itself
+    storePoint(xs[0]);
+    ys[0] = highOrder(k);
     return 1;
   }
   // The points each difference takes, in the order D(k, x) takes them.

@@ -60,7 +60,8 @@ class DerivativeEvaluator {
   int32_t tryD(int32_t k, double x, double& y);
   // D(k, x) at xs[0..n) in order, up to the first point where it fails: returns how
   // many leading values are in ys, and throws the first point's error when it fails
-  // itself. Orders 0 to 2 evaluate f over whole blocks.
+  // itself. Orders 0 to 2 evaluate f over whole blocks; higher orders are taken at
+  // each point, which becomes the stored point.
   int32_t D(int32_t k, const double* xs, int32_t n, double* ys);
 
  private:

@@ -1,11 +1,11 @@
 #include "plot2d/SignChangeScan.h"
 
-#include <algorithm>
 #include <cmath>
 
 #include "platform/RuntimeError.h"
 #include "platform/StopCheck.h"
 #include "plot2d/CheckedMath.h"
+#include "plot2d/PointWalk.h"
 
 namespace orvane {
 
@@ -14,63 +14,6 @@ namespace {
 int sign(double v) { return (v > 0) - (v < 0); }
 
 }  // namespace
-
-// The grid points and g's values there, a block ahead of the scan. The grid is the
-// same whatever the scan does between two of its points, so its values can be taken
-// before they are needed; a point that fails is met, and reported, only when the scan
-// asks for its value.
-class GridWalk {
- public:
-  GridWalk(const BlockFunction& g, double first, double step, double xupper)
-      : g_(g), step_(step), xupper_(xupper), last_(first - step) {}
-
-  // Moves to the next grid point; false at the end of the interval (or when the points
-  // no longer move).
-  bool next(double& x) {
-    if (++at_ >= filled_ && !fill()) return false;
-    x = xs_[at_];
-    return true;
-  }
-
-  // g at the current point; throws its error.
-  double value() {
-    if (at_ >= ready_) {
-      const int32_t count = std::min(run_, filled_ - at_);
-      try {
-        ready_ = at_ + g_(xs_ + at_, count, ys_ + at_);
-      } catch (const RuntimeError&) {
-        run_ = 1;  // failures come in runs: grow again from one point
-        throw;
-      }
-      run_ = std::min(run_ * 2, kBlock);
-    }
-    return ys_[at_];
-  }
-
- private:
-  static constexpr int32_t kBlock = 256;
-
-  bool fill() {
-    filled_ = ready_ = at_ = 0;
-    for (double x = last_; filled_ < kBlock; ++filled_) {
-      const double moved = x + step_;
-      if (!(moved > x) || !(moved < xupper_)) break;
-      x = xs_[filled_] = moved;
-    }
-    if (filled_ == 0) return false;
-    last_ = xs_[filled_ - 1];
-    return true;
-  }
-
-  const BlockFunction& g_;
-  const double step_;
-  const double xupper_;
-  double last_;  // the last point filled
-  int32_t at_ = -1, filled_ = 0, ready_ = 0;
-  int32_t run_ = kBlock;  // how many points the next evaluation takes
-  double xs_[kBlock];
-  double ys_[kBlock];
-};
 
 ScanEnd scanSignChanges(const StudySettings& s, const BlockFunction& g,
                         const std::function<double(double)>& next,
@@ -83,7 +26,7 @@ ScanEnd scanSignChanges(const StudySettings& s, const BlockFunction& g,
   }
   if (!(step > 0)) return {};  // an empty or inverted interval holds no grid point
 
-  GridWalk grid(g, s.xlower, step, s.xupper);
+  PointWalk grid(g, s.xlower, step, s.xupper, PointWalk::End::Before);
   // A stop keeps the zeros already added.
   try {
     for (;;) {

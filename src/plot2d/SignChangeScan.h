@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 
+#include "plot2d/PointWalk.h"
 #include "plot2d/StudySettings.h"
 
 namespace orvane {
@@ -21,7 +22,6 @@ struct ScanEnd {
 // a zero (it may throw, e.g. error 9 when its table is full). The point xupper itself
 // is never sampled. A zero is accepted when the last correction is within s.err; the
 // iteration stops there or after s.maxcy steps. The zeros added before a stop stay.
-using BlockFunction = std::function<int32_t(const double* xs, int32_t n, double* ys)>;
 ScanEnd scanSignChanges(const StudySettings& s, const BlockFunction& g,
                         const std::function<double(double)>& next,
                         const std::function<void(double)>& add);

@@ -10,11 +10,13 @@
 #include <vector>
 
 #include "engine/PointEvaluation.h"
+#include "platform/RecordingCanvas.h"
 #include "platform/RuntimeError.h"
 #include "platform/StopCheck.h"
 #include "plot2d/EngineFunction.h"
 #include "plot2d/ExtremaFinder.h"
 #include "plot2d/Integrator.h"
+#include "plot2d/PlotDrawing.h"
 #include "plot2d/RootFinder.h"
 #include "Plot2dTestDoubles.h"
 
@@ -249,8 +251,8 @@ TEST(LongWork, ASlowFormulaIsAskedEveryFewEvaluations) {
 }
 
 // The window's formula through blocks of points and point by point: the same roots,
-// extrema and integral, the same error, and the same errors reported in the same order
-// with the same math-object error left behind, failing points among the blocks.
+// extrema, integral and curves, the same error, and the same errors reported in the
+// same order with the same math-object error left behind, failing points among the blocks.
 TEST(BlockEvaluation, StudiesAgreeWithPointByPoint) {
   // The formula one point at a time, as before blocks.
   class PointByPoint final : public FunctionOfX {
@@ -325,6 +327,22 @@ TEST(BlockEvaluation, StudiesAgreeWithPointByPoint) {
     EXPECT_EQ(ib.error, ip.error);
     EXPECT_EQ(std::bit_cast<uint64_t>(ib.value), std::bit_cast<uint64_t>(ip.value));
     EXPECT_EQ(blocks.state(), points.state());
+
+    // The curve and its derivatives over the same interval, a sample every pixel.
+    PlotRequest r;
+    r.setup = PlotSetup{float(row.s.xlower), float(row.s.xupper), -3, 3, 0, 0, 1, 1, 15};
+    r.width = 6000;
+    r.height = 3000;
+    r.options.fittedFunction = true;
+    for (int32_t k : {0, 1, 2, 3}) {
+      SCOPED_TRACE("derivative " + std::to_string(k));
+      r.options.derivative = k;
+      RecordingCanvas pb, pp;
+      drawPlot(pb, db, r);
+      drawPlot(pp, dp, r);
+      EXPECT_EQ(pb.describeAll(), pp.describeAll());
+      EXPECT_EQ(blocks.state(), points.state());
+    }
   }
 }
 
