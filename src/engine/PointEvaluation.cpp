@@ -48,15 +48,18 @@ int32_t TryEvaluateAt(ExpressionEngine& engine, Class1& object, std::string_view
   return tryEval(engine, object, formula, result);
 }
 
-void TryEvaluateBlock(ExpressionEngine& engine, Class1& object, std::string_view formula, const double* first,
-                      const double* second, int32_t count, BlockOutcome& outcome, SurfaceVariables variables) noexcept {
+void TryEvaluateBlock(ExpressionEngine& engine, Class1& object, std::string_view formula, const BlockPoints& points,
+                      int32_t count, BlockOutcome& outcome) noexcept {
   count = std::clamp(count, 0, BlockLanes);
-  const bool xy = variables == SurfaceVariables::XY;
-  const BlockInput inputs[2] = {{xy ? &object.x : &object.u, first}, {xy ? &object.y : &object.v, second}};
+  BlockInput inputs[4];
+  size_t used = 0;
+  for (const BlockInput& in : {BlockInput{&object.x, points.x}, BlockInput{&object.y, points.y},
+                               BlockInput{&object.u, points.u}, BlockInput{&object.v, points.v}})
+    if (in.lanes) inputs[used++] = in;
   // The shared field is written as the lanes are taken, not for lanes past the caller's stop.
   int32_t* shared = std::exchange(object.sharedError, nullptr);
   object.ierr = 0;
-  if (int32_t number = engine.EvalBlock(formula, std::span(inputs, second ? 2 : 1), count, outcome)) {
+  if (int32_t number = engine.EvalBlock(formula, std::span(inputs, used), count, outcome)) {
     outcome.count = count;
     outcome.program = nullptr;
     std::fill(outcome.error, outcome.error + count, number);
@@ -64,6 +67,13 @@ void TryEvaluateBlock(ExpressionEngine& engine, Class1& object, std::string_view
   }
   object.ierr = 0;
   object.sharedError = shared;
+}
+
+void TryEvaluateBlock(ExpressionEngine& engine, Class1& object, std::string_view formula, const double* first,
+                      const double* second, int32_t count, BlockOutcome& outcome, SurfaceVariables variables) noexcept {
+  const BlockPoints points = variables == SurfaceVariables::XY ? BlockPoints{first, second, nullptr, nullptr}
+                                                               : BlockPoints{nullptr, nullptr, first, second};
+  TryEvaluateBlock(engine, object, formula, points, count, outcome);
 }
 
 int32_t FirstPointWithoutValue(const BlockOutcome& outcome) noexcept {
@@ -76,6 +86,19 @@ int32_t FirstPointWithoutValue(const BlockOutcome& outcome) noexcept {
   for (int32_t i = 0; i < outcome.count; ++i)
     if (outcome.error[i] || outcome.objectError[i] || !std::isfinite(outcome.value[i])) return i;
   return outcome.count;
+}
+
+int32_t TakeLeadingPoints(ExpressionEngine& engine, Class1& object, const BlockOutcome& outcome, double* values,
+                          int32_t& error) noexcept {
+  error = 0;
+  const int32_t good = FirstPointWithoutValue(outcome);
+  std::copy(outcome.value, outcome.value + good, values);
+  if (good == 0 && outcome.count > 0) {
+    ReportBlockPoint(engine, object, outcome, 0);
+    error = BlockPointError(outcome, 0);
+    if (!error) error = err::Overflow;
+  }
+  return good;
 }
 
 void ReportBlockPoint(ExpressionEngine& engine, Class1& object, const BlockOutcome& outcome, int32_t lane) noexcept {

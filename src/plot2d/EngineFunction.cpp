@@ -33,20 +33,9 @@ int32_t EngineFunction::tryEvalBlock(const double* xs, int32_t n, double* ys, in
     return 0;
   }
   if (!block_) block_ = std::make_unique<BlockOutcome>();
-  for (int32_t start = 0; start < n; start += BlockLanes) {
-    const int32_t count = std::min(BlockLanes, n - start);
-    TryEvaluateBlock(engine_, sh_, formula_, xs + start, nullptr, count, *block_);
-    const int32_t good = FirstPointWithoutValue(*block_);
-    std::copy(block_->value, block_->value + good, ys + start);
-    if (good < count) {
-      if (start + good > 0) return start + good;  // reported when a call starts there
-      ReportBlockPoint(engine_, sh_, *block_, 0);
-      error = BlockPointError(*block_, 0);
-      if (!error) error = err::Overflow;  // a value that is not finite
-      return 0;
-    }
-  }
-  return n;
+  // One block: the caller comes back for the rest.
+  TryEvaluateBlock(engine_, sh_, formula_, xs, nullptr, std::min(n, BlockLanes), *block_);
+  return TakeLeadingPoints(engine_, sh_, *block_, ys, error);
 }
 
 }  // namespace orvane
