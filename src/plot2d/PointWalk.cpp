@@ -6,24 +6,15 @@
 
 namespace orvane {
 
-bool PointWalk::next(double& x) {
-  if (++at_ >= filled_ && !fill()) return false;
-  x = xs_[at_];
-  return true;
-}
-
-double PointWalk::value() {
-  if (at_ >= ready_) {
-    const int32_t count = std::min(run_, filled_ - at_);
-    try {
-      ready_ = at_ + g_(xs_ + at_, count, ys_ + at_);
-    } catch (const RuntimeError&) {
-      run_ = 1;  // failures come in runs: grow again from one point
-      throw;
-    }
-    run_ = std::min(run_ * 2, kBlock);
+void PointWalk::evaluate() {
+  const int32_t count = std::min(run_, filled_ - at_);
+  try {
+    ready_ = at_ + g_(xs_ + at_, count, ys_ + at_);
+  } catch (const RuntimeError&) {
+    run_ = 1;  // failures come in runs: grow again from one point
+    throw;
   }
-  return ys_[at_];
+  run_ = std::min(run_ * 2, kBlock);
 }
 
 bool PointWalk::fill() {

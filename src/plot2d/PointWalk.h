@@ -26,15 +26,23 @@ class PointWalk {
 
   // Moves to the next point; false at the end of the walk (or when the points no
   // longer move).
-  bool next(double& x);
+  bool next(double& x) {
+    if (++at_ >= filled_ && !fill()) return false;
+    x = xs_[at_];
+    return true;
+  }
 
   // The function at the current point; throws its error (RuntimeError, or
   // WorkInterrupted from the stop check).
-  double value();
+  double value() {
+    if (at_ >= ready_) evaluate();
+    return ys_[at_];
+  }
 
  private:
   static constexpr int32_t kBlock = 256;
   bool fill();
+  void evaluate();
 
   const BlockFunction& g_;
   const double step_;
