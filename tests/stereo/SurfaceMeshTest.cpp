@@ -218,9 +218,17 @@ TEST(BlockEvaluation, MeshAndDotsAgreeWithSampleBySample) {
   explicitSurface.ndots = 3000;
   StereoSettings parametric = explicitSurface;
   parametric.parametric = true;
-  StereoSettings derivative = grid(4, 5);
-  derivative.ndots = 100;
-  derivative.selector = kZx;
+  StereoSettings zx = grid(8, 10);
+  zx.ndots = 300;
+  zx.selector = kZx;
+  StereoSettings zxyLow = zx;
+  zxyLow.selector = kZxy;
+  zxyLow.accuracy = kAccuracyMed;
+  StereoSettings zxyHigh = zx;
+  zxyHigh.selector = kZxy;
+  StereoSettings parametricZyy = zx;
+  parametricZyy.parametric = true;
+  parametricZyy.selector = kZyy;
   const struct {
     const StereoSettings* s;
     const char* z;
@@ -234,7 +242,10 @@ TEST(BlockEvaluation, MeshAndDotsAgreeWithSampleBySample) {
       {&explicitSurface, "Sqr(x)*y", "v", "u", 5000},             // the sink ends the mesh
       {&explicitSurface, "x*y", "v", "u", 20000},                 // ... and the dots
       {&parametric, "Sqr(x)+Log(y)", "Sqr(u)+v", "u/v"},          // each formula fails somewhere
-      {&derivative, "Sqr(x*y)"},                                   // a sample at a time
+      {&zx, "Sqr(x*y)"},                                          // derivatives: whole stencils
+      {&zxyLow, "Log(x+y)/(x-0.3)"},                               //   per block, points failing
+      {&zxyHigh, "Asin(x+y)*Exp(300*y)"},                          //   within and between them
+      {&parametricZyy, "Log(y)*x", "Sqr(u)+v", "u*v"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.z);
