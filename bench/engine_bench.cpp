@@ -1,6 +1,6 @@
 // Evaluation speed of the expression engine on the formulas the windows meet: through
-// Eval(text), through the point-evaluation routine, against native C++ computing the
-// same arithmetic (the floor) and against muParser (the peer).
+// Eval(text), through the point-evaluation routine, over blocks of points, against
+// native C++ computing the same arithmetic (the floor) and against muParser (the peer).
 
 #include <benchmark/benchmark.h>
 #include <muParser.h>
@@ -97,6 +97,23 @@ void viaPointEvaluation(benchmark::State& state, const Formula& f) {
   }
 }
 
+// A block of points at a time, as the sampling loops evaluate; the time is per block.
+void viaBlock(benchmark::State& state, const Formula& f) {
+  Window w;
+  std::string text = f.text;
+  double bx[BlockLanes], by[BlockLanes];
+  for (int32_t i = 0; i < BlockLanes; ++i) {
+    bx[i] = xs[static_cast<size_t>(i) & 15];
+    by[i] = ys[static_cast<size_t>(i) & 15];
+  }
+  BlockOutcome outcome;
+  for (auto _ : state) {
+    TryEvaluateBlock(w.engine, w.sh, text, bx, by, BlockLanes, outcome);
+    benchmark::DoNotOptimize(outcome.value[BlockLanes - 1]);
+    benchmark::ClobberMemory();
+  }
+}
+
 void viaNative(benchmark::State& state, const Formula& f) {
   size_t i = 0;
   auto fn = f.native;
@@ -155,6 +172,7 @@ void compileLongFormula(benchmark::State& state) {
 // (the machine is shared; the minimum is the least disturbed measurement).
 class Recorder : public benchmark::ConsoleReporter {
  public:
+  Recorder() : ConsoleReporter(OO_Tabular) {}  // no colour codes, whatever the flags say
   std::map<std::string, double> ns;
   void ReportRuns(const std::vector<Run>& runs) override {
     for (const Run& r : runs) {
@@ -167,11 +185,19 @@ class Recorder : public benchmark::ConsoleReporter {
   }
 };
 
-// The native functions must agree with the engine, or the floor measures something else.
+// The native functions must agree with the engine, or the floor measures something else;
+// a block must give the points' own values.
 bool nativeAgrees() {
   Window w;
   bool ok = true;
+  BlockOutcome block;
   for (const Formula& f : formulas) {
+    TryEvaluateBlock(w.engine, w.sh, f.text, xs.data(), ys.data(), static_cast<int32_t>(xs.size()), block);
+    for (size_t i = 0; i < xs.size(); ++i)
+      if (BlockPointError(block, static_cast<int32_t>(i)) || block.value[i] != f.native(xs[i], ys[i])) {
+        std::fprintf(stderr, "%s differs in a block at x=%g y=%g\n", f.id, xs[i], ys[i]);
+        ok = false;
+      }
     for (size_t i = 0; i < xs.size(); ++i) {
       double ours = EvaluateAt(w.engine, w.sh, f.text, xs[i], ys[i]);
       double native = f.native(xs[i], ys[i]);
@@ -192,6 +218,7 @@ int main(int argc, char** argv) {
     std::string id = f.id;
     benchmark::RegisterBenchmark(("eval/" + id).c_str(), [&f](benchmark::State& s) { viaEval(s, f); });
     benchmark::RegisterBenchmark(("point/" + id).c_str(), [&f](benchmark::State& s) { viaPointEvaluation(s, f); });
+    benchmark::RegisterBenchmark(("block/" + id).c_str(), [&f](benchmark::State& s) { viaBlock(s, f); });
     benchmark::RegisterBenchmark(("native/" + id).c_str(), [&f](benchmark::State& s) { viaNative(s, f); });
     benchmark::RegisterBenchmark(("muparser/" + id).c_str(), [&f](benchmark::State& s) { viaMuParser(s, f); });
   }
@@ -200,7 +227,7 @@ int main(int argc, char** argv) {
   // random, so a burst of load from elsewhere hits every variant alike.
   std::vector<char*> args(argv, argv + argc);
   std::vector<std::string> defaults = {"--benchmark_repetitions=12", "--benchmark_min_time=0.05",
-                                       "--benchmark_enable_random_interleaving=true"};
+                                       "--benchmark_enable_random_interleaving=true", "--benchmark_color=false"};
   for (std::string& flag : defaults) {
     std::string name = flag.substr(0, flag.find('='));
     bool given = false;
@@ -222,6 +249,10 @@ int main(int argc, char** argv) {
     std::printf("figure engine.%s.ns %.2f ns\n", f.id, ours);
     std::printf("figure engine.%s.vs_native %.2f x\n", f.id, ours / native);
     std::printf("figure engine.%s.vs_muparser %.2f x\n", f.id, ours / peer);
+    if (double block = recorder.ns["block/" + id] / BlockLanes; block > 0) {
+      std::printf("figure engine.%s.block_ns %.2f ns\n", f.id, block);
+      std::printf("figure engine.%s.block_vs_native %.2f x\n", f.id, block / native);
+    }
   }
   if (double compile = recorder.ns["compile/sum_of_sines"]; compile > 0)
     std::printf("figure engine.compile_100k_terms %.1f ms\n", compile / 1e6);

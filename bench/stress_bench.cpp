@@ -15,6 +15,7 @@
 //   figure stress.<stage>.peak_over_matrix <value> x
 //   figure stress.sets_peak_over_matrix <value> x         (the largest of them)
 //   figure stress.study_1e7_evals.ms <value> ms
+//   figure stress.roots_16m <value> ms                      (the same roots command)
 //   figure stress.study_evaluations <value> evaluations
 //   figure stress.study_peak_mb <value> MB
 // where "matrix" is the data matrix as the problem stores it (columns 0..m+1 by rows
@@ -254,6 +255,11 @@ class CountingFunction final : public FunctionOfX {
     ++count;
     return f_.tryEval(x, y);
   }
+  int32_t tryEvalBlock(const double* xs, int32_t n, double* ys, int32_t& error) override {
+    const int32_t taken = f_.tryEvalBlock(xs, n, ys, error);
+    count += taken > 0 ? taken : 1;
+    return taken;
+  }
   int64_t count = 0;
 
  private:
@@ -335,6 +341,7 @@ int main(int argc, char** argv) {
   if (worst >= 0) std::printf("figure stress.sets_peak_over_matrix %.2f x\n", worst);
   if (runs.has("study_1e7")) {
     std::printf("figure stress.study_1e7_evals.ms %.2f ms\n", runs["study_1e7"]);
+    std::printf("figure stress.roots_16m %.2f ms\n", runs["study_1e7"]);
     std::printf("figure stress.study_evaluations %lld evaluations\n", static_cast<long long>(state.evaluations));
   }
   if (state.peakBytes.count("study_1e7"))

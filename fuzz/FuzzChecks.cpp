@@ -3,6 +3,7 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <iterator>
 #include <limits>
 #include <sstream>
 #include <string>
@@ -133,6 +134,28 @@ std::string CheckEngine(std::string_view input) {
     // The throwing and the non-throwing point evaluation are one computation.
     if (!same(byPoint[0], byTry[0]))
       return disagreement(byPoint[0], byTry[0], "point evaluation", expression, "EvaluateAt", "TryEvaluateAt");
+  }
+
+  // A block of all the points at once (failing ones among them) gives each point's own
+  // outcome, in x alone and in (u, v).
+  constexpr int32_t kCount = static_cast<int32_t>(std::size(kPoints));
+  double minus[kCount];
+  for (int32_t i = 0; i < kCount; ++i) minus[i] = -kPoints[i];
+  BlockOutcome block;
+  for (int k = 0; k < 2; ++k) {
+    Window& w = *both[k];
+    for (bool surface : {false, true}) {
+      const SurfaceVariables variables = surface ? SurfaceVariables::UV : SurfaceVariables::XY;
+      TryEvaluateBlock(w.engine, w.sh, expression, kPoints, surface ? minus : nullptr, kCount, block, variables);
+      for (int32_t i = 0; i < kCount; ++i) {
+        Outcome point;
+        point.number = surface ? TryEvaluateAt(w.engine, w.sh, expression, kPoints[i], minus[i], point.value, variables)
+                               : TryEvaluateAt(w.engine, w.sh, expression, kPoints[i], point.value);
+        const Outcome lane{BlockPointError(block, i) ? 0 : block.value[i], BlockPointError(block, i)};
+        if (point.number) point.value = 0;
+        if (!same(lane, point)) return disagreement(lane, point, "a block's lane", expression, "block", "point");
+      }
+    }
   }
 
   for (int k = 0; k < 2; ++k)

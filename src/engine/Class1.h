@@ -36,6 +36,7 @@ class Class1 : public ScriptObject {
   double Atanh(double X);
 
   std::vector<ScriptMember> scriptMembers() override;
+  int32_t* failureField() override { return &ierr; }
 
  private:
   double asinChecked(double X);

@@ -89,40 +89,66 @@ const Program& ExpressionEngine::compiled(Cache& cache, std::string_view text, b
   // must not grow the cache without end; starting afresh costs one compilation each.
   if (cache.size() >= MaxCachedTexts) {
     cache.clear();
+    ++generation_;
     lastProgram_ = nullptr;
     lastText_ = {};
   }
   return *cache.emplace(std::string(text), std::move(program)).first->second;
 }
 
+const Program* ExpressionEngine::program(std::string_view text, std::optional<RuntimeError>& error) noexcept {
+  if (lastProgram_ && sameText(text, lastText_)) return lastProgram_;
+  try {
+    auto it = expressions_.find(text);
+    if (it == expressions_.end()) {
+      compiled(expressions_, text, false);
+      it = expressions_.find(text);
+    }
+    lastText_ = it->first;
+    lastProgram_ = it->second.get();
+    return lastProgram_;
+  } catch (const RuntimeError& e) {
+    error.emplace(e);
+    report(e);
+  } catch (const std::bad_alloc&) {
+    error.emplace(OutOfMemory);
+  }
+  return nullptr;
+}
+
 int32_t ExpressionEngine::evaluate(std::string_view text, double& result,
                                    std::optional<RuntimeError>& error) noexcept {
-  const Program* program = lastProgram_;
-  if (!program || !sameText(text, lastText_)) {
-    try {
-      auto it = expressions_.find(text);
-      if (it == expressions_.end()) {
-        compiled(expressions_, text, false);
-        it = expressions_.find(text);
-      }
-      program = it->second.get();
-      lastText_ = it->first;
-      lastProgram_ = program;
-    } catch (const RuntimeError& e) {
-      error.emplace(e);
-      report(e);
-      return e.number();
-    } catch (const std::bad_alloc&) {
-      error.emplace(OutOfMemory);
-      return OutOfMemory;
-    }
-  }
+  const Program* program = this->program(text, error);
+  if (!program) return error->number();
   Evaluation outcome = execute(*program, scope_.variables);
   if (outcome.error) [[unlikely]]
     reportFault(*program, outcome.error, outcome.faultAt, &error);
   else
     result = outcome.value;
   return outcome.error;
+}
+
+int32_t ExpressionEngine::EvalBlock(std::string_view text, std::span<const BlockInput> inputs, int32_t count,
+                                    BlockOutcome& outcome) noexcept {
+  std::optional<RuntimeError> error;
+  const Program* program = this->program(text, error);
+  if (!program) return error->number();
+  try {
+    executeBlock(*program, inputs, count, scope_.variables, blockWorkspace_, outcome);
+  } catch (const std::bad_alloc&) {
+    return OutOfMemory;
+  }
+  outcome.program = program;
+  outcome.generation = generation_;
+  return 0;
+}
+
+void ExpressionEngine::ReportBlockFault(const BlockOutcome& outcome, int32_t lane) noexcept {
+  if (lane < 0 || lane >= outcome.count || !outcome.error[lane]) return;
+  if (outcome.program && outcome.generation == generation_)
+    reportFault(*outcome.program, outcome.error[lane], outcome.faultAt[lane]);
+  else  // the compiled texts were forgotten since: the number alone
+    report(RuntimeError(outcome.error[lane]));
 }
 
 void ExpressionEngine::run(std::string_view text, bool cached) {
@@ -145,6 +171,7 @@ void ExpressionEngine::run(std::string_view text, bool cached) {
   if (ran.error) error.emplace(describeFault(*program, ran.error, ran.faultAt));
   auto drop = [this](Cache& cache, auto stale) {
     std::erase_if(cache, [&](const auto& entry) { return stale(*entry.second); });
+    ++generation_;
     lastProgram_ = nullptr;
     lastText_ = {};
   };
@@ -178,6 +205,7 @@ void ExpressionEngine::report(const RuntimeError& error) noexcept {
 }
 
 void ExpressionEngine::forgetCompiled() {
+  ++generation_;
   lastProgram_ = nullptr;
   lastText_ = {};
   expressions_.clear();

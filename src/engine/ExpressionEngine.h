@@ -9,9 +9,11 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
+#include "engine/BlockEvaluator.h"
 #include "engine/Evaluator.h"
 #include "engine/Program.h"
 #include "engine/ScriptObject.h"
@@ -73,6 +75,17 @@ class ExpressionEngine {
     return evaluate(text, result, error);
   }
 
+  // The expression at up to BlockLanes points at once (BlockEvaluator.h), reporting
+  // nothing: the caller reports the lanes it takes with ReportBlockFault. Returns 0, or
+  // the number of a text that does not compile, which is reported here once for the
+  // whole block (every lane then fails with it).
+  int32_t EvalBlock(std::string_view text, std::span<const BlockInput> inputs, int32_t count,
+                    BlockOutcome& outcome) noexcept;
+
+  // Calls the error handler for a lane's engine error, as evaluating the lane's point
+  // alone would have.
+  void ReportBlockFault(const BlockOutcome& outcome, int32_t lane) noexcept;
+
   // Constant folding and fused instructions; off only to cross-check them in tests.
   void SetOptimize(bool on);
 
@@ -108,6 +121,7 @@ class ExpressionEngine {
                    std::optional<RuntimeError>* error = nullptr) noexcept;
   const Program& compiled(Cache& cache, std::string_view text, bool statements);
   int32_t evaluate(std::string_view text, double& result, std::optional<RuntimeError>& error) noexcept;
+  const Program* program(std::string_view text, std::optional<RuntimeError>& error) noexcept;
   void run(std::string_view text, bool cached);
   [[noreturn]] void raise(const RuntimeError& error);
   void report(const RuntimeError& error) noexcept;
@@ -119,6 +133,8 @@ class ExpressionEngine {
   Cache statements_;
   std::string_view lastText_;         // key of the last evaluated text, in expressions_
   const Program* lastProgram_ = nullptr;
+  uint64_t generation_ = 0;  // counts the times compiled programs were dropped
+  BlockWorkspace blockWorkspace_;
   std::function<void(const RuntimeError&)> handler_;
   bool optimize_ = true;
 };

@@ -1,5 +1,10 @@
 #include "engine/PointEvaluation.h"
 
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <utility>
+
 namespace orvane {
 
 namespace {
@@ -41,6 +46,67 @@ int32_t TryEvaluateAt(ExpressionEngine& engine, Class1& object, std::string_view
                       double second, double& result, SurfaceVariables variables) noexcept {
   place(object, first, second, variables);
   return tryEval(engine, object, formula, result);
+}
+
+void TryEvaluateBlock(ExpressionEngine& engine, Class1& object, std::string_view formula, const BlockPoints& points,
+                      int32_t count, BlockOutcome& outcome) noexcept {
+  count = std::clamp(count, 0, BlockLanes);
+  BlockInput inputs[4];
+  size_t used = 0;
+  for (const BlockInput& in : {BlockInput{&object.x, points.x}, BlockInput{&object.y, points.y},
+                               BlockInput{&object.u, points.u}, BlockInput{&object.v, points.v}})
+    if (in.lanes) inputs[used++] = in;
+  // The shared field is written as the lanes are taken, not for lanes past the caller's stop.
+  int32_t* shared = std::exchange(object.sharedError, nullptr);
+  object.ierr = 0;
+  if (int32_t number = engine.EvalBlock(formula, std::span(inputs, used), count, outcome)) {
+    outcome.count = count;
+    outcome.program = nullptr;
+    std::fill(outcome.error, outcome.error + count, number);
+    std::fill(outcome.objectError, outcome.objectError + count, 0);
+  }
+  object.ierr = 0;
+  object.sharedError = shared;
+}
+
+void TryEvaluateBlock(ExpressionEngine& engine, Class1& object, std::string_view formula, const double* first,
+                      const double* second, int32_t count, BlockOutcome& outcome, SurfaceVariables variables) noexcept {
+  const BlockPoints points = variables == SurfaceVariables::XY ? BlockPoints{first, second, nullptr, nullptr}
+                                                               : BlockPoints{nullptr, nullptr, first, second};
+  TryEvaluateBlock(engine, object, formula, points, count, outcome);
+}
+
+int32_t FirstPointWithoutValue(const BlockOutcome& outcome) noexcept {
+  // One pass over the whole block first: (v - v) is +0 exactly for a finite v.
+  uint64_t missing = 0;
+  for (int32_t i = 0; i < outcome.count; ++i)
+    missing |= static_cast<uint32_t>(outcome.error[i] | outcome.objectError[i]) |
+               std::bit_cast<uint64_t>(outcome.value[i] - outcome.value[i]);
+  if (!missing) return outcome.count;
+  for (int32_t i = 0; i < outcome.count; ++i)
+    if (outcome.error[i] || outcome.objectError[i] || !std::isfinite(outcome.value[i])) return i;
+  return outcome.count;
+}
+
+int32_t TakeLeadingPoints(ExpressionEngine& engine, Class1& object, const BlockOutcome& outcome, double* values,
+                          int32_t& error) noexcept {
+  error = 0;
+  const int32_t good = FirstPointWithoutValue(outcome);
+  std::copy(outcome.value, outcome.value + good, values);
+  if (good == 0 && outcome.count > 0) {
+    ReportBlockPoint(engine, object, outcome, 0);
+    error = BlockPointError(outcome, 0);
+    if (!error) error = err::Overflow;
+  }
+  return good;
+}
+
+void ReportBlockPoint(ExpressionEngine& engine, Class1& object, const BlockOutcome& outcome, int32_t lane) noexcept {
+  if (outcome.program) engine.ReportBlockFault(outcome, lane);
+  if (int32_t number = outcome.objectError[lane]) {
+    object.ierr = number;
+    if (object.sharedError) *object.sharedError = number;
+  }
 }
 
 }  // namespace orvane

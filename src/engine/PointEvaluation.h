@@ -55,4 +55,43 @@ int32_t TryEvaluateAt(ExpressionEngine& engine, Class1& object, std::string_view
 int32_t TryEvaluateAt(ExpressionEngine& engine, Class1& object, std::string_view formula, double first,
                       double second, double& result, SurfaceVariables variables = SurfaceVariables::XY) noexcept;
 
+// The math object's variables that take one value per point; the others keep theirs.
+struct BlockPoints {
+  const double* x = nullptr;
+  const double* y = nullptr;
+  const double* u = nullptr;
+  const double* v = nullptr;
+};
+
+// The formula at `count` (at most BlockLanes) points at once. Each lane of `outcome` is
+// what TryEvaluateAt would give at its point; nothing is reported and no error field is
+// written until the caller takes a failing lane with ReportBlockPoint.
+void TryEvaluateBlock(ExpressionEngine& engine, Class1& object, std::string_view formula, const BlockPoints& points,
+                      int32_t count, BlockOutcome& outcome) noexcept;
+
+// The same with `first` as x, or x and `second` as y, or u and v.
+void TryEvaluateBlock(ExpressionEngine& engine, Class1& object, std::string_view formula, const double* first,
+                      const double* second, int32_t count, BlockOutcome& outcome,
+                      SurfaceVariables variables = SurfaceVariables::XY) noexcept;
+
+// A lane's error number as TryEvaluateAt gives it: the engine's, else the math object's.
+inline int32_t BlockPointError(const BlockOutcome& outcome, int32_t lane) {
+  return outcome.error[lane] ? outcome.error[lane] : outcome.objectError[lane];
+}
+
+// The first lane without a finite value (an error, or a value that is not finite), or
+// the outcome's count when every lane has one.
+int32_t FirstPointWithoutValue(const BlockOutcome& outcome) noexcept;
+
+// The leading lanes with finite values, as a sampling loop takes them: copied to
+// `values` and counted. When the first lane has none, it is reported (ReportBlockPoint)
+// and its number is in `error`, Overflow for a value that is not finite; a later lane
+// without value is left for a block that starts there.
+int32_t TakeLeadingPoints(ExpressionEngine& engine, Class1& object, const BlockOutcome& outcome, double* values,
+                          int32_t& error) noexcept;
+
+// What evaluating the lane's point alone would have left: the error event for an engine
+// error, ierr and the shared error field for a math-object failure.
+void ReportBlockPoint(ExpressionEngine& engine, Class1& object, const BlockOutcome& outcome, int32_t lane) noexcept;
+
 }  // namespace orvane

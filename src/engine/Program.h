@@ -129,6 +129,8 @@ struct Instr {
 // The stack the evaluator keeps on the native stack; deeper programs get their own.
 constexpr int PlainStackDepth = 64;
 
+struct BlockCode;  // the program as passes over lanes (BlockEvaluator.h)
+
 struct SourcePos {
   int32_t line = 1;
   int32_t column = 1;
@@ -149,6 +151,8 @@ struct Program {
   // Numbers only, no late names, a small stack, and no Single anywhere (so that the kind
   // of a number cannot change any value): the fast loop, which keeps no kinds.
   bool plain = false;
+  // Made on the program's first block and kept with it.
+  mutable std::shared_ptr<const BlockCode> blockCode;
 };
 
 // Error numbers of the language beyond the common run-time ones.

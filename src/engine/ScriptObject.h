@@ -42,6 +42,10 @@ class ScriptObject {
   // The members in declaration order. Field addresses must stay valid for as long as
   // the object is registered in an engine; names must outlive the call.
   virtual std::vector<ScriptMember> scriptMembers() = 0;
+
+  // The field where the object's functions record a failure instead of raising it, if
+  // they do: a block of points (BlockEvaluator.h) reads it for each point.
+  virtual int32_t* failureField() { return nullptr; }
 };
 
 }  // namespace orvane

@@ -7,6 +7,7 @@
 // the answer is yes, the poll throws WorkInterrupted, which the routine catches at its
 // top: what it found or drew so far stays, and it says it was interrupted.
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -34,6 +35,15 @@ class StopCheck {
   // owner has said stop (and at every poll after that).
   void poll() {
     if (--countdown_ <= 0) pollSlowly();
+  }
+  // Before a block of up to `count` evaluations: polls as for the first of them and
+  // returns how many may run (at least one) before a poll would read the clock again,
+  // counting them all, so a block is stopped as often as single evaluations are.
+  int32_t poll(int32_t count) {
+    poll();
+    const int32_t more = std::max(0, std::min(count, countdown_) - 1);
+    countdown_ -= more;
+    return 1 + more;
   }
   // Asks now, whatever the clock: the places where a plot lets events run anyway.
   void askNow();

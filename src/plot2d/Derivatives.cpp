@@ -1,5 +1,6 @@
 #include "plot2d/Derivatives.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -83,17 +84,71 @@ double DerivativeEvaluator::D(int32_t k, double x) {
     case 1: {
       const double ahead = f(x + st.h);
       const double behind = f(x - st.h);
-      return checked::div(checked::value(ahead - behind), st.h2);
+      return firstDifference(ahead, behind);
     }
     case 2: {
       const double ahead = f(x + st.h2);
       const double here = f(x);
       const double behind = f(x - st.h2);
-      return checked::div(checked::value(ahead - (here + here) + behind), st.h2sq);
+      return secondDifference(ahead, here, behind);
     }
     default:
       return highOrder(k);
   }
+}
+
+double DerivativeEvaluator::firstDifference(double ahead, double behind) const {
+  return checked::div(checked::value(ahead - behind), steps_.h2);
+}
+
+double DerivativeEvaluator::secondDifference(double ahead, double here, double behind) const {
+  return checked::div(checked::value(ahead - (here + here) + behind), steps_.h2sq);
+}
+
+int32_t DerivativeEvaluator::f(const double* xs, int32_t n, double* ys) {
+  if (n <= 0) return 0;
+  if (stop_ != nullptr) n = stop_->poll(n);
+  int32_t error = 0;
+  const int32_t taken = f_.tryEvalBlock(xs, n, ys, error);
+  if (taken == 0) throw RuntimeError(error);
+  return taken;
+}
+
+int32_t DerivativeEvaluator::D(int32_t k, const double* xs, int32_t n, double* ys) {
+  if (n <= 0) return 0;
+  if (k == 0) return f(xs, n, ys);
+  if (k > 2) {  // taken at the point itself
+    storePoint(xs[0]);
+    ys[0] = highOrder(k);
+    return 1;
+  }
+  // The points each difference takes, in the order D(k, x) takes them.
+  const int32_t per = k == 1 ? 2 : 3;
+  const double reach = k == 1 ? steps_.h : steps_.h2;
+  constexpr int32_t kPoints = 3 * 128;
+  double at[kPoints];
+  double values[kPoints];
+  const int32_t m = std::min(n, kPoints / per);
+  for (int32_t j = 0; j < m; ++j) {
+    double* p = at + per * j;
+    *p++ = xs[j] + reach;
+    if (k == 2) *p++ = xs[j];
+    *p = xs[j] - reach;
+  }
+  // Throws only when the very first sample fails, where D(k, xs[0]) fails first too.
+  const int32_t taken = f(at, per * m, values);
+  for (int32_t t = taken; t < per; ++t) values[t] = f(at[t]);  // the rest of the first point's
+  const int32_t complete = std::max(taken / per, 1);
+  for (int32_t j = 0; j < complete; ++j) {
+    const double* v = values + per * j;
+    try {
+      ys[j] = k == 1 ? firstDifference(v[0], v[1]) : secondDifference(v[0], v[1], v[2]);
+    } catch (const RuntimeError&) {
+      if (j > 0) return j;
+      throw;
+    }
+  }
+  return complete;
 }
 
 double DerivativeEvaluator::highOrder(int32_t k) {

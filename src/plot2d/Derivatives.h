@@ -31,6 +31,10 @@ class DerivativeEvaluator {
   // every routine passes here, so this is where long work is stopped: it polls the
   // stop check first, which throws WorkInterrupted once the owner says stop.
   double f(double x);
+  // f at xs[0..n) as calls of f in order would take them, up to the first point that
+  // fails: returns how many leading values are in ys (FunctionOfX::tryEvalBlock), and
+  // throws the first point's error when it fails itself. Polls the stop check once.
+  int32_t f(const double* xs, int32_t n, double* ys);
 
   // The check each evaluation polls; none (the default) never stops.
   void setStopCheck(StopCheck* stop) { stop_ = stop; }
@@ -54,9 +58,16 @@ class DerivativeEvaluator {
   double D(int32_t k, double x);
   // The same without throwing: 0 and the value in y, or the error number.
   int32_t tryD(int32_t k, double x, double& y);
+  // D(k, x) at xs[0..n) in order, up to the first point where it fails: returns how
+  // many leading values are in ys, and throws the first point's error when it fails
+  // itself. Orders 0 to 2 evaluate f over whole blocks; higher orders are taken at
+  // each point, which becomes the stored point.
+  int32_t D(int32_t k, const double* xs, int32_t n, double* ys);
 
  private:
   double highOrder(int32_t k);
+  double firstDifference(double ahead, double behind) const;
+  double secondDifference(double ahead, double here, double behind) const;
 
   FunctionOfX& f_;
   StopCheck* stop_ = nullptr;

@@ -4,6 +4,7 @@
 // window opened before the regression was computed) has no value anywhere: error 5,
 // silently, so a plot of the data alone raises no message.
 
+#include <memory>
 #include <string>
 
 #include "engine/Class1.h"
@@ -21,6 +22,8 @@ class EngineFunction final : public FunctionOfX {
   double operator()(double x) override;
   // The same without throwing, for the sampling loops.
   int32_t tryEval(double x, double& y) override;
+  // Whole blocks through the engine's block evaluation.
+  int32_t tryEvalBlock(const double* xs, int32_t n, double* ys, int32_t& error) override;
 
   const std::string& formula() const { return formula_; }
 
@@ -28,6 +31,7 @@ class EngineFunction final : public FunctionOfX {
   ExpressionEngine& engine_;
   Class1& sh_;
   std::string formula_;
+  std::unique_ptr<BlockOutcome> block_;  // made on the first block
 };
 
 }  // namespace orvane

@@ -21,7 +21,7 @@ ExtremaResult findExtrema(DerivativeEvaluator& d, const StudySettings& s) {
   size_t maxima = 0;
   size_t minima = 0;
 
-  auto slope = [&](double x) { return d.D(1, x); };
+  auto slope = [&](const double* xs, int32_t n, double* ys) { return d.D(1, xs, n, ys); };
   auto newton = [&](double x) {
     const double d1 = d.D(1, x);
     const double d2 = d.D(2, x);

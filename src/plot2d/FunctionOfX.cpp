@@ -17,4 +17,9 @@ int32_t FunctionOfX::tryEval(double x, double& y) {
   return std::isfinite(y) ? 0 : err::Overflow;
 }
 
+int32_t FunctionOfX::tryEvalBlock(const double* xs, int32_t n, double* ys, int32_t& error) {
+  error = n > 0 ? tryEval(xs[0], ys[0]) : 0;
+  return n > 0 && !error ? 1 : 0;
+}
+
 }  // namespace orvane

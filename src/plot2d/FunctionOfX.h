@@ -17,6 +17,13 @@ class FunctionOfX {
   // The same without throwing: 0 and the value in y, or the error number. A value that
   // is not finite counts as an overflow (6), as it would in the formula itself.
   virtual int32_t tryEval(double x, double& y);
+
+  // tryEval at leading points of xs[0..n), in order: returns how many have their values
+  // in ys, at least one unless the first point fails. Only then (0, with n > 0) does
+  // `error` hold its number, as tryEval would have given and reported it; a failure
+  // further on is left to the next call, which starts there. This one takes a single
+  // point; a function that evaluates whole blocks at once takes them all.
+  virtual int32_t tryEvalBlock(const double* xs, int32_t n, double* ys, int32_t& error);
 };
 
 // A FunctionOfX over any callable (the callable may throw RuntimeError).

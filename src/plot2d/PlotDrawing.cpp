@@ -6,7 +6,9 @@
 #include <vector>
 
 #include "platform/NumberText.h"
+#include "platform/RuntimeError.h"
 #include "plot2d/DivisionLabel.h"
+#include "plot2d/PointWalk.h"
 
 namespace orvane {
 
@@ -201,22 +203,22 @@ class PlotPainter {
     const double step = v_.plotstep;
     if (!(step > 0)) return;
     const double gx = s_.windowgx;
-    double x = s_.windowlx - step;
+    const BlockFunction f = [this](const double* xs, int32_t n, double* ys) { return d_.D(k_, xs, n, ys); };
+    PointWalk walk(f, s_.windowlx, step, gx, PointWalk::End::Past);
+    double x = 0;
     double y = 0;
     for (;;) {
       bool ok = false;
       do {
-        if (!(x + step > x)) return;
-        x += step;
-        ok = evaluate(x, y);
+        if (!walk.next(x)) return;
+        ok = valueAt(walk, y);
       } while (!ok && x < gx && !interrupted_);
       if (!ok) return;
       c_.PSet(float(x), clip(y, false));
       if (x == gx) return;
       for (;;) {
-        if (!(x + step > x)) return;
-        x += step;
-        if (!evaluate(x, y)) {
+        if (!walk.next(x)) return;
+        if (!valueAt(walk, y)) {
           if (x < gx && !interrupted_) break;
           return;
         }
@@ -284,6 +286,20 @@ class PlotPainter {
     d_.storePoint(x);
     try {
       return d_.tryD(k_, x, y) == 0;
+    } catch (const WorkInterrupted&) {
+      interrupted_ = true;
+      return false;
+    }
+  }
+
+  // The same at the walk's current point.
+  bool valueAt(PointWalk& walk, double& y) {
+    if (interrupted_) return false;
+    try {
+      y = walk.value();
+      return true;
+    } catch (const RuntimeError&) {
+      return false;
     } catch (const WorkInterrupted&) {
       interrupted_ = true;
       return false;

@@ -13,7 +13,7 @@ RootResult findRoots(DerivativeEvaluator& d, const StudySettings& s) {
   const double h2 = d.steps().h2;
   RootResult result;
 
-  auto f = [&](double x) { return d.f(x); };
+  auto f = [&](const double* xs, int32_t n, double* ys) { return d.f(xs, n, ys); };
   auto newton = [&](double x) {
     const double fx = d.f(x);
     const double ahead = d.f(x + h);

@@ -5,6 +5,7 @@
 #include "platform/RuntimeError.h"
 #include "platform/StopCheck.h"
 #include "plot2d/CheckedMath.h"
+#include "plot2d/PointWalk.h"
 
 namespace orvane {
 
@@ -14,7 +15,7 @@ int sign(double v) { return (v > 0) - (v < 0); }
 
 }  // namespace
 
-ScanEnd scanSignChanges(const StudySettings& s, const std::function<double(double)>& g,
+ScanEnd scanSignChanges(const StudySettings& s, const BlockFunction& g,
                         const std::function<double(double)>& next,
                         const std::function<void(double)>& add) {
   double step = 0;
@@ -25,52 +26,41 @@ ScanEnd scanSignChanges(const StudySettings& s, const std::function<double(doubl
   }
   if (!(step > 0)) return {};  // an empty or inverted interval holds no grid point
 
-  double x = s.xlower - step;
-  double lastGrid = x;
-  // The next grid point; false at the end of the interval (or when x no longer moves).
-  auto advance = [&]() {
-    const double moved = x + step;
-    if (!(moved > x)) return false;
-    x = moved;
-    lastGrid = x;
-    return x < s.xupper;
-  };
-
+  PointWalk grid(g, s.xlower, step, s.xupper, PointWalk::End::Before);
   // A stop keeps the zeros already added.
   try {
     for (;;) {
       try {
-        if (!advance()) return {};
-        int previous = sign(g(x));
+        double x = 0;
+        if (!grid.next(x)) return {};
+        int previous = sign(grid.value());
         if (previous == 0) {
           add(x);
           continue;
         }
         for (;;) {
-          if (!advance()) return {};
-          const int current = sign(g(x));
+          if (!grid.next(x)) return {};
+          const int current = sign(grid.value());
           if (current == 0) {
             add(x);
             break;
           }
           if (current == previous) continue;
           previous = current;
-          const double rightEnd = x;
-          x = x - step / 2;
+          // Refined from the bracket's midpoint; the scan goes on at the next grid point.
+          double r = x - step / 2;
           int32_t cycles = 0;
-          double xold = x;
+          double rold = r;
           do {
             ++cycles;
-            xold = x;
-            x = next(x);
-          } while (!(std::fabs(xold - x) <= s.err || cycles >= s.maxcy));
-          if (std::fabs(xold - x) <= s.err) add(x);
-          if (rightEnd > s.xupper) return {};
-          x = rightEnd;
+            rold = r;
+            r = next(r);
+          } while (!(std::fabs(rold - r) <= s.err || cycles >= s.maxcy));
+          if (std::fabs(rold - r) <= s.err) add(r);
         }
       } catch (const RuntimeError& e) {
+        // A point without value (or a failed refinement) is passed over.
         if (!isSilencedError(e.number())) return {false, e.number()};
-        x = lastGrid;
       }
     }
   } catch (const WorkInterrupted&) {

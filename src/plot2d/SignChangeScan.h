@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 
+#include "plot2d/PointWalk.h"
 #include "plot2d/StudySettings.h"
 
 namespace orvane {
@@ -16,11 +17,12 @@ struct ScanEnd {
   bool interrupted = false;  // stopped by the owner (WorkInterrupted from g or next)
 };
 
-// g: the function whose zeros are sought; next: one refinement step from x; add: takes
+// g: the function whose zeros are sought, over a block of points as
+// DerivativeEvaluator::f(xs, n, ys) takes it; next: one refinement step from x; add: takes
 // a zero (it may throw, e.g. error 9 when its table is full). The point xupper itself
 // is never sampled. A zero is accepted when the last correction is within s.err; the
 // iteration stops there or after s.maxcy steps. The zeros added before a stop stay.
-ScanEnd scanSignChanges(const StudySettings& s, const std::function<double(double)>& g,
+ScanEnd scanSignChanges(const StudySettings& s, const BlockFunction& g,
                         const std::function<double(double)>& next,
                         const std::function<void(double)>& add);
 

@@ -29,6 +29,18 @@ class SurfaceEvaluator {
       return e.number() != 0 ? e.number() : err::InvalidCall;
     }
   }
+
+  // tryEvaluate at leading points of (x[i], y[i], u[i], v[i]), i < n, in order: returns
+  // how many have their values in `values`, at least one unless the first point fails.
+  // Only then (0, with n > 0) does `error` hold its number, as tryEvaluate would have
+  // given and reported it; a failure further on is left to the next call, which starts
+  // there. A value that is not finite may count as a failure (overflow). This one takes
+  // a single point; an engine that evaluates whole blocks takes them all.
+  virtual int32_t tryEvaluateBlock(std::string_view formula, const double* x, const double* y, const double* u,
+                                   const double* v, int32_t n, double* values, int32_t& error) {
+    error = n > 0 ? tryEvaluate(formula, x[0], y[0], u[0], v[0], values[0]) : 0;
+    return n > 0 && !error ? 1 : 0;
+  }
 };
 
 }  // namespace orvane

@@ -1,5 +1,6 @@
 #include "stereo/SurfaceMesh.h"
 
+#include <algorithm>
 #include <chrono>
 #include <limits>
 
@@ -7,22 +8,55 @@ namespace orvane {
 
 namespace {
 
+constexpr int32_t kBlock = 256;
+
+// Samples (s[i], t[i]), i < n, taken in order a block at a time: `take` gets each sample
+// with its point, or without one (nullptr), and returns false to end there. After a
+// sample without value the blocks grow again from one sample, as such samples come in runs.
+template <class Take>
+bool takeSamples(SurfaceSampler& sampler, const float* s, const float* t, int32_t n, Take take) {
+  int32_t run = kBlock;
+  Point3 points[kBlock];
+  for (int32_t i = 0; i < n;) {
+    int32_t error = 0;
+    const int32_t taken = sampler.TrySamples(s + i, t + i, std::min(run, n - i), points, error);
+    if (taken == 0) {
+      run = 1;
+      if (!take(i++, nullptr)) return false;
+      continue;
+    }
+    run = std::min(run * 2, kBlock);
+    for (int32_t k = 0; k < taken; ++k, ++i)
+      if (!take(i, &points[k])) return false;
+  }
+  return true;
+}
+
 // One curve: `count` + 1 samples, the running position starting one step before `start`
 // and stepped before each sample. The pen goes up at every sample without value.
 bool traceCurve(SurfaceSampler& sampler, MeshPointSink sink, bool alongY, float fixed, float start,
                 float step, int32_t count) {
   bool penDown = false;
   float running = start - step;
-  for (int32_t k = 0; k <= count; ++k) {
-    running += step;
-    Point3 p;
-    const int32_t e = alongY ? sampler.TrySample(fixed, running, p) : sampler.TrySample(running, fixed, p);
-    if (e != 0) {
+  float s[kBlock], t[kBlock];
+  auto take = [&](int32_t, const Point3* p) {
+    if (p == nullptr) {
       penDown = false;
-      continue;
+      return true;
     }
-    if (!sink(p, penDown)) return false;
+    if (!sink(*p, penDown)) return false;
     penDown = true;
+    return true;
+  };
+  for (int64_t k = 0; k <= count;) {
+    const int32_t m = static_cast<int32_t>(std::min<int64_t>(kBlock, int64_t(count) + 1 - k));
+    for (int32_t i = 0; i < m; ++i) {
+      running += step;
+      s[i] = alongY ? fixed : running;
+      t[i] = alongY ? running : fixed;
+    }
+    if (!takeSamples(sampler, s, t, m, take)) return false;
+    k += m;
   }
   return true;
 }
@@ -65,14 +99,30 @@ uint32_t DotGenerator::SeedFromTimer() {
 
 void TraceDots(const StereoSettings& s, SurfaceSampler& sampler, DotGenerator& random,
                FunctionRef<bool(const Point3& point)> sink) {
-  for (int32_t k = 1; k <= s.ndots; ++k) {
-    const float r1 = random.next();
-    const float a = r1 * (s.rangegxu - s.rangelxu) + s.rangelxu;
-    const float r2 = random.next();
-    const float b = r2 * (s.rangegyv - s.rangelyv) + s.rangelyv;
-    Point3 p;
-    if (sampler.TrySample(a, b, p) != 0) continue;
-    if (!sink(p)) return;
+  float a[kBlock], b[kBlock];
+  for (int32_t k = 1; k <= s.ndots;) {
+    // The samples of a block are drawn from a copy of the generator; the window's own
+    // one moves on by the samples taken, so the next plot continues where these ended.
+    DotGenerator ahead = random;
+    const int32_t m = static_cast<int32_t>(std::min<int64_t>(kBlock, int64_t(s.ndots) - k + 1));
+    for (int32_t i = 0; i < m; ++i) {
+      const float r1 = ahead.next();
+      a[i] = r1 * (s.rangegxu - s.rangelxu) + s.rangelxu;
+      const float r2 = ahead.next();
+      b[i] = r2 * (s.rangegyv - s.rangelyv) + s.rangelyv;
+    }
+    int32_t taken = 0;
+    const bool more = takeSamples(sampler, a, b, m, [&](int32_t i, const Point3* p) {
+      taken = i + 1;
+      return p == nullptr || sink(*p);
+    });
+    if (taken == m) {
+      random = ahead;
+    } else {
+      for (int32_t i = 0; i < 2 * taken; ++i) random.next();
+    }
+    if (!more) return;
+    k += m;
   }
 }
 

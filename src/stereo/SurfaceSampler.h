@@ -42,7 +42,22 @@ class SurfaceSampler {
   // the point has no value.
   int32_t TrySample(float s, float t, Point3& out);
 
+  // TrySample at leading samples of (s[i], t[i]), i < n, in order: returns how many have
+  // their points in `out`, at least one unless the first sample fails; only then (0,
+  // with n > 0) does `error` hold its number. A failure further on is left to the next
+  // call, which starts there.
+  int32_t TrySamples(const float* s, const float* t, int32_t n, Point3* out, int32_t& error);
+
  private:
+  static constexpr int32_t kBlock = 256;
+  // One formula at leading points, its values in single precision as TryExpressionAt
+  // keeps them.
+  int32_t TryExpressionBlock(const std::string& expression, const double* x, const double* y, const double* u,
+                             const double* v, int32_t n, float* out, int32_t& error);
+  // The height shown (the surface or its selected derivative) at leading points.
+  int32_t TryHeightBlock(const float* x, const float* y, const double* u, const double* v, int32_t n, float* out,
+                         int32_t& error);
+
   const StereoSettings& settings_;
   SurfaceEvaluator& evaluator_;
   SurfaceParameters& uv_;

@@ -1,11 +1,13 @@
 #pragma once
 // Differential checks for engine rows: every text is evaluated with the optimizer on and
-// off, first and cached, after x has moved, and through TryEval; all of these must agree.
+// off, first and cached, after x has moved, through TryEval and in a block of points;
+// all of these must agree.
 
 #include <gtest/gtest.h>
 
 #include <bit>
 #include <cstdint>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <tuple>
@@ -48,7 +50,47 @@ inline void expectSame(const Outcome& o, const Outcome& ref) {
   }
 }
 
-// The outcome of `text` at x, after checking that every way of getting it agrees.
+// `text` over one block of points around x, some of them failing for most formulas
+// (0, -1, out of range), each lane against its own point evaluation in the same engine:
+// the same bits or the same error, reported at the same place, with the same ierr.
+inline void expectBlockAgrees(Engine& t, const std::string& text, double x) {
+  const double xs[] = {x, x + 0.75, 0, -1, -x, 1e300, 2.5, x};
+  const double ys[] = {0.5, x, -1, 0, 1e300, x, -x, 3};
+  constexpr int32_t n = static_cast<int32_t>(std::size(xs));
+  for (bool withY : {false, true}) {
+    BlockOutcome block;
+    TryEvaluateBlock(t.engine, t.sh, text, xs, withY ? ys : nullptr, n, block);
+    std::optional<RuntimeError> reported;
+    t.engine.SetErrorHandler([&](const RuntimeError& e) { reported = e; });
+    for (int32_t i = 0; i < n; ++i) {
+      SCOPED_TRACE(text + " in a block, lane " + std::to_string(i) + (withY ? " with y" : ""));
+      reported.reset();
+      t.sh.ierr = 0;
+      ReportBlockPoint(t.engine, t.sh, block, i);
+      const std::optional<RuntimeError> fromBlock = reported;
+      const int32_t ierrFromBlock = t.sh.ierr;
+      reported.reset();
+      double value = 0;
+      const int32_t number = withY ? TryEvaluateAt(t.engine, t.sh, text, xs[i], ys[i], value)
+                                   : TryEvaluateAt(t.engine, t.sh, text, xs[i], value);
+      EXPECT_EQ(BlockPointError(block, i), number);
+      if (!number) {
+        EXPECT_TRUE(sameBits(block.value[i], value)) << block.value[i] << " vs " << value;
+      }
+      EXPECT_EQ(ierrFromBlock, t.sh.ierr);
+      if (!block.program) continue;  // a text that does not compile: reported once per block
+      ASSERT_EQ(fromBlock.has_value(), reported.has_value());
+      if (reported) {
+        EXPECT_EQ(std::tuple(fromBlock->line(), fromBlock->column(), fromBlock->description()),
+                  std::tuple(reported->line(), reported->column(), reported->description()));
+      }
+    }
+    t.engine.SetErrorHandler(nullptr);
+  }
+}
+
+// The outcome of `text` at x, after checking that every way of getting it agrees, a block
+// of points among them.
 inline Outcome evalEveryWay(const std::string& text, double x) {
   std::optional<Outcome> reference;
   for (bool optimize : {true, false}) {
@@ -66,6 +108,7 @@ inline Outcome evalEveryWay(const std::string& text, double x) {
     Outcome tried;
     tried.number = t.engine.TryEval(text, tried.value);
     expectSame(tried, first);
+    expectBlockAgrees(t, text, x);
     if (!reference) {
       reference = first;
       continue;

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <numbers>
 #include <optional>
@@ -8,10 +9,14 @@
 #include <thread>
 #include <vector>
 
+#include "engine/PointEvaluation.h"
+#include "platform/RecordingCanvas.h"
 #include "platform/RuntimeError.h"
 #include "platform/StopCheck.h"
+#include "plot2d/EngineFunction.h"
 #include "plot2d/ExtremaFinder.h"
 #include "plot2d/Integrator.h"
+#include "plot2d/PlotDrawing.h"
 #include "plot2d/RootFinder.h"
 #include "Plot2dTestDoubles.h"
 
@@ -243,6 +248,102 @@ TEST(LongWork, ASlowFormulaIsAskedEveryFewEvaluations) {
   ASSERT_EQ(askedAt.size(), 4u);
   EXPECT_EQ(calls, askedAt.back());
   for (size_t i = 0; i < askedAt.size(); ++i) EXPECT_LE(askedAt[i] - (i ? askedAt[i - 1] : 0), 11) << i;
+}
+
+// The window's formula through blocks of points and point by point: the same roots,
+// extrema, integral and curves, the same error, and the same errors reported in the
+// same order with the same math-object error left behind, failing points among the blocks.
+TEST(BlockEvaluation, StudiesAgreeWithPointByPoint) {
+  // The formula one point at a time, as before blocks.
+  class PointByPoint final : public FunctionOfX {
+   public:
+    explicit PointByPoint(FunctionOfX& f) : f_(f) {}
+    double operator()(double x) override { return f_(x); }
+    int32_t tryEval(double x, double& y) override { return f_.tryEval(x, y); }
+
+   private:
+    FunctionOfX& f_;
+  };
+  struct Window {
+    ExpressionEngine engine;
+    Class1 sh;
+    int32_t shared = 0;
+    std::vector<std::string> reported;
+    Window() {
+      sh.sharedError = &shared;
+      RegisterMathObject(engine, sh);
+      engine.SetErrorHandler([this](const RuntimeError& e) {
+        reported.push_back(std::to_string(e.number()) + "@" + std::to_string(e.column()));
+      });
+    }
+    // The error fields and the reports in order, runs of the same one counted.
+    std::string state() const {
+      std::string text = "ierr " + std::to_string(sh.ierr) + ", shared " + std::to_string(shared) + ", reported";
+      for (size_t i = 0, run = 1; i < reported.size(); ++i, ++run)
+        if (i + 1 == reported.size() || reported[i + 1] != reported[i]) {
+          text += " " + reported[i] + " x" + std::to_string(run);
+          run = 0;
+        }
+      return text;
+    }
+  };
+  const struct {
+    const char* formula;
+    StudySettings s;
+  } rows[] = {
+      {"Log(x)*Sin(3*x)", study(-2, 4, 1000)},           // no value below 0, roots above
+      {"Sqr(1-x*x)-0.5", study(-3, 3, 999)},             // a value only between -1 and 1
+      {"1/x-x", study(-2, 2, 1000)},                      // a pole on the grid
+      {"Asin(x/2)*x-0.3", study(-3, 3, 777)},            // the math object's error outside
+      {"CInt(x*1e4)/1e4-0.25", study(-5, 5, 600)},       // overflow beyond 3.2767
+      {"x*x-2+Exp(x*200)", study(-4, 4, 1000)},          // overflow on the right
+      {"Sin(x)-undefinedName", study(-1, 1, 50)},         // an error that ends the scan
+      {"x^3-x", study(-2, 2, 3000)},                      // no failure at all
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.formula);
+    Window blocks, points;
+    EngineFunction byBlocks(blocks.engine, blocks.sh, row.formula);
+    EngineFunction engineAlone(points.engine, points.sh, row.formula);
+    PointByPoint byPoints(engineAlone);
+    DerivativeEvaluator db(byBlocks), dp(byPoints);
+
+    const RootResult rb = findRoots(db, row.s), rp = findRoots(dp, row.s);
+    EXPECT_EQ(rb.list, rp.list);
+    EXPECT_EQ(rb.label, rp.label);
+    EXPECT_EQ(rb.error, rp.error);
+    EXPECT_EQ(blocks.state(), points.state());
+
+    const ExtremaResult eb = findExtrema(db, row.s), ep = findExtrema(dp, row.s);
+    EXPECT_EQ(eb.list, ep.list);
+    EXPECT_EQ(eb.label, ep.label);
+    EXPECT_EQ(eb.error, ep.error);
+    EXPECT_EQ(blocks.state(), points.state());
+
+    StudySettings fine = row.s;
+    fine.n = 4096;
+    const IntegralResult ib = integrate(db, fine), ip = integrate(dp, fine);
+    EXPECT_EQ(ib.label, ip.label);
+    EXPECT_EQ(ib.error, ip.error);
+    EXPECT_EQ(std::bit_cast<uint64_t>(ib.value), std::bit_cast<uint64_t>(ip.value));
+    EXPECT_EQ(blocks.state(), points.state());
+
+    // The curve and its derivatives over the same interval, a sample every pixel.
+    PlotRequest r;
+    r.setup = PlotSetup{float(row.s.xlower), float(row.s.xupper), -3, 3, 0, 0, 1, 1, 15};
+    r.width = 6000;
+    r.height = 3000;
+    r.options.fittedFunction = true;
+    for (int32_t k : {0, 1, 2, 3}) {
+      SCOPED_TRACE("derivative " + std::to_string(k));
+      r.options.derivative = k;
+      RecordingCanvas pb, pp;
+      drawPlot(pb, db, r);
+      drawPlot(pp, dp, r);
+      EXPECT_EQ(pb.describeAll(), pp.describeAll());
+      EXPECT_EQ(blocks.state(), points.state());
+    }
+  }
 }
 
 }  // namespace

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "engine/PointEvaluation.h"
+#include "stereo/EngineSurface.h"
 #include "stereo/StereoTestDoubles.h"
 #include "stereo/SurfaceMesh.h"
 #include "stereo/SurfaceSampler.h"
@@ -159,6 +161,105 @@ TEST(TraceDots, SamplesTheRangeAndSkipsPointsWithoutValue) {
   EXPECT_EQ(calls, 400);         // every dot tried once
   EXPECT_EQ(dots.size(), 200u);  // the failing half skipped
   for (const Point3& p : dots) EXPECT_TRUE(p.x >= 2 && p.x < 3 && p.y >= -5 && p.y < -4);
+  // A sink that ends the dots: the next plot's numbers follow the last dot tried.
+  calls = 0;
+  TraceDots(s, sampler, random, [&](const Point3&) { return calls < 19; });
+  EXPECT_EQ(calls, 19);
+  DotGenerator same(1234);
+  for (int i = 0; i < 2 * (400 + 19); ++i) same.next();
+  EXPECT_EQ(random.next(), same.next());
+}
+
+// The window's formulas through blocks of samples and one sample at a time: the same
+// mesh, dots, generator state and u, v afterwards, and the same errors reported in the
+// same order with the same math-object error left behind.
+TEST(BlockEvaluation, MeshAndDotsAgreeWithSampleBySample) {
+  class SampleBySample final : public SurfaceEvaluator {
+   public:
+    explicit SampleBySample(SurfaceEvaluator& e) : e_(e) {}
+    double evaluate(std::string_view f, double x, double y, double u, double v) override {
+      return e_.evaluate(f, x, y, u, v);
+    }
+    int32_t tryEvaluate(std::string_view f, double x, double y, double u, double v, double& value) override {
+      return e_.tryEvaluate(f, x, y, u, v, value);
+    }
+
+   private:
+    SurfaceEvaluator& e_;
+  };
+  struct Window {
+    ExpressionEngine engine;
+    Class1 sh;
+    int32_t shared = 0;
+    EngineSurface surface{engine, sh};
+    std::vector<std::string> seen;  // reported errors and the points drawn, in order
+    Window() {
+      sh.sharedError = &shared;
+      RegisterMathObject(engine, sh);
+      engine.SetErrorHandler([this](const RuntimeError& e) { seen.push_back("error " + std::to_string(e.number())); });
+    }
+    void draw(const StereoSettings& s, SurfaceEvaluator& evaluator, int32_t stopAfter) {
+      SurfaceParameters uv;
+      SurfaceSampler sampler(s, evaluator, uv);
+      int32_t drawn = 0;
+      auto note = [&](const Point3& p, const char* what) {
+        seen.push_back(std::string(what) + " " + std::to_string(p.x) + " " + std::to_string(p.y) + " " +
+                       std::to_string(p.z));
+        return ++drawn < stopAfter;
+      };
+      TraceMesh(s, sampler, [&](const Point3& p, bool down) { return note(p, down ? "line" : "move"); }, nullptr);
+      DotGenerator random(77);
+      TraceDots(s, sampler, random, [&](const Point3& p) { return note(p, "dot"); });
+      seen.push_back("then " + std::to_string(random.next()) + " u " + std::to_string(uv.u) + " v " +
+                     std::to_string(uv.v) + " ierr " + std::to_string(sh.ierr) + " shared " + std::to_string(shared));
+    }
+  };
+  StereoSettings explicitSurface = grid(20, 30);
+  explicitSurface.ndots = 3000;
+  StereoSettings parametric = explicitSurface;
+  parametric.parametric = true;
+  StereoSettings zx = grid(8, 10);
+  zx.ndots = 300;
+  zx.selector = kZx;
+  StereoSettings zxyLow = zx;
+  zxyLow.selector = kZxy;
+  zxyLow.accuracy = kAccuracyMed;
+  StereoSettings zxyHigh = zx;
+  zxyHigh.selector = kZxy;
+  StereoSettings parametricZyy = zx;
+  parametricZyy.parametric = true;
+  parametricZyy.selector = kZyy;
+  const struct {
+    const StereoSettings* s;
+    const char* z;
+    const char* x = "v";
+    const char* y = "u";
+    int32_t stopAfter = 1 << 30;
+  } rows[] = {
+      {&explicitSurface, "Log(x+y)*Sin(3*x)"},                    // no value on half the square
+      {&explicitSurface, "1/(x-y)+Asin(2*x*y)"},                  // poles, the math object's error
+      {&explicitSurface, "Exp(400*x)*y"},                         // beyond single precision
+      {&explicitSurface, "Sqr(x)*y", "v", "u", 5000},             // the sink ends the mesh
+      {&explicitSurface, "x*y", "v", "u", 20000},                 // ... and the dots
+      {&parametric, "Sqr(x)+Log(y)", "Sqr(u)+v", "u/v"},          // each formula fails somewhere
+      {&zx, "Sqr(x*y)"},                                          // derivatives: whole stencils
+      {&zxyLow, "Log(x+y)/(x-0.3)"},                               //   per block, points failing
+      {&zxyHigh, "Asin(x+y)*Exp(300*y)"},                          //   within and between them
+      {&parametricZyy, "Log(y)*x", "Sqr(u)+v", "u*v"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.z);
+    StereoSettings s = *row.s;
+    s.equationZ = row.z;
+    s.equationX = row.x;
+    s.equationY = row.y;
+    Window blocks, samples;
+    SampleBySample oneByOne(samples.surface);
+    blocks.draw(s, blocks.surface, row.stopAfter);
+    samples.draw(s, oneByOne, row.stopAfter);
+    ASSERT_EQ(blocks.seen.size(), samples.seen.size());
+    for (size_t i = 0; i < blocks.seen.size(); ++i) ASSERT_EQ(blocks.seen[i], samples.seen[i]) << "entry " << i;
+  }
 }
 
 }  // namespace
