@@ -189,10 +189,8 @@ TEST_F(StereoFileTest, ValuesTheFieldsRefuseMakeTheFileMalformed) {
   } rows[] = {
       {3, "2,0,0,10,3", "a value above 0 and at most 1 for the reduction factor, found 0", &StereoFields::reduce},
       {3, "2,0,1E-50,10,3", "a value above 0 and at most 1 for the reduction factor, found 1E-50", &StereoFields::reduce},
-      {3, "2,0,1.5,10,3", "a value above 0 and at most 1 for the reduction factor, found 1.5", &StereoFields::reduce},
       {3, "2,0,0.5,0,3", "a whole number of at least 1 for the number of dots, found 0", &StereoFields::ndots},
       {3, "2,0,0.5,10,-1", "a whole number of at least 0 for the number of reference lines, found -1", &StereoFields::grid},
-      {3, "2,0,0.5,10,2.5", "found 2.5", &StereoFields::grid},
       {5, "-1,1,2,2,-3,3", "the lower y limit below the upper y limit, found 2 and 2", &StereoFields::windowly},
       {5, "-1,1,-2,2,3,-3", "the lower z limit below the upper z limit, found 3 and -3", &StereoFields::windowlz},
       {6, "0,1,2,1", "the lower y/v limit not above the upper y/v limit, found 2 and 1", &StereoFields::rangelyv},
