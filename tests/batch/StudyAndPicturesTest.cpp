@@ -22,30 +22,23 @@ struct StudyCase {
   std::string err;
 };
 
+// The routines' own cases are StudyRoutinesTest's; here, each command and option
+// reaches them, a failed study ends with status 1, and refusals name the option.
 TEST(BatchStudy, PrintsTheWindowsListsAndLabels) {
   const std::vector<StudyCase> cases = {
       {{"x^2-2", "--interval", "-2", "2", "--subintervals", "100", "--error", "1e-10", "roots"},
        0, {"-1.4142135623731", "1.4142135623731", "2 roots"}, ""},
-      {{"x", "--interval", "-1", "1", "--subintervals", "2", "roots"}, 0, {"0", "1 roots"}, ""},
-      // 1/x: the pole at the grid point 0 is skipped without a message.
-      {{"1/x", "--interval", "-1", "1", "--subintervals", "2", "roots"}, 0, {"0 roots"}, ""},
-      // A double root between grid points: no sign change.
-      {{"x^2", "--interval", "-1", "1.5", "--subintervals", "4", "roots"}, 0, {"0 roots"}, ""},
+      // 3 subintervals become 4, as in the window: the double root at 0 is on the grid.
+      {{"x^2", "--interval", "-1", "1", "--subintervals", "3", "roots"}, 0, {"0", "1 roots"}, ""},
       {{"undefinedName", "roots"}, 1, {}, "error 500: Variable is undefined: 'undefinedName'\n"},
-      {{"x^3", "--interval", "0", "2", "--subintervals", "1", "integral"}, 0, {"4"}, ""},
       {{"x^5", "--interval", "0", "1", "--subintervals", "8", "--error", "1e-12", "integral"},
        0, {"0.166666666666667"}, ""},
       {{"1/x", "--interval", "-1", "1", "integral"}, 1, {"division by zero"}, ""},
       {{"Sin(x)", "--interval", "0", "100", "--subintervals", "2", "--maxcy", "0", "--error", "1e-12", "integral"},
        1, {"No convergence"}, ""},
-      {{"x^3-3*x", "--interval", "-3", "3", "extrema"}, 0,
-       {"Max -1.00000427107842", "Min 1.00000427107842", "2 extrema"}, ""},
       {{"x^2", "--interval", "-3", "3", "extrema"}, 0, {"Min 0 (possible root)", "1 extrema"}, ""},
       {{"x^3", "value", "1", "2"}, 0, {"12.0000000000006"}, ""},
-      {{"x^3", "value", "0", "2"}, 0, {"8"}, ""},
-      {{"x^3", "value", "-1", "2"}, 0, {"0"}, ""},
       {{"--const", "a=3", "a*x", "value", "0", "2"}, 0, {"6"}, ""},
-      {{"Sqr(x)", "value", "1", "0"}, 1, {}, "error 5: Invalid procedure call or argument\n"},
       {{"x", "value", "34", "1"}, 1, {}, "error 9: Subscript out of range\n"},
       {{"x", "--interval", "2", "1", "roots"}, 1, {},
        "orvane-batch study: --interval: the upper limit must be greater than the lower one\n"},
@@ -62,15 +55,6 @@ TEST(BatchStudy, PrintsTheWindowsListsAndLabels) {
     EXPECT_EQ(run.outLines(), c.out);
     EXPECT_EQ(run.err, c.err);
   }
-}
-
-// The window's corrections apply to typed values: 3 subintervals become 4, so the
-// double root at 0 falls on a grid point and is found; with 3 it would be missed.
-TEST(BatchStudy, SubintervalsAreRoundedUpToAPowerOfTwo) {
-  const BatchRun run = runBatch({"study", "x^2", "--interval", "-1", "1", "--subintervals", "3", "roots"});
-  EXPECT_EQ(run.outLines(), (std::vector<std::string>{"0", "1 roots"}));
-  const BatchRun one = runBatch({"study", "x^2", "--interval", "-1", "1", "--subintervals", "1", "roots"});
-  EXPECT_EQ(one.outLines(), (std::vector<std::string>{"0", "1 roots"}));
 }
 
 bool samePixels(const QImage& a, const QImage& b) {
