@@ -124,26 +124,6 @@ class PlotWindowTest : public QObject {
     dialogs_.reset();
   }
 
-  // The fields from the data (the numbers: StudyDefaultsTest), the line drawn once the
-  // window is up; without a fit, data and axes only, and no function is no error.
-  void opensOnTheDataAndDrawsTheFittedLine() {
-    QCOMPARE(window() << text("txtXlower") << text("txtXupper"), QStringList({"-1", "6", "-2", "12", "1", "5"}));
-    showAndWait();
-    QCOMPARE(control<PictureBox>("Picture1")->size(), QSize(600, 400));
-    QTRY_VERIFY(window_->graphDrawn());
-    QCOMPARE(dialogs_->busyCalls(), (std::vector<bool>{true, false}));
-    for (int i = 1; i <= 5; ++i)  // data points
-      QCOMPARE(colourAt(float(workbench_.problem.X(1, i)), float(workbench_.problem.X(2, i))), QString("#0000ff"));
-    QCOMPARE(colourAt(2.5f, float(1.05 + 1.99 * 2.5)), QString("#000000"));  // the curve
-    QCOMPARE(colourAt(-0.5f, 0), QString("#ff0000"));                       // x-axis
-    workbench_.fitted = false;
-    type("txtEquation", "");
-    click("cmdPlot");
-    QCOMPARE(colourAt(2.5f, float(1.05 + 1.99 * 2.5)), QString("#ffffff"));
-    QCOMPARE(colourAt(3, 7.2f), QString("#0000ff"));
-    QVERIFY(messages().isEmpty());
-  }
-
   // A study field clears the results, a plot field the picture; Enter in f(x)= plots.
   void editingClearsResultsAndPicture() {
     for (const char* field : {"txtEquation", "txtXupper", "txtSubintervals", "txtError", "txtMaxcy"}) {
@@ -185,18 +165,6 @@ class PlotWindowTest : public QObject {
                                                              .arg(yellow).arg(e.length)));
       }
     }
-  }
-
-  // The value, rounded here, or nothing: an error leaves the label empty, without a box.
-  void valuePanelShowsValueOrStaysEmpty() {
-    const char* cases[][4] = {{"x^3", "3", "2", "6"}, {"Sqr(x)", "1", "0", ""}, {"x", "34", "1", ""}};
-    for (const auto& c : cases) {
-      type({{"txtEquation", c[0]}, {"txtDerNum", c[1]}, {"txtXeval", c[2]}});
-      click("cmdDerVal");
-      const QString shown = label("lblDerVal");
-      QCOMPARE(shown.isEmpty() ? shown : QString::number(std::round(shown.toDouble())), QString(c[3]));
-    }
-    QVERIFY(messages().isEmpty());
   }
 
   // A button, the wheel, a drag, clicks and the picture's keys all move the window
@@ -290,9 +258,9 @@ class PlotWindowTest : public QObject {
     QVERIFY(!leave("txtXlower", "1"));
   }
 
-  // The list's rules are the constants' own (UserConstantsTest); here, the window's way
-  // to them: the button, Enter in the box, and Remove of the selected one.
-  void constantsAreAddedAndRemoved() {
+  // Constants by the button, Enter in the box, and Remove of the selected one (their
+  // rules: UserConstantsTest); a value, or nothing without a box when it has none.
+  void constantsAndValues() {
     auto* combo = control<QComboBox>("cboConstants");
     for (const char* entry : {"2a=1", "a=1", "b=2*a"}) {
       combo->setEditText(entry);
@@ -310,6 +278,13 @@ class PlotWindowTest : public QObject {
     combo->lineEdit()->setText("c=3");
     QTest::keyClick(combo->lineEdit(), Qt::Key_Return);
     QCOMPARE(combo->count(), 2);
+    const char* cases[][4] = {{"x^3", "3", "2", "6"}, {"Sqr(x)", "1", "0", ""}, {"x", "34", "1", ""}};
+    for (const auto& c : cases) {
+      type({{"txtEquation", c[0]}, {"txtDerNum", c[1]}, {"txtXeval", c[2]}});
+      click("cmdDerVal");
+      const QString shown = label("lblDerVal");
+      QCOMPARE(shown.isEmpty() ? shown : QString::number(std::round(shown.toDouble())), QString(c[3]));
+    }
     QVERIFY(messages().isEmpty());
   }
 
@@ -460,12 +435,20 @@ class PlotWindowTest : public QObject {
     QVERIFY(!window_->isVisible());
   }
 
-  // Drawn again at each new size; a formula's error box comes once per command that
-  // plots or studies (none for a pole the plot samples), not again at each redraw.
-  void pictureIsReadAtItsCurrentSize() {
+  // Fields from the data (the numbers: StudyDefaultsTest); the line drawn once the
+  // window is up and again at each new size. A formula's error box comes once per
+  // command (none for a pole the plot samples), not again at each redraw.
+  void drawnOnOpeningAndAtEachSize() {
+    QCOMPARE(window() << text("txtXlower") << text("txtXupper"), QStringList({"-1", "6", "-2", "12", "1", "5"}));
     window_->show();
     QVERIFY(QTest::qWaitForWindowExposed(window_.get()));
     QTRY_VERIFY(window_->graphDrawn());
+    QCOMPARE(dialogs_->busyCalls(), (std::vector<bool>{true, false}));
+    QCOMPARE(image().size(), QSize(600, 400));
+    for (int i = 1; i <= 5; ++i)  // data points
+      QCOMPARE(colourAt(float(workbench_.problem.X(1, i)), float(workbench_.problem.X(2, i))), QString("#0000ff"));
+    QCOMPARE(colourAt(2.5f, float(1.05 + 1.99 * 2.5)), QString("#000000"));  // the curve
+    QCOMPARE(colourAt(-0.5f, 0), QString("#ff0000"));                       // x-axis
     window_->resize(window_->size() + QSize(200, 100));
     QTRY_COMPARE(control<PictureBox>("Picture1")->size(), QSize(800, 500));
     QTRY_COMPARE(dialogs_->busyCalls().size(), size_t(4));
@@ -487,6 +470,12 @@ class PlotWindowTest : public QObject {
     QCOMPARE(messages().size(), 3);
     type("txtEquation", "1/(x-2)");
     click("cmdPlot");
+    QCOMPARE(messages().size(), 3);
+    workbench_.fitted = false;  // without a fit: data and axes, and no function is no error
+    type("txtEquation", "");
+    click("cmdPlot");
+    QCOMPARE(colourAt(2.5f, float(1.05 + 1.99 * 2.5)), QString("#ffffff"));
+    QCOMPARE(colourAt(3, 7.2f), QString("#0000ff"));
     QCOMPARE(messages().size(), 3);
   }
 };
