@@ -217,20 +217,6 @@ TEST_F(StereoFileTest, ValuesTheFieldsRefuseMakeTheFileMalformed) {
   EXPECT_EQ(ParseStereoFile(text, "f", current).status, ImportStatus::Ok);
 }
 
-TEST_F(StereoFileTest, AFailedWriteLeavesThePreviousFileIntact) {
-  put(path("keep.dup"), "old");
-  fs::permissions(path("keep.dup"), fs::perms::owner_read);  // read-only: refused, for root too
-  try {
-    WriteStereoFile(path("keep.dup"), StereoSettings{}, {});
-    ADD_FAILURE() << "wrote over a read-only file";
-  } catch (const RuntimeError& e) {
-    EXPECT_EQ(e.description(), "Cannot write \"" + path("keep.dup") + "\": Permission denied");
-  }
-  EXPECT_EQ(slurp(path("keep.dup")), "old");
-  EXPECT_EQ(entries(), Lines{"keep.dup"});
-  EXPECT_THROW(WriteStereoFile(path("no/such/dir/x.dup"), StereoSettings{}, {}), RuntimeError);
-}
-
 TEST_F(StereoFileTest, PicturesAreSavedFromPersistentImages) {
   for (bool persist : {true, false}) {
     testing::StereoPicture left, right;
