@@ -201,22 +201,6 @@ class StereoPlotTest : public QObject {
     QCOMPARE(f.messages().size(), 3);
   }
 
-  // Each button's own code (the codes' numbers: ViewControlsTest), and a plot.
-  void zoomButtonsRewriteTheWindowAndReplot() {
-    const struct {
-      const char* button;
-      QStringList window;
-    } rows[] = {{"cmdZoomQ3", {"-2.5", "0", "-2", "0", "0", "1.5"}},
-                {"cmdPanRight", {"-2.5", "2.5", "-1.5", "2.5", "-1.5", "1.5"}},
-                {"cmdPanIn", {"-3.125", "1.875", "-2", "2", "-1.5", "1.5"}}};
-    for (const auto& r : rows) {
-      Fixture f;
-      f.click(r.button);
-      QCOMPARE(f.window(), r.window);
-      QCOMPARE(f.dialogs.beeps(), 1);
-    }
-  }
-
   // Zx by the five-point formula is exact for a cubic in x: the same picture as the
   // derivative typed out, and not the surface's. Constants reach the formulas.
   void derivativesAndConstantsReachThePicture() {
@@ -365,8 +349,9 @@ class StereoPlotTest : public QObject {
   }
 
   // The window yields while it draws (three looks at the events per plot: after sizing,
-  // before the surface, between the families): a plot, a zoom and an export arriving
-  // then wait for the plot to end; a close stops the plot, and the window goes after it.
+  // before the surface, between the families): a plot, a zoom (through the buttons'
+  // table; the codes: ViewControlsTest) and an export arriving then wait for the plot
+  // to end; a close stops the plot, and the window goes after it.
   void commandsDuringAPlotWaitForIt() {
     QTemporaryDir dir;
     const QString path = dir.filePath("later.dup");
