@@ -230,8 +230,8 @@ class PlotWindowTest : public QObject {
     QCOMPARE(dialogs_->busy(), false);
   }
 
-  // One field of each kind (the rules: SettingsViewportTest): corrected, refused (the
-  // focus stays), an inverted interval (the focus goes to the other limit).
+  // Each field's own handler once (the rules: SettingsViewportTest): corrected, refused
+  // (the focus stays), an inverted pair (the focus goes to the other limit).
   void fieldsAreCorrectedAsTheyAreLeft() {
     showAndWait();
     auto leave = [&](const char* name, const QString& typed) {  // true: the focus stays
@@ -241,8 +241,13 @@ class PlotWindowTest : public QObject {
       QTest::keyClick(box, Qt::Key_Tab);
       return box->hasFocus();
     };
-    QVERIFY(!leave("txtSubintervals", "100"));
-    QCOMPARE(text("txtSubintervals"), QString("128"));
+    const char* corrections[][3] = {{"txtSubintervals", "100", "128"}, {"txtSubintervals", "256", "256"},
+                                    {"txtMaxcy", "3", "7"},  // 256 panels need seven halvings
+                                    {"txtPlotStep", "200", "80"}};
+    for (const auto& c : corrections) {
+      QVERIFY2(!leave(c[0], c[1]), c[0]);
+      QCOMPARE(text(c[0]), QString(c[2]));
+    }
     QVERIFY(leave("txtError", "0"));
     QVERIFY(!leave("txtError", ".001"));
     type("txtXupper", "5");
@@ -251,6 +256,9 @@ class PlotWindowTest : public QObject {
     QVERIFY(!leave("txtXupper", "6"));  // still inverted: back to the lower limit
     QTRY_VERIFY(control<TextBox>("txtXlower")->hasFocus());
     QVERIFY(!leave("txtXlower", "1"));
+    type("txtWindowly", "-2");
+    leave("txtWindowgy", "-3");
+    QTRY_VERIFY(control<TextBox>("txtWindowly")->hasFocus());
   }
 
   // Constants by the button, Enter in the box, and Remove of the selected one (their

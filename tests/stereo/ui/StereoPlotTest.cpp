@@ -231,13 +231,14 @@ class StereoPlotTest : public QObject {
     QVERIFY(f.messages().isEmpty());
   }
 
-  // Leaving a field, one of each kind (the rules: StereoSettingsTest): refused entries
-  // keep the focus, inverted pairs send it to the other limit.
+  // Leaving a field (the rules: StereoSettingsTest): refused entries keep the focus,
+  // inverted pairs send it to the other limit.
   void fieldRules() {
-    const char* rows[][3] = {{"txtSpacexu", "2.5", "txtSpacexu"},
-                             {"txtReduce", "1/2", "cmdAddCons"},
-                             {"txtRangelxu", "2", "txtRangegxu"},
-                             {"txtWindowlz", "1.5", "txtWindowgz"},
+    const char* rows[][3] = {{"txtSpacexu", "2.5", "txtSpacexu"},  {"txtNdots", "1", "cmdAddCons"},
+                             {"txtGrid", "0", "cmdAddCons"},        {"txtReduce", "1.5", "txtReduce"},
+                             {"txtReduce", "1/2", "cmdAddCons"},    {"txtXder", "3", "txtXder"},
+                             {"txtRangelxu", "2", "txtRangegxu"},   {"txtRangelxu", "1", "cmdAddCons"},
+                             {"txtWindowlz", "1.5", "txtWindowgz"}, {"txtWindowgx", "pi", "cmdAddCons"},
                              {"txtXder", "2", "txtYder"}};  // orders summing to 3
     for (const auto& r : rows) {
       Fixture f;
