@@ -277,6 +277,8 @@ class PlotWindowTest : public QObject {
     click("cmdRemCons");
     click("cmdDerVal");
     QCOMPARE(label("lblDerVal"), QString("1"));  // a is now 0, and b = 2*a with it
+    click("cmdRemCons");  // nothing selected: nothing happens
+    QCOMPARE(combo->count(), 1);
     combo->setFocus();
     combo->lineEdit()->setText("c=3");
     QTest::keyClick(combo->lineEdit(), Qt::Key_Return);

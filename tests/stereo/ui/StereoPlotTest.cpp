@@ -336,8 +336,8 @@ class StereoPlotTest : public QObject {
   }
 
   // Copied pictures have the reduced size; the left picture keeps its right edge, the
-  // right one its left edge. Help names the file it looks for.
-  void reducedPicturesAreCopiedAtTheirSize() {
+  // right one its left edge. Help names the file it looks for; Exit unloads.
+  void reducedPicturesCopiedThenHelpAndExit() {
     Fixture f;
     f.set("txtReduce", "0.5");
     f.click("cmdPlot");
@@ -347,6 +347,9 @@ class StereoPlotTest : public QObject {
     QVERIFY(f.find<PictureBox>("pic(1)")->geometry().left() > 400);
     f.trigger("mnuHelp");
     QCOMPARE(f.dialogs.helpRequests(), std::vector<std::string>({"/nonexistent/start/deptrix.hlp"}));
+    QSignalSpy unloaded(f.form.get(), &frmStereoPlot::unloaded);
+    f.click("cmdExit");
+    QCOMPARE(unloaded.count(), 1);
   }
 
   // The window yields while it draws (three looks at the events per plot: after sizing,
