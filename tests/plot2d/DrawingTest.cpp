@@ -143,7 +143,7 @@ TEST(PlotDriver, AStopEndsOnlyTheEvaluatingParts) {
   }
 }
 
-TEST(PlotDriver, TicksAndLabels) {
+TEST(PlotDriver, TicksGridAndLabels) {
   PlotRequest r = tinyRequest(false);
   r.width = 4;  // one screen unit is 0.5 in x: ticks no closer than that
   r.setup.divx = 0.1f;
@@ -153,6 +153,15 @@ TEST(PlotDriver, TicksAndLabels) {
                    "line (1,-0.15)-(1,0.15) #00FF00", "line (0,-0.15)-(0,0.15) #00FF00",
                    "line (-0.5,-0.15)-(-0.5,0.15) #00FF00", "line (-1,-0.15)-(-1,0.15) #00FF00"}));
   r = tinyRequest(false);
+  r.options.grid = true;  // the ticks run across the whole window
+  const Calls grid = matching(plot(r, [](double x) { return x; }), "#00FF00");
+  ASSERT_EQ(grid.size(), 8u);
+  EXPECT_EQ(grid[1], "line (1,-3)-(1,3) #00FF00");
+  EXPECT_EQ(grid[6], "line (-1,0)-(1,0) #00FF00");
+  r = tinyRequest(false);
+  r.options.labelWindow = true;
+  EXPECT_EQ(matching(plot(r, [](double x) { return x; }), "text "), (Calls{"text -1", "text 1", "text -3", "text 3"}));
+  r.options.labelWindow = false;
   r.options.labelDivisions = true;
   // Fractional divisions on y: the decimals they need, not the integer form.
   r.setup.divy = 1.5f;
