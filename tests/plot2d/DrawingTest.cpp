@@ -95,7 +95,8 @@ TEST(PlotDriver, ShadingAndIntervalEnds) {
   r.options.xlower = -0.5;
   r.options.xupper = 0.5;
   const Calls shaded = plot(r, [](double) { return 1.0; });
-  EXPECT_FALSE(matching(shaded, "#A0A0FF").empty());
+  EXPECT_EQ(matching(shaded, "#A0A0FF").front(), "pset (-0.5,0) #A0A0FF");
+  EXPECT_EQ(matching(shaded, "#A0A0FF").back(), "line (0.499,1)-(0.5,1) #A0A0FF");
   EXPECT_EQ(matching(shaded, "line (0.5,0)-(0.5,1) #FF0000").size(), 1u);
   // A derivative is never shaded; its end lines follow f' = 0.
   r.options.derivative = 1;

@@ -90,8 +90,8 @@ TEST(DrawSurfaceMesh, APoleBreaksTheCurvesThroughItOnlyAndRotationTurnsPoints) {
 }
 
 // The frame inset by one device unit on the right and bottom (else those edges fall off
-// the picture), the depth axis shifted in the left picture, the data marks last; the
-// events pumped once before the surface.
+// the picture), reference lines, the depth axis shifted in the left picture, the data
+// marks last; the events pumped once before the surface.
 TEST(DrawStereoPlot, FrameOnThePictureAndTheDepthAxisShifted) {
   Fixture f;
   f.s.lines = false;
@@ -106,6 +106,7 @@ TEST(DrawStereoPlot, FrameOnThePictureAndTheDepthAxisShifted) {
   const std::vector<std::string> right = f.right.describeAll(), left = f.left.describeAll();
   ASSERT_EQ(right.size(), 14u);
   EXPECT_EQ(right.front(), "box (-2,-1.4925)-(1.99,1.5) #00C0C0");
+  EXPECT_EQ(right[1], "line (-1.2,-1.5)-(-1.2,1.5) #C0C000 dot");  // the first of eight reference lines
   EXPECT_EQ(right.back(), "circle (1,0.25) r=0.02 #FF0000 fill #FF0000");
   EXPECT_EQ(right[9], "line (2,1.5)-(-2,-1.5) #008000");
   EXPECT_EQ(left[9], "line (2.4,1.5)-(-2.4,-1.5) #008000");
