@@ -185,7 +185,14 @@ TEST(DrawSurfaceDots, UndefinedEverywhereDrawsNothingAndDotsAreRotated) {
   for (const auto& c : p) EXPECT_NEAR(c.y1, -1, kTol);
 }
 
-TEST(DrawStereoPlot, DataMarksAndAWindowWithoutWidth) {
+TEST(DrawStereoPlot, AppearanceDataMarksAndAWindowWithoutWidth) {
+  StereoSettings s;  // the colours themselves: the window's pixel test
+  s.background = kBackgroundBlack;
+  s.persist = false;
+  RecordingCanvas left{400, 400}, right{400, 400};
+  ApplyPlotAppearance(left, right, s);
+  for (RecordingCanvas* pic : {&left, &right})
+    EXPECT_TRUE(pic->BackColor() == Rgb(0, 0, 0) && pic->ForeColor() == Rgb(255, 255, 255) && !pic->AutoRedraw());
   // Marks take both variables and the dependent value (column m + 1), X(k, j) = 10 k + j, m = 3.
   auto X = [](int32_t k, int32_t j) { return 10.0 * k + j; };
   const std::vector<Point3> marks = DataMarksFrom(2, 3, X);
