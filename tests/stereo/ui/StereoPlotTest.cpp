@@ -122,7 +122,7 @@ class StereoPlotTest : public QObject {
 
  private slots:
   // Parametric shows the x and y formulas and hides what only an explicit surface has;
-  // a step button rewrites its field without plotting.
+  // the step buttons (one table, up and down) rewrite their fields without plotting.
   void parametricSwitchesTheFieldsAndStepsDoNotPlot() {
     Fixture f;
     QCOMPARE(f.image(0).size(), QSize(400, 400));
@@ -134,7 +134,8 @@ class StereoPlotTest : public QObject {
     f.find<QCheckBox>("chkParametric")->click();
     QVERIFY(!shown("lblX") && shown("fraAccuracy"));
     f.click("cmdIncWindX");
-    QCOMPARE(f.texts({"txtWindowlx", "txtWindowgx"}), QStringList({"-3", "3"}));
+    f.click("cmdDecRotZ");
+    QCOMPARE(f.texts({"txtWindowlx", "txtWindowgx", "txtZrot"}), QStringList({"-3", "3", "-5"}));
     QCOMPARE(f.dialogs.beeps(), 0);
   }
 
