@@ -22,30 +22,23 @@ struct StudyCase {
   std::string err;
 };
 
+// The routines' own cases are StudyRoutinesTest's; here, each command and option
+// reaches them, a failed study ends with status 1, and refusals name the option.
 TEST(BatchStudy, PrintsTheWindowsListsAndLabels) {
   const std::vector<StudyCase> cases = {
       {{"x^2-2", "--interval", "-2", "2", "--subintervals", "100", "--error", "1e-10", "roots"},
        0, {"-1.4142135623731", "1.4142135623731", "2 roots"}, ""},
-      {{"x", "--interval", "-1", "1", "--subintervals", "2", "roots"}, 0, {"0", "1 roots"}, ""},
-      // 1/x: the pole at the grid point 0 is skipped without a message.
-      {{"1/x", "--interval", "-1", "1", "--subintervals", "2", "roots"}, 0, {"0 roots"}, ""},
-      // A double root between grid points: no sign change.
-      {{"x^2", "--interval", "-1", "1.5", "--subintervals", "4", "roots"}, 0, {"0 roots"}, ""},
+      // 3 subintervals become 4, as in the window: the double root at 0 is on the grid.
+      {{"x^2", "--interval", "-1", "1", "--subintervals", "3", "roots"}, 0, {"0", "1 roots"}, ""},
       {{"undefinedName", "roots"}, 1, {}, "error 500: Variable is undefined: 'undefinedName'\n"},
-      {{"x^3", "--interval", "0", "2", "--subintervals", "1", "integral"}, 0, {"4"}, ""},
       {{"x^5", "--interval", "0", "1", "--subintervals", "8", "--error", "1e-12", "integral"},
        0, {"0.166666666666667"}, ""},
       {{"1/x", "--interval", "-1", "1", "integral"}, 1, {"division by zero"}, ""},
       {{"Sin(x)", "--interval", "0", "100", "--subintervals", "2", "--maxcy", "0", "--error", "1e-12", "integral"},
        1, {"No convergence"}, ""},
-      {{"x^3-3*x", "--interval", "-3", "3", "extrema"}, 0,
-       {"Max -1.00000427107842", "Min 1.00000427107842", "2 extrema"}, ""},
       {{"x^2", "--interval", "-3", "3", "extrema"}, 0, {"Min 0 (possible root)", "1 extrema"}, ""},
       {{"x^3", "value", "1", "2"}, 0, {"12.0000000000006"}, ""},
-      {{"x^3", "value", "0", "2"}, 0, {"8"}, ""},
-      {{"x^3", "value", "-1", "2"}, 0, {"0"}, ""},
       {{"--const", "a=3", "a*x", "value", "0", "2"}, 0, {"6"}, ""},
-      {{"Sqr(x)", "value", "1", "0"}, 1, {}, "error 5: Invalid procedure call or argument\n"},
       {{"x", "value", "34", "1"}, 1, {}, "error 9: Subscript out of range\n"},
       {{"x", "--interval", "2", "1", "roots"}, 1, {},
        "orvane-batch study: --interval: the upper limit must be greater than the lower one\n"},
@@ -64,26 +57,10 @@ TEST(BatchStudy, PrintsTheWindowsListsAndLabels) {
   }
 }
 
-// The window's corrections apply to typed values: 3 subintervals become 4, so the
-// double root at 0 falls on a grid point and is found; with 3 it would be missed.
-TEST(BatchStudy, SubintervalsAreRoundedUpToAPowerOfTwo) {
-  const BatchRun run = runBatch({"study", "x^2", "--interval", "-1", "1", "--subintervals", "3", "roots"});
-  EXPECT_EQ(run.outLines(), (std::vector<std::string>{"0", "1 roots"}));
-  const BatchRun one = runBatch({"study", "x^2", "--interval", "-1", "1", "--subintervals", "1", "roots"});
-  EXPECT_EQ(one.outLines(), (std::vector<std::string>{"0", "1 roots"}));
-}
-
-bool samePixels(const QImage& a, const QImage& b) {
-  if (a.size() != b.size()) return false;
-  for (int y = 0; y < a.height(); ++y)
-    for (int x = 0; x < a.width(); ++x)
-      if (a.pixel(x, y) != b.pixel(x, y)) return false;
-  return true;
-}
-
 class BatchPictures : public ::testing::Test {
  protected:
   std::string path(const std::string& name) const { return dir.filePath(QString::fromStdString(name)).toStdString(); }
+  QImage image(const std::string& name) const { return QImage(QString::fromStdString(path(name))); }
   QTemporaryDir dir;
 };
 
@@ -91,17 +68,17 @@ TEST_F(BatchPictures, Plot2dSizesFormatsAndFailures) {
   const std::string bmp = path("line.bmp");
   const BatchRun run = runBatch({"plot2d", "x", "--size", "320", "200", "--out", bmp});
   ASSERT_EQ(run.status, 0) << run.err;
-  const QImage image(QString::fromStdString(bmp), "BMP");
-  EXPECT_EQ(image.size(), QSize(320, 200));
+  const QImage line = image("line.bmp");
+  EXPECT_EQ(line.size(), QSize(320, 200));
   // The default window without data is symmetric about the origin: the x-axis is red
   // across the middle row, and the curve y = x runs along the picture's diagonal.
-  EXPECT_EQ(QColor(image.pixel(80, 100)), QColor(Qt::red));
-  EXPECT_EQ(QColor(image.pixel(240, 50)).lightness(), 0);
+  EXPECT_EQ(QColor(line.pixel(80, 100)), QColor(Qt::red));
+  EXPECT_EQ(QColor(line.pixel(240, 50)).lightness(), 0);
 
   const BatchRun data = runBatch({"plot2d", "--data", dataFile("Norris.csv"), "--window", "-100", "1000", "-100",
                                   "1000", "--out", path("norris.png")});
   EXPECT_EQ(data.status, 0) << data.err;
-  EXPECT_EQ(QImage(QString::fromStdString(path("norris.png"))).size(), QSize(600, 400));
+  EXPECT_EQ(image("norris.png").size(), QSize(600, 400));
 
   const BatchRun wrongType = runBatch({"plot2d", "x", "--out", path("x.gif")});
   EXPECT_EQ(wrongType.status, 1);
@@ -123,33 +100,28 @@ TEST_F(BatchPictures, StereoSizesBackgroundAndImportRoundTrip) {
     std::vector<std::string> options;
     QSize expected;
   };
-  const std::vector<SizeCase> sizes = {
-      {{}, QSize(400, 400)},
-      {{"--reduce", "0.5"}, QSize(200, 200)},
-      {{"--size", "300", "240", "--reduce", "1/3"}, QSize(100, 80)},
-  };
+  const std::vector<SizeCase> sizes = {{{}, QSize(400, 400)}, {{"--size", "300", "240", "--reduce", "1/3"}, QSize(100, 80)}};
   for (const SizeCase& c : sizes) {
     std::vector<std::string> args = {"stereo", "--out", path("s"), "--format", "bmp"};
     args.insert(args.end(), c.options.begin(), c.options.end());
     args.push_back("x*y");
     const BatchRun run = runBatch(args);
     ASSERT_EQ(run.status, 0) << run.err;
-    EXPECT_EQ(QImage(QString::fromStdString(path("s_left.bmp")), "BMP").size(), c.expected);
-    EXPECT_EQ(QImage(QString::fromStdString(path("s_right.bmp")), "BMP").size(), c.expected);
+    EXPECT_EQ(image("s_left.bmp").size(), c.expected);
+    EXPECT_EQ(image("s_right.bmp").size(), c.expected);
   }
 
   // A stereoscopic factor of 0 makes the two pictures the same; black background.
   const BatchRun flat = runBatch({"stereo", "--out", path("f"), "--stereo", "0", "--background", "black",
                                   "--dots", "--ndots", "500", "--seed", "7", "x*y"});
   ASSERT_EQ(flat.status, 0) << flat.err;
-  const QImage fl(QString::fromStdString(path("f_left.png"))), fr(QString::fromStdString(path("f_right.png")));
-  EXPECT_TRUE(samePixels(fl, fr));
-  EXPECT_EQ(QColor(fl.pixel(30, 30)), QColor(Qt::black));
+  EXPECT_EQ(image("f_left.png"), image("f_right.png"));
+  EXPECT_EQ(QColor(image("f_left.png").pixel(30, 30)), QColor(Qt::black));
 
   // --anaglyph: a third picture, of the pair's size, red and cyan where the two differ.
   const BatchRun red = runBatch({"stereo", "--out", path("r"), "--reduce", "0.5", "--anaglyph", "x*y"});
   ASSERT_EQ(red.status, 0) << red.err;
-  const QImage ra(QString::fromStdString(path("r_anaglyph.png")));
+  const QImage ra = image("r_anaglyph.png");
   ASSERT_EQ(ra.size(), QSize(200, 200));
   int parallax = 0;
   for (int y = 0; y < ra.height(); ++y)
@@ -165,10 +137,8 @@ TEST_F(BatchPictures, StereoSizesBackgroundAndImportRoundTrip) {
   EXPECT_TRUE(std::filesystem::exists(exported + "_left.bmp"));
   const BatchRun second = runBatch({"stereo", "--out", path("b"), "--import", exported});
   ASSERT_EQ(second.status, 0) << second.err;
-  EXPECT_TRUE(samePixels(QImage(QString::fromStdString(path("a_left.png"))),
-                         QImage(QString::fromStdString(path("b_left.png")))));
-  EXPECT_TRUE(samePixels(QImage(QString::fromStdString(path("a_right.png"))),
-                         QImage(QString::fromStdString(path("b_right.png")))));
+  EXPECT_EQ(image("a_left.png"), image("b_left.png"));
+  EXPECT_EQ(image("a_right.png"), image("b_right.png"));
 
   // An error the window would show in a box: neither pictures nor export.
   const BatchRun undefined = runBatch({"stereo", "--out", path("u"), "--export", path("u.stereo"), "x*nope"});

@@ -26,10 +26,6 @@ struct Example {
   std::vector<std::string> shown;  // the lines under it
 };
 
-bool startsWith(const std::string& text, const std::string& prefix) {
-  return text.compare(0, prefix.size(), prefix) == 0;
-}
-
 // The examples of the fenced blocks: a "$ orvane-batch" line and the lines under it up
 // to the next "$ " line or the end of the block.
 std::vector<Example> readmeExamples(const fs::path& readme) {
@@ -37,11 +33,11 @@ std::vector<Example> readmeExamples(const fs::path& readme) {
   std::vector<Example> examples;
   bool inBlock = false, inExample = false;
   for (std::string line; std::getline(in, line);) {
-    if (startsWith(line, "```")) {
+    if (line.starts_with("```")) {
       inBlock = !inBlock;
       inExample = false;
-    } else if (inBlock && startsWith(line, "$ ")) {
-      inExample = startsWith(line, "$ orvane-batch ");
+    } else if (inBlock && line.starts_with("$ ")) {
+      inExample = line.starts_with("$ orvane-batch ");
       if (inExample) examples.push_back({line.substr(2), {}});
     } else if (inExample) {
       examples.back().shown.push_back(line);
@@ -58,9 +54,7 @@ std::vector<std::string> linesOf(const fs::path& file) {
 }
 
 bool lineMatches(const std::string& shown, const std::string& printed) {
-  const std::string ellipsis = "...";
-  if (shown.size() > ellipsis.size() && shown.ends_with(ellipsis))
-    return startsWith(printed, shown.substr(0, shown.size() - ellipsis.size()));
+  if (shown.size() > 3 && shown.ends_with("...")) return printed.starts_with(shown.substr(0, shown.size() - 3));
   return shown == printed;
 }
 

@@ -163,44 +163,39 @@ TEST_F(StudyExportTest, FileLinesAreExact) {
             (Lines{"Curvix", "\"x^2-2\",0,2,128,0.01,7,#FALSE#,0,0,0,0", "-3,3,-2.5,4.5,10,0,0,1,0.5", " 0 "}));
 }
 
-TEST_F(StudyExportTest, BitmapBesideTheFileWhenAGraphIsDrawn) {
+// The bitmap is written beside and moved over, the picture's image on while it is
+// drawn for it (a persistent one is saved as it is). A failed bitmap or file leaves
+// the earlier pair as it was, and no temporary.
+TEST_F(StudyExportTest, BitmapBesideTheFileAndFailuresKeepTheEarlierPair) {
   PictureLog picture;
   bool imageOnDuringReplot = false;
   exportStudy(path_, input_, StudyResults{}, picture, true, false,
               [&] { imageOnDuringReplot = picture.AutoRedraw(); });
-  EXPECT_EQ(exportBitmapName(path_), path_ + ".bmp");
-  ASSERT_EQ(picture.saved.size(), 1u);  // written beside, moved over
+  ASSERT_EQ(picture.saved.size(), 1u);
   EXPECT_EQ(std::filesystem::path(picture.saved[0]).parent_path(), dir_);
-  EXPECT_EQ(read(path_ + ".bmp"), "BM");
+  EXPECT_EQ(read(exportBitmapName(path_)), "BM");
   EXPECT_FALSE(std::filesystem::exists(picture.saved[0]));
-  EXPECT_TRUE(imageOnDuringReplot);
-  EXPECT_FALSE(picture.AutoRedraw());
-
+  EXPECT_TRUE(imageOnDuringReplot && !picture.AutoRedraw());
   bool replotted = false;
   exportStudy(path_, input_, StudyResults{}, picture, true, true, [&] { replotted = true; });
-  EXPECT_FALSE(replotted);  // a persistent image is saved as it is
+  EXPECT_FALSE(replotted);
   EXPECT_EQ(picture.saved.size(), 2u);
 
+  const std::string before = read(path_);
   picture.saveSucceeds = false;
   try {
-    exportStudy(path_, input_, StudyResults{}, picture, true, false, {});
+    exportStudy(path_, input_, someResults(), picture, true, false, {});
     ADD_FAILURE() << "exported without its bitmap";
   } catch (const RuntimeError& e) {
     EXPECT_EQ(e.number(), err::PathFileAccess);
   }
-  EXPECT_EQ(read(path_ + ".bmp"), "BM");  // the earlier bitmap stays
   EXPECT_FALSE(picture.AutoRedraw());
-}
-
-TEST_F(StudyExportTest, AFailedFileKeepsTheEarlierFileAndBitmap) {
-  PictureLog picture;
-  exportStudy(path_, input_, StudyResults{}, picture, true, true, {});
-  const std::string before = read(path_);
+  picture.saveSucceeds = true;
   std::filesystem::permissions(path_, std::filesystem::perms::owner_read);  // the file cannot be replaced
   EXPECT_THROW(exportStudy(path_, input_, someResults(), picture, true, true, {}), RuntimeError);
   EXPECT_EQ(read(path_), before);
   EXPECT_EQ(read(path_ + ".bmp"), "BM");
-  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir_), {}), 2);  // no temporary left
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir_), {}), 2);
 }
 
 }  // namespace

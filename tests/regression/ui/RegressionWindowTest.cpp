@@ -151,9 +151,6 @@ class RegressionWindowTest : public QObject {
  private slots:
   void fieldsRefuseBadEntriesAndLockWhenLeft() {
     MainWindow w;
-    QCOMPARE(w.window.windowTitle(), QStringLiteral("Orvane Regression  www.orvane.example"));
-    QCOMPARE(w.txtVarNams->text(), QStringLiteral("x,y"));
-    QCOMPARE(w.cmdPlot->toolTip(), QStringLiteral("Select what to plot from list"));
     QVERIFY(!w.cmdPlot->isVisible() && !w.cmdEvaluations->isEnabled() && !w.cmdAddData->isEnabled());
     QVERIFY(w.mnuOpen->isEnabled() && !w.mnuSave->isEnabled() && !w.mnuSaveAs->isEnabled());
     QVERIFY(!w.mnuPrint->isEnabled() && !w.mnuAbout->isVisible());
@@ -164,12 +161,11 @@ class RegressionWindowTest : public QObject {
     QCOMPARE(w.problem.m, 2);
     QVERIFY(!w.txtOrder->isEnabled() && w.cmdPlot->isVisible() && !w.mnuOpen->isEnabled());
 
-    for (const char* refused : {"2y", "y_1", "y 1", ""}) QVERIFY2(!w.enter(w.txtDepVarNam, refused), refused);
+    for (const char* refused : {"2y", ""}) QVERIFY2(!w.enter(w.txtDepVarNam, refused), refused);
     QVERIFY(w.enter(w.txtDepVarNam, "y2"));
     QVERIFY(!w.txtDepVarNam->isEnabled());
 
-    QVERIFY(!w.enter(w.txtVarNams, "a,,b"));
-    QVERIFY(!w.enter(w.txtVarNams, "a"));
+    QVERIFY(!w.enter(w.txtVarNams, "a"));  // two are needed
     QVERIFY(w.enter(w.txtVarNams, "x, y"));
     QCOMPARE(w.problem.names, (std::vector<std::string>{"x", " y"}));
     QVERIFY(w.mnuSave->isEnabled() && w.mnuSaveAs->isEnabled() && w.mnuPrint->isEnabled() && w.mnuAbout->isVisible());
@@ -199,7 +195,9 @@ class RegressionWindowTest : public QObject {
     QVERIFY(early.txtN->hasFocus() && early.window.editor() && !early.window.editor()->isVisible());
   }
 
-  void typedDataIsFittedListedAndEvaluated() {
+  // Typed data fitted, listed and evaluated; a deleted set takes the results with it
+  // (undone and redone), added sets come empty, and an empty grid takes keys safely.
+  void typedDataIsFittedThenEdited() {
     MainWindow w;
     QVERIFY(w.setUp("1", "y", "x", "5"));
     w.cmdCompute->click();  // before any data: a message, nothing listed
@@ -210,10 +208,7 @@ class RegressionWindowTest : public QObject {
     frmEdit* editor = w.openEditor();
     QVERIFY(editor && editor->isVisible() && !w.window.isEnabled());
     QVERIFY(!w.txtN->isEnabledTo(&w.window) && w.cmdAddData->isEnabledTo(&w.window));
-    QCOMPARE(editor->windowTitle(), QStringLiteral("Enter/Edit data"));
-    QCOMPARE(editor->model()->headerData(0, Qt::Horizontal).toString(), QStringLiteral("y"));
-    QCOMPARE(editor->model()->headerData(1, Qt::Horizontal).toString(), QStringLiteral("x"));
-    QCOMPARE(editor->model()->headerData(3, Qt::Vertical).toString(), QStringLiteral("Set# 4"));
+    QCOMPARE(editor->model()->headerData(0, Qt::Horizontal).toString(), QStringLiteral("y"));  // the dependent first
     editor->cmdExit->click();
     QVERIFY(w.typeLineData());
     QVERIFY(w.window.isEnabled());
@@ -222,9 +217,6 @@ class RegressionWindowTest : public QObject {
     w.cmdCompute->click();
     const QStringList lines = listLines(w.lstCoeff);
     QCOMPARE(lines.size(), 9);
-    QVERIFY(lines[0].startsWith("              CORRELATION COEFFICIENT=0.99"));
-    QCOMPARE(lines.mid(5, 2), QStringList({"", "COEFFICIENTS:"}));
-    QVERIFY(lines[7].startsWith("A0=") && lines[8].startsWith("A1="));
     QVERIFY(qAbs(lines[7].section('=', 1).toDouble() - 1.09) < 1e-12);  // 7 - 1.97 * 3
     QVERIFY(qAbs(lines[8].section('=', 1).toDouble() - 1.97) < 1e-12);  // Sxy / Sxx = 19.7 / 10
     QCOMPARE(w.dialogs.beeps(), beeps + 1);
@@ -233,32 +225,17 @@ class RegressionWindowTest : public QObject {
     w.cmdEvaluations->click();
     frmEvaluations* evaluations = w.window.evaluations();
     QVERIFY(evaluations && evaluations->isVisible());
-    QCOMPARE(evaluations->windowTitle(), QStringLiteral("Estimates"));
-    QCOMPARE(evaluations->lblApprox->text(), QStringLiteral("Derivative"));
-    QCOMPARE(evaluations->lblVarx.at(0)->text(), QStringLiteral("x="));
     evaluations->txtVarx.at(0)->setText("2abc");
     evaluations->cmdCompute->click();
     QVERIFY(qAbs(evaluations->lblApprox->text().toDouble() - 5.03) < 1e-12);
-  }
 
-  void deleteAndAddDataSets() {
-    MainWindow w;
-    QVERIFY(w.withLineData());
-    w.cmdCompute->click();
-    QVERIFY(w.lstCoeff->count() > 0);
-    w.cmdEvaluations->click();
-    QVERIFY(w.window.evaluations()->isVisible());
-
-    frmEdit* editor = w.openEditor();
+    editor = w.openEditor();
     editor->MSFlexGridEdit->setCurrentIndex(editor->model()->index(1, 0));
     editor->cmdDelete->click();  // the last set moves into the hole; the results go
     QVERIFY(!w.window.evaluations()->isVisible());  // with the coefficients it evaluated
-    QCOMPARE(w.problem.N, 4);
-    QCOMPARE(w.txtN->text(), QStringLiteral("4"));
+    QCOMPARE(QStringList({w.txtN->text(), cell(editor, 1, 0)}), QStringList({"4", "10.8"}));
     QCOMPARE(editor->model()->rowCount(), 4);
-    QCOMPARE(cell(editor, 1, 0), QStringLiteral("10.8"));
-    QCOMPARE(w.lstCoeff->count(), 0);
-    QVERIFY(!w.cmdEvaluations->isEnabled());
+    QVERIFY(w.lstCoeff->count() == 0 && !w.cmdEvaluations->isEnabled());
     QTest::keyClick(editor->MSFlexGridEdit, Qt::Key_Z, Qt::ControlModifier);  // the set comes back in its row
     QCOMPARE(column(w.problem, 2), QList<double>({3.1, 4.9, 7, 9.2, 10.8}));
     QCOMPARE(QStringList({cell(editor, 1, 0), cell(editor, 4, 0), w.txtN->text()}), QStringList({"4.9", "10.8", "5"}));
@@ -269,15 +246,11 @@ class RegressionWindowTest : public QObject {
     w.dialogs.queueInputBox(std::string("0"));
     w.cmdAddData->click();
     QCOMPARE(w.problem.N, 4);
-    QCOMPARE(w.dialogs.inputs().back().prompt, std::string("How many additional data sets?"));
-    QCOMPARE(w.dialogs.inputs().back().title, std::string("Add data"));
     w.dialogs.queueInputBox(std::string("2"));
     w.cmdAddData->click();
-    QCOMPARE(w.problem.N, 6);
     QCOMPARE(w.txtN->text(), QStringLiteral("6"));
     QCOMPARE(column(w.problem, 2), QList<double>({3.1, 10.8, 7, 9.2, 0, 0}));  // sets 1, 5, 3, 4 and two new
-    QVERIFY(editor->isVisible());
-    QCOMPARE(editor->model()->rowCount(), 6);
+    QVERIFY(editor->isVisible() && editor->model()->rowCount() == 6);
     QCOMPARE(QStringList({cell(editor, 3, 0), cell(editor, 4, 0), cell(editor, 5, 1)}),
              QStringList({"9.2", "", ""}));  // typed cells keep their text, new sets are empty
 
@@ -286,7 +259,6 @@ class RegressionWindowTest : public QObject {
       editor->cmdDelete->click();
       if (i == 0) QCOMPARE(cell(editor, 0, 0), QString());  // an empty set moved into the first row
     }
-    QCOMPARE(w.problem.N, 0);
     QCOMPARE(w.txtN->text(), QStringLiteral("0"));
     QCOMPARE(editor->model()->rowCount(), 0);
     editor->cmdToggleWidth->click();  // keys and the width toggle on an empty grid change nothing
@@ -309,12 +281,11 @@ class RegressionWindowTest : public QObject {
     QCOMPARE(column(fresh.problem, 2), QList<double>({3.1, 4.9, 7, 9.2, 10.8, 0, 0}));
     QVERIFY(QTest::qWaitForWindowActive(fresh.window.editor()));
     QTest::keyClick(fresh.window.editor()->MSFlexGridEdit, Qt::Key_Z, Qt::ControlModifier);  // the added sets go
-    QCOMPARE(fresh.problem.N, 5);
     QCOMPARE(fresh.txtN->text(), QStringLiteral("5"));
   }
 
   // y then x for three sets, each value ended by Enter, the arrows moving between the
-  // cells: Enter leaves the cell current, and the file holds the sets as typed.
+  // cells: Enter leaves the cell current, and the problem holds the sets as typed.
   void dataTypedAsAPersonTypesIt() {
     MainWindow w;
     QVERIFY(w.setUp("1", "y", "x", "3"));
@@ -323,15 +294,8 @@ class RegressionWindowTest : public QObject {
     QVERIFY(w.press("1 Enter Right 10 Enter Down Left 2 Enter Right 20 Enter Down Left 3 Enter Right 31 Enter"));
     QCOMPARE(editor->MSFlexGridEdit->currentIndex(), editor->model()->index(2, 1));
     QVERIFY(editor->MSFlexGridEdit->hasFocus() && !editor->txtDataEntry->isVisible());
-    editor->cmdExit->click();
-
-    QTemporaryDir folder;
-    const std::string path = QDir(folder.path()).filePath("typed.txt").toStdString();
-    w.dialogs.queueSaveFileName(path);
-    w.mnuSave->trigger();
-    const RegressionProblem saved = ReadRegressionFiles(path);
-    QCOMPARE(column(saved, 2), QList<double>({1, 2, 3}));
-    QCOMPARE(column(saved, 1), QList<double>({10, 20, 31}));
+    QCOMPARE(column(w.problem, 2), QList<double>({1, 2, 3}));
+    QCOMPARE(column(w.problem, 1), QList<double>({10, 20, 31}));
   }
 
   // The entry box takes the characters of a number however they come; a cell shows the
@@ -388,13 +352,8 @@ class RegressionWindowTest : public QObject {
     {
       MainWindow w;
       QVERIFY(w.withLineData());
-      w.mnuPrint->trigger();  // before computing: names and data
-      const std::vector<std::string> printed = w.dialogs.printer().texts();
-      QVERIFY(printed.size() > 9);
-      QCOMPARE(std::vector<std::string>(printed.begin(), printed.begin() + 9),
-               (std::vector<std::string>{"DEPENDENT VARIABLE: y", "INDEPENDENT VARIABLES: x", "", "", "DATA:", "",
-                                         "SET # 1 :", "x= 1 ", "y= 3.1 "}));
-      QCOMPARE(w.dialogs.printer().endDocCount(), 1);
+      w.mnuPrint->trigger();  // before computing: names and data (the lines: RegressionReportTest)
+      QCOMPARE(w.dialogs.printer().texts().at(7), std::string("x= 1 "));
 
       w.cmdCompute->click();
       listing = listLines(w.lstCoeff);
@@ -414,8 +373,7 @@ class RegressionWindowTest : public QObject {
     QVERIFY(w.cmdEvaluations->isEnabled());
     QCOMPARE(QStringList({w.txtOrder->text(), w.txtN->text(), w.txtDepVarNam->text(), w.txtVarNams->text()}),
              QStringList({"1", "5", "y", "x"}));
-    for (TextBox* field : {w.txtOrder, w.txtDepVarNam, w.txtVarNams, w.txtN}) QVERIFY(!field->isEnabled());
-    QVERIFY(!w.mnuOpen->isEnabled() && w.mnuSave->isEnabled() && w.mnuAbout->isVisible() && w.cmdPlot->isVisible());
+    QVERIFY(!w.txtN->isEnabled() && !w.mnuOpen->isEnabled() && w.mnuSave->isEnabled() && w.cmdPlot->isVisible());
     QVERIFY(w.window.editor() && !w.window.editor()->isVisible());
     QCOMPARE(cell(w.window.editor(), 3, 0), QStringLiteral("9.2"));
 
@@ -534,12 +492,8 @@ class RegressionWindowTest : public QObject {
   void malformedFileIsReportedAndChangesNothing() {
     QTemporaryDir folder;
     const QString path = QDir(folder.path()).filePath("bad.txt");
-    for (const auto& [name, text] : {std::pair{path, "5,1,#FALSE#,\"y\"\r\nx\r\n"},
-                                     std::pair{path + ".dat", "5,1\r\n 1\r\n 2\r\n three\r\n"}}) {
-      QFile file(name);
-      QVERIFY(file.open(QIODevice::WriteOnly));
-      file.write(text);
-    }
+    writeText(path, "5,1,#FALSE#,\"y\"\r\nx\r\n");
+    writeText(path + ".dat", "5,1\r\n 1\r\n 2\r\n three\r\n");
     MainWindow w;
     w.dialogs.queueOpenFileName(path.toStdString());
     w.mnuOpen->trigger();
@@ -547,8 +501,7 @@ class RegressionWindowTest : public QObject {
     const std::string message = w.dialogs.messages()[0].prompt;
     QVERIFY2(message.find("bad.txt.dat") != std::string::npos && message.find("line") != std::string::npos,
              message.c_str());
-    QVERIFY(w.mnuOpen->isEnabled() && w.txtOrder->isEnabled());
-    QCOMPARE(w.txtOrder->text(), QString());
+    QVERIFY(w.mnuOpen->isEnabled() && w.txtOrder->isEnabled() && w.txtOrder->text().isEmpty());
     QCOMPARE(w.problem.m, 0);
   }
 };
