@@ -253,8 +253,7 @@ void runPasses(const BlockCode& code, std::span<const BlockInput> inputs, int32_
     const double addend = s.addend;
     switch (s.op) {
       case Op::Const: std::fill(out, out + n, c); break;
-      case Op::LoadDouble: std::memcpy(out, a, sizeof(double) * static_cast<size_t>(n)); break;
-      case Op::PushKept: std::memcpy(out, a, sizeof(double) * static_cast<size_t>(n)); break;
+      case Op::LoadDouble: case Op::PushKept: std::memcpy(out, a, sizeof(double) * static_cast<size_t>(n)); break;
 
       case Op::Neg: lanes.exact(out, [&](int32_t i) { return -a[i]; }); break;
       case Op::Abs: lanes.exact(out, [&](int32_t i) { return vb::abs(a[i]); }); break;
@@ -267,8 +266,8 @@ void runPasses(const BlockCode& code, std::span<const BlockInput> inputs, int32_
       case Op::Sin: lanes.exact(out, [&](int32_t i) { return vb::sin(a[i]); }); break;
       case Op::CDbl: break;
       case Op::CBool: lanes.exact(out, [&](int32_t i) { return vb::cbool(a[i]); }); break;
-      case Op::Square: lanes.finite(out, s.at, [&](int32_t i) { return a[i] * a[i]; }); break;
-      case Op::Cube: lanes.finite(out, s.at, [&](int32_t i) { return a[i] * a[i] * a[i]; }); break;
+      case Op::Square: case Op::VarSquare: lanes.finite(out, s.at, [&](int32_t i) { return a[i] * a[i]; }); break;
+      case Op::Cube: case Op::VarCube: lanes.finite(out, s.at, [&](int32_t i) { return a[i] * a[i] * a[i]; }); break;
       case Op::Exp: lanes.finite(out, s.at, [&](int32_t i) { return std::exp(a[i]); }); break;
       case Op::Tan: lanes.finite(out, s.at, [&](int32_t i) { return std::tan(a[i]); }); break;
       case Op::Not: lanes.checked(out, s.at, [&](int32_t i, int32_t& e) { return vb::bitNot(a[i], e); }); break;
@@ -279,11 +278,11 @@ void runPasses(const BlockCode& code, std::span<const BlockInput> inputs, int32_
       case Op::CSng: lanes.checked(out, s.at, [&](int32_t i, int32_t& e) { return vb::csng(a[i], e); }); break;
       case Op::Call: case Op::CallVar: lanes.call(out, a, s); break;
 
-      case Op::Add: lanes.finite(out, s.at, [&](int32_t i) { return a[i] + b[i]; }); break;
-      case Op::Sub: lanes.finite(out, s.at, [&](int32_t i) { return a[i] - b[i]; }); break;
-      case Op::Mul: lanes.finite(out, s.at, [&](int32_t i) { return a[i] * b[i]; }); break;
-      case Op::Div: lanes.checked(out, s.at, [&](int32_t i, int32_t& e) { return vb::div(a[i], b[i], e); }); break;
-      case Op::Pow: lanes.checked(out, s.at, [&](int32_t i, int32_t& e) { return vb::pow(a[i], b[i], e); }); break;
+      case Op::Add: case Op::AddVar: case Op::VarAddVar: lanes.finite(out, s.at, [&](int32_t i) { return a[i] + b[i]; }); break;
+      case Op::Sub: case Op::SubVar: case Op::VarSubVar: lanes.finite(out, s.at, [&](int32_t i) { return a[i] - b[i]; }); break;
+      case Op::Mul: case Op::MulVar: case Op::VarMulVar: lanes.finite(out, s.at, [&](int32_t i) { return a[i] * b[i]; }); break;
+      case Op::Div: case Op::DivVar: lanes.checked(out, s.at, [&](int32_t i, int32_t& e) { return vb::div(a[i], b[i], e); }); break;
+      case Op::Pow: case Op::PowVar: lanes.checked(out, s.at, [&](int32_t i, int32_t& e) { return vb::pow(a[i], b[i], e); }); break;
       case Op::IntDiv:
         lanes.checked(out, s.at, [&](int32_t i, int32_t& e) { return vb::intDiv(a[i], b[i], e); });
         break;
@@ -311,8 +310,8 @@ void runPasses(const BlockCode& code, std::span<const BlockInput> inputs, int32_
         lanes.checked(out, s.at, [&](int32_t i, int32_t& e) { return vb::round(a[i], b[i], e); });
         break;
 
-      case Op::AddConst: lanes.finite(out, s.at, [&](int32_t i) { return a[i] + c; }); break;
-      case Op::MulConst: lanes.finite(out, s.at, [&](int32_t i) { return a[i] * c; }); break;
+      case Op::AddConst: case Op::VarAddConst: lanes.finite(out, s.at, [&](int32_t i) { return a[i] + c; }); break;
+      case Op::MulConst: case Op::VarMulConst: lanes.finite(out, s.at, [&](int32_t i) { return a[i] * c; }); break;
       case Op::DivConst: case Op::VarDivConst:
         if (c != 0)  // then only a result out of range fails, as for a product
           lanes.finite(out, s.at, [&](int32_t i) { return a[i] / c; });
@@ -320,26 +319,10 @@ void runPasses(const BlockCode& code, std::span<const BlockInput> inputs, int32_
           lanes.checked(out, s.at, [&](int32_t i, int32_t& e) { return vb::div(a[i], c, e); });
         break;
       case Op::PowConst: lanes.checked(out, s.at, [&](int32_t i, int32_t& e) { return vb::pow(a[i], c, e); }); break;
-      case Op::AddVar: lanes.finite(out, s.at, [&](int32_t i) { return a[i] + b[i]; }); break;
-      case Op::SubVar: lanes.finite(out, s.at, [&](int32_t i) { return a[i] - b[i]; }); break;
-      case Op::MulVar: lanes.finite(out, s.at, [&](int32_t i) { return a[i] * b[i]; }); break;
-      case Op::DivVar:
-        lanes.checked(out, s.at, [&](int32_t i, int32_t& e) { return vb::div(a[i], b[i], e); });
-        break;
-      case Op::PowVar:
-        lanes.checked(out, s.at, [&](int32_t i, int32_t& e) { return vb::pow(a[i], b[i], e); });
-        break;
-      case Op::VarAddConst: lanes.finite(out, s.at, [&](int32_t i) { return a[i] + c; }); break;
-      case Op::VarMulConst: lanes.finite(out, s.at, [&](int32_t i) { return a[i] * c; }); break;
       case Op::ConstSubVar: lanes.finite(out, s.at, [&](int32_t i) { return c - a[i]; }); break;
-      case Op::VarAddVar: lanes.finite(out, s.at, [&](int32_t i) { return a[i] + b[i]; }); break;
-      case Op::VarSubVar: lanes.finite(out, s.at, [&](int32_t i) { return a[i] - b[i]; }); break;
-      case Op::VarMulVar: lanes.finite(out, s.at, [&](int32_t i) { return a[i] * b[i]; }); break;
       case Op::ConstDivVar:
         lanes.checked(out, s.at, [&](int32_t i, int32_t& e) { return vb::div(c, a[i], e); });
         break;
-      case Op::VarSquare: lanes.finite(out, s.at, [&](int32_t i) { return a[i] * a[i]; }); break;
-      case Op::VarCube: lanes.finite(out, s.at, [&](int32_t i) { return a[i] * a[i] * a[i]; }); break;
 
       case Op::MulVarAddConst:
         lanes.pair(out, s, [&](int32_t i) { return b[i] + c; }, [&](int32_t i, double inner) { return a[i] * inner; });
