@@ -15,6 +15,9 @@ namespace orvane::bench {
 // unit; failed runs are left out.
 class FastestRuns : public benchmark::ConsoleReporter {
  public:
+  // Without colours: their codes would run into the "figure" lines printed after the table.
+  FastestRuns() : ConsoleReporter(OO_Tabular) {}
+
   std::map<std::string, double> times;
 
   bool has(const std::string& name) const { return times.count(name) > 0; }

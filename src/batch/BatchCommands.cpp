@@ -8,6 +8,8 @@
 #include <cctype>
 #include <cmath>
 #include <filesystem>
+#include <fstream>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -214,20 +216,28 @@ std::string lower(std::string text) {
 
 std::string extensionOf(const std::string& path) { return lower(fs::path(path).extension().string()); }
 
-// FILE as a CSV table or as a regression file pair: a table when forced or named .csv;
-// a pair when its data file is beside it; otherwise a table unless it starts as the
+// Whether FILE is read as a CSV table rather than as a regression file pair: when forced
+// or named .csv; not when its data file is beside it; otherwise unless it starts as the
 // first file of a pair does, with the number of data sets.
-RegressionProblem readProblem(const std::string& path, bool forceCsv) {
-  if (forceCsv || extensionOf(path) == ".csv") return ReadCsvProblem(path);
+bool isCsvTable(const std::string& path, bool forceCsv) {
+  if (forceCsv || extensionOf(path) == ".csv") return true;
   std::error_code ec;
-  if (fs::exists(DataFileName(path), ec)) return ReadRegressionFiles(path);
-  const std::string text = ReadFileText(path);
+  if (fs::exists(DataFileName(path), ec)) return false;
+  // The first field is enough; a file that cannot be read is refused by the reading.
+  std::ifstream in(fs::is_regular_file(path, ec) ? path : std::string(), std::ios::binary);
+  std::string first;
+  for (char c; first.size() < (size_t{1} << 20) && in.get(c) && c != ',' && c != '\r' && c != '\n';) first += c;
   try {
-    parseStrict(std::string_view(text).substr(0, text.find_first_of(",\r\n")));
+    parseStrict(first);
   } catch (const RuntimeError&) {
-    return ParseCsvProblem(path, text);
+    return true;
   }
-  return ReadRegressionFiles(path);  // it names the missing data file
+  return false;
+}
+
+// FILE as a CSV table or as a regression file pair (a missing data file is named).
+RegressionProblem readProblem(const std::string& path, bool forceCsv) {
+  return isCsvTable(path, forceCsv) ? ReadCsvProblem(path) : ReadRegressionFiles(path);
 }
 
 std::string singlePositional(const ParsedOptions& o, const std::string& what) {
@@ -321,28 +331,25 @@ struct Fit {
   bool overflowed = false;  // the listing is not that of the data
 };
 
+Fit listingOf(const RegressionProblem& problem, FitOutcome outcome, bool overflowed) {
+  if (outcome != FitOutcome::Computed) return {{SingularMessage(outcome)}, false};
+  return {ResultsListing(problem), overflowed};
+}
+
 Fit computeListing(RegressionProblem& problem) {
   problem.computed = false;
-  Fit fit;
-  const FitOutcome outcome = Compute(problem, &fit.overflowed);
-  if (outcome != FitOutcome::Computed) return {{SingularMessage(outcome)}, false};
-  fit.listing = ResultsListing(problem);
-  return fit;
+  bool overflowed = false;
+  const FitOutcome outcome = Compute(problem, &overflowed);
+  return listingOf(problem, outcome, overflowed);
 }
 
 constexpr const char* kOverflowMessage =
     "The fit's sums overflowed: the values are too large to square and add, so the results "
     "listed are not those of the data.";
 
-int runFit(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
-  const ParsedOptions o = ParseOptions(args, {{"save", 1}, {"csv", 0}, {"stats", 0}, {"json", 0}});
-  if (o.has("help")) {
-    out << kFitHelp;
-    return 0;
-  }
-  if (o.has("stats") && o.has("json")) throw UsageError("give --stats or --json, not both");
-  RegressionProblem problem = readProblem(singlePositional(o, "FILE"), o.has("csv"));
-  const Fit fit = computeListing(problem);
+// What fit prints of a computed problem (its X may be empty: `summarize` reads the sets).
+int printFit(const ParsedOptions& o, const RegressionProblem& problem, const Fit& fit,
+             const std::function<FitSummary()>& summarize, std::ostream& out, std::ostream& err) {
   if (fit.overflowed) {
     if (!o.has("json"))
       for (const std::string& line : fit.listing) out << line << "\n";
@@ -350,7 +357,7 @@ int runFit(const std::vector<std::string>& args, std::ostream& out, std::ostream
     return 1;
   }
   std::optional<FitSummary> summary;
-  if (problem.computed) summary = SummarizeFit(problem);
+  if (problem.computed) summary = summarize();
   if (summary && !DigitsWarning(*summary).empty()) err << DigitsWarning(*summary) << "\n";
   if (o.has("json")) {
     if (summary) out << StatisticsJson(*summary, problem) << "\n";
@@ -362,8 +369,37 @@ int runFit(const std::vector<std::string>& args, std::ostream& out, std::ostream
       for (const std::string& line : StatisticsText(*summary, problem.names, false)) out << line << "\n";
     }
   }
-  if (auto save = o.single("save")) WriteRegressionFiles(*save, problem);
   return problem.computed ? 0 : 1;
+}
+
+int runFit(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
+  const ParsedOptions o = ParseOptions(args, {{"save", 1}, {"csv", 0}, {"stats", 0}, {"json", 0}});
+  if (o.has("help")) {
+    out << kFitHelp;
+    return 0;
+  }
+  if (o.has("stats") && o.has("json")) throw UsageError("give --stats or --json, not both");
+  const std::string file = singlePositional(o, "FILE");
+  const std::optional<std::string> save = o.single("save");
+  if (!save && isCsvTable(file, o.has("csv"))) {
+    // Nothing to save: the table is read again for each pass of the fit rather than
+    // held, so a table of any length takes the same memory.
+    const CsvFileSets sets(file);
+    RegressionProblem problem;
+    problem.m = sets.m();
+    problem.N = sets.N();
+    problem.names = sets.names();
+    problem.dependentName = sets.dependentName();
+    bool overflowed = false;
+    const FitOutcome outcome = Compute(sets, problem, &overflowed);
+    return printFit(o, problem, listingOf(problem, outcome, overflowed),
+                    [&] { return SummarizeFit(sets, problem.A); }, out, err);
+  }
+  RegressionProblem problem = readProblem(file, o.has("csv"));
+  const Fit fit = computeListing(problem);
+  const int status = printFit(o, problem, fit, [&] { return SummarizeFit(problem); }, out, err);
+  if (save && !fit.overflowed) WriteRegressionFiles(*save, problem);
+  return status;
 }
 
 int runReport(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {

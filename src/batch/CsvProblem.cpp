@@ -1,14 +1,21 @@
 #include "batch/CsvProblem.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
+#include <charconv>
 #include <cmath>
+#include <cstring>
 #include <iterator>
-#include <string_view>
-#include <vector>
+#include <limits>
+#include <memory>
 
 #include "platform/NumberText.h"
-#include "platform/RecordLine.h"
 #include "platform/RuntimeError.h"
+#include "platform/SafeFile.h"
 #include "regression/RegressionFile.h"
 
 namespace orvane {
@@ -31,79 +38,128 @@ constexpr size_t mostColumns() {
   return static_cast<size_t>(m) + 1;
 }
 
+// Calls `line` with each line of `text` (without its end), in order.
+template <typename Line>
+void forEachLine(std::string_view text, Line line) {
+  while (!text.empty()) {
+    const size_t end = text.find('\n');
+    std::string_view one = text.substr(0, end);
+    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+    if (!one.empty() && one.back() == '\r') one.remove_suffix(1);
+    line(one);
+  }
+}
+
+std::string_view withoutByteOrderMark(std::string_view text) {
+  if (text.substr(0, 3) == "\xEF\xBB\xBF") text.remove_prefix(3);
+  return text;
+}
+
 }  // namespace
 
+void CsvRecords::refuse(const std::string& expected) const {
+  throw RegressionFileError(fileName_, std::max(lineNumber_, 1), expected);
+}
+
+void CsvRecords::readHeader(std::string_view line) {
+  constexpr size_t kMost = mostColumns();
+  if (!SplitRecord(line, kMost, fields_)) refuse(fields_.fault);
+  if (fields_.count < 2)
+    refuse("a header naming the dependent variable and at least one independent variable, separated by \",\"");
+  if (fields_.count > kMost)
+    refuse("at most " + std::to_string(kMost) + " columns (more variables than a fit can solve), found " +
+           std::to_string(fields_.count));
+  if (!isValidDependentName(fields_.kept[0]))
+    refuse("a dependent-variable name made of a letter followed by letters and digits, not \"" +
+           Excerpt(fields_.kept[0]) + "\"");
+  for (size_t j = 1; j < fields_.count; ++j) {
+    const std::string& name = fields_.kept[j];
+    // Names are saved one per line and split at "," by the regression window.
+    if (name.empty() || name.find_first_of(",\"") != std::string::npos)
+      refuse("a name for column " + std::to_string(j + 1) + " without \",\" or quotes, not \"" + Excerpt(name) +
+             "\"");
+  }
+  dependentName_ = std::move(fields_.kept[0]);
+  names_.assign(std::make_move_iterator(fields_.kept.begin() + 1), std::make_move_iterator(fields_.kept.end()));
+  columns_ = fields_.count;
+  set_.assign(columns_, 0.0);
+}
+
+// A set of plain numbers, as tables of millions of sets hold them, read in one step:
+// true when every field was a bare number ending in a digit or a point, with blanks
+// around it, the fields separated by ","; false leaves the line to the general way,
+// which takes the same numbers from such a line.
+bool CsvRecords::readPlainSet(std::string_view line) {
+  const char* p = line.data();
+  const char* const end = p + line.size();
+  for (size_t j = 0; j < columns_; ++j) {
+    while (p < end && isBlank(*p)) ++p;
+    const auto [stop, error] = std::from_chars(p, end, set_[j]);
+    if (error != std::errc() || !((stop[-1] >= '0' && stop[-1] <= '9') || stop[-1] == '.')) return false;
+    p = stop;
+    while (p < end && isBlank(*p)) ++p;
+    if (j + 1 < columns_) {
+      if (p == end || *p != ',') return false;
+      ++p;
+    }
+  }
+  return p == end;
+}
+
+bool CsvRecords::read(std::string_view line) {
+  ++lineNumber_;
+  if (lineNumber_ == 1) line = withoutByteOrderMark(line);
+  if (trim(line).empty()) return false;
+  if (columns_ == 0) {
+    readHeader(line);
+    return false;
+  }
+  if (readPlainSet(line)) return true;
+  if (!SplitRecord(line, columns_, fields_)) refuse(fields_.fault);
+  if (fields_.count != columns_)
+    refuse(std::to_string(columns_) + " numbers separated by \",\", found " + std::to_string(fields_.count) +
+           " fields");
+  for (size_t j = 0; j < columns_; ++j) {
+    double value = 0;
+    bool ok = !fields_.kept[j].empty();
+    if (ok) {
+      try {
+        value = parseStrict(fields_.kept[j]);
+        ok = std::isfinite(value);
+      } catch (const RuntimeError&) {
+        ok = false;
+      }
+    }
+    if (!ok)
+      refuse("a number in column " + std::to_string(j + 1) + " (" + (j == 0 ? dependentName_ : names_[j - 1]) +
+             "), not \"" + Excerpt(fields_.kept[j]) + "\"");
+    set_[j] = value;
+  }
+  return true;
+}
+
+void CsvRecords::finish(int64_t sets) const {
+  if (columns_ == 0) refuse("a header line naming the columns");
+  if (sets < 3) refuse("at least 3 data sets, found " + std::to_string(sets));
+}
+
 RegressionProblem ParseCsvProblem(const std::string& fileName, const std::string& text) {
-  std::string_view rest(text);
-  if (rest.substr(0, 3) == "\xEF\xBB\xBF") rest.remove_prefix(3);  // a byte-order mark
+  CsvRecords records(fileName);
+  std::vector<double> values;  // set after set, each in the file's column order
+  int64_t sets = 0;
+  forEachLine(text, [&](std::string_view line) {
+    if (!records.read(line)) return;
+    if (RegressionProblem::tooLarge(static_cast<int32_t>(records.columns() - 1), sets + 1))
+      records.refuse("no more data sets than the program can hold");
+    values.insert(values.end(), records.set().begin(), records.set().end());
+    ++sets;
+  });
+  records.finish(sets);
 
   RegressionProblem p;
-  std::vector<double> values;  // set after set, each in the file's column order
-  RecordFields fields;
-  size_t columns = 0;
-  int lineNumber = 0;
-  const auto refuse = [&](const std::string& expected) { throw RegressionFileError(fileName, lineNumber, expected); };
-  while (!rest.empty()) {
-    ++lineNumber;
-    size_t end = rest.find('\n');
-    std::string_view line = rest.substr(0, end);
-    rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
-    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-    if (trim(line).empty()) continue;
-
-    if (columns == 0) {
-      constexpr size_t kMost = mostColumns();
-      if (!SplitRecord(line, kMost, fields)) refuse(fields.fault);
-      if (fields.count < 2)
-        refuse("a header naming the dependent variable and at least one independent variable, separated by \",\"");
-      if (fields.count > kMost)
-        refuse("at most " + std::to_string(kMost) + " columns (more variables than a fit can solve), found " +
-               std::to_string(fields.count));
-      if (!isValidDependentName(fields.kept[0]))
-        refuse("a dependent-variable name made of a letter followed by letters and digits, not \"" +
-               Excerpt(fields.kept[0]) + "\"");
-      for (size_t j = 1; j < fields.count; ++j) {
-        const std::string& name = fields.kept[j];
-        // Names are saved one per line and split at "," by the regression window.
-        if (name.empty() || name.find_first_of(",\"") != std::string::npos)
-          refuse("a name for column " + std::to_string(j + 1) + " without \",\" or quotes, not \"" + Excerpt(name) +
-                 "\"");
-      }
-      p.dependentName = std::move(fields.kept[0]);
-      p.names.assign(std::make_move_iterator(fields.kept.begin() + 1), std::make_move_iterator(fields.kept.end()));
-      columns = fields.count;
-      continue;
-    }
-    if (!SplitRecord(line, columns, fields)) refuse(fields.fault);
-    if (fields.count != columns)
-      refuse(std::to_string(columns) + " numbers separated by \",\", found " + std::to_string(fields.count) +
-             " fields");
-    if (RegressionProblem::tooLarge(static_cast<int32_t>(columns - 1), static_cast<int64_t>(values.size() / columns) + 1))
-      refuse("no more data sets than the program can hold");
-    for (size_t j = 0; j < columns; ++j) {
-      double value = 0;
-      bool ok = !fields.kept[j].empty();
-      if (ok) {
-        try {
-          value = parseStrict(fields.kept[j]);
-          ok = std::isfinite(value);
-        } catch (const RuntimeError&) {
-          ok = false;
-        }
-      }
-      if (!ok)
-        refuse("a number in column " + std::to_string(j + 1) + " (" + (j == 0 ? p.dependentName : p.names[j - 1]) +
-               "), not \"" + Excerpt(fields.kept[j]) + "\"");
-      values.push_back(value);
-    }
-  }
-  if (columns == 0) {
-    lineNumber = std::max(lineNumber, 1);
-    refuse("a header line naming the columns");
-  }
-  const size_t sets = values.size() / columns;
-  if (sets < 3) refuse("at least 3 data sets, found " + std::to_string(sets));
-
+  p.dependentName = records.dependentName();
+  p.names = records.names();
+  const size_t columns = records.columns();
   p.m = static_cast<int32_t>(columns - 1);
   p.N = static_cast<int32_t>(sets);
   p.dimensionData();
@@ -116,5 +172,78 @@ RegressionProblem ParseCsvProblem(const std::string& fileName, const std::string
 }
 
 RegressionProblem ReadCsvProblem(const std::string& path) { return ParseCsvProblem(path, ReadFileText(path)); }
+
+CsvFileSets::CsvFileSets(std::string path) : path_(std::move(path)) {
+  CsvRecords records(path_);
+  const int64_t sets = readSets(records, [](const std::vector<double>&) {});
+  records.finish(sets);
+  if (sets > std::numeric_limits<int32_t>::max()) records.refuse("no more data sets than the program can count");
+  dependentName_ = records.dependentName();
+  names_ = records.names();
+  n_ = static_cast<int32_t>(sets);
+}
+
+int64_t CsvFileSets::readSets(CsvRecords& records, const std::function<void(const std::vector<double>&)>& use) const {
+  // The file in pieces of a few megabytes; a line cut by a piece's end is kept for the next.
+  const int fd = ::open(path_.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+  if (fd < 0) throw RegressionFileError("Cannot read the file " + path_ + ": " + std::strerror(errno));
+  const std::unique_ptr<int, void (*)(int*)> closing(new int(fd), [](int* f) {
+    ::close(*f);
+    delete f;
+  });
+  // A regular file only, as every reader takes: a pipe or a device is refused unread.
+  struct stat st {};
+  if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+    const int error = S_ISDIR(st.st_mode) ? EISDIR : errno;
+    throw RegressionFileError("Cannot read the file " + path_ + ": " +
+                              (S_ISDIR(st.st_mode) || !st.st_mode ? std::strerror(error) : "not a regular file"));
+  }
+  ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) & ~O_NONBLOCK);
+  constexpr size_t kPiece = size_t{4} << 20;
+  std::string piece;
+  int64_t sets = 0;
+  const auto line = [&](std::string_view text) {
+    if (!records.read(text)) return;
+    use(records.set());
+    ++sets;
+  };
+  for (;;) {
+    const size_t kept = piece.size();
+    piece.resize(kept + kPiece);
+    ssize_t count = 0;
+    do count = ::read(fd, piece.data() + kept, kPiece);
+    while (count < 0 && errno == EINTR);
+    if (count < 0) throw RegressionFileError("Cannot read the file " + path_ + ": " + std::strerror(errno));
+    piece.resize(kept + static_cast<size_t>(count));
+    if (count == 0) break;
+    const size_t lastEnd = piece.rfind('\n');
+    if (lastEnd == std::string::npos) continue;
+    forEachLine(std::string_view(piece).substr(0, lastEnd + 1), line);
+    piece.erase(0, lastEnd + 1);
+  }
+  forEachLine(piece, line);
+  return sets;
+}
+
+void CsvFileSets::forEachRun(int size, const std::function<void(const SetRun&)>& use) const {
+  const int width = m() + 2;
+  std::vector<double> values(static_cast<size_t>(width) * static_cast<size_t>(size));
+  std::fill_n(values.begin(), size, 1.0);  // column 0, the constant term
+  SetRun run;
+  for (int j = 0; j < width; ++j) run.columns.push_back(values.data() + static_cast<size_t>(j) * size);
+  const auto column = [&](int j) { return values.data() + static_cast<size_t>(j) * size; };
+  CsvRecords records(path_);
+  const int64_t sets = readSets(records, [&](const std::vector<double>& set) {
+    for (int j = 1; j < width - 1; ++j) column(j)[run.count] = set[static_cast<size_t>(j)];
+    column(width - 1)[run.count] = set[0];
+    if (++run.count < size) return;
+    use(run);
+    run.first += run.count;
+    run.count = 0;
+  });
+  if (sets != n_ || records.columns() != static_cast<size_t>(width - 1))
+    throw RegressionFileError("The file " + path_ + " changed while it was read.");
+  if (run.count > 0) use(run);
+}
 
 }  // namespace orvane
