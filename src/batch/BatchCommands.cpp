@@ -384,7 +384,7 @@ int runFit(const std::vector<std::string>& args, std::ostream& out, std::ostream
   if (!save && isCsvTable(file, o.has("csv"))) {
     // Nothing to save: the table is read again for each pass of the fit rather than
     // held, so a table of any length takes the same memory.
-    const CsvFileSets sets(file);
+    const CsvFileSets sets(file, stopIfInterrupted);
     RegressionProblem problem;
     problem.m = sets.m();
     problem.N = sets.N();

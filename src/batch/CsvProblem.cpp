@@ -11,7 +11,6 @@
 #include <cstring>
 #include <iterator>
 #include <limits>
-#include <memory>
 
 #include "platform/NumberText.h"
 #include "platform/RuntimeError.h"
@@ -173,7 +172,8 @@ RegressionProblem ParseCsvProblem(const std::string& fileName, const std::string
 
 RegressionProblem ReadCsvProblem(const std::string& path) { return ParseCsvProblem(path, ReadFileText(path)); }
 
-CsvFileSets::CsvFileSets(std::string path) : path_(std::move(path)) {
+CsvFileSets::CsvFileSets(std::string path, std::function<void()> betweenPieces)
+    : path_(std::move(path)), betweenPieces_(std::move(betweenPieces)) {
   CsvRecords records(path_);
   const int64_t sets = readSets(records, [](const std::vector<double>&) {});
   records.finish(sets);
@@ -187,10 +187,10 @@ int64_t CsvFileSets::readSets(CsvRecords& records, const std::function<void(cons
   // The file in pieces of a few megabytes; a line cut by a piece's end is kept for the next.
   const int fd = ::open(path_.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
   if (fd < 0) throw RegressionFileError("Cannot read the file " + path_ + ": " + std::strerror(errno));
-  const std::unique_ptr<int, void (*)(int*)> closing(new int(fd), [](int* f) {
-    ::close(*f);
-    delete f;
-  });
+  const struct Closing {
+    int fd;
+    ~Closing() { ::close(fd); }
+  } closing{fd};
   // A regular file only, as every reader takes: a pipe or a device is refused unread.
   struct stat st {};
   if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
@@ -200,7 +200,8 @@ int64_t CsvFileSets::readSets(CsvRecords& records, const std::function<void(cons
   }
   ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) & ~O_NONBLOCK);
   constexpr size_t kPiece = size_t{4} << 20;
-  std::string piece;
+  std::string piece;  // grown only for a line longer than a piece
+  size_t filled = 0;
   int64_t sets = 0;
   const auto line = [&](std::string_view text) {
     if (!records.read(text)) return;
@@ -208,20 +209,21 @@ int64_t CsvFileSets::readSets(CsvRecords& records, const std::function<void(cons
     ++sets;
   };
   for (;;) {
-    const size_t kept = piece.size();
-    piece.resize(kept + kPiece);
+    if (piece.size() < filled + kPiece) piece.resize(filled + kPiece);
     ssize_t count = 0;
-    do count = ::read(fd, piece.data() + kept, kPiece);
+    do count = ::read(fd, piece.data() + filled, kPiece);
     while (count < 0 && errno == EINTR);
     if (count < 0) throw RegressionFileError("Cannot read the file " + path_ + ": " + std::strerror(errno));
-    piece.resize(kept + static_cast<size_t>(count));
     if (count == 0) break;
-    const size_t lastEnd = piece.rfind('\n');
+    filled += static_cast<size_t>(count);
+    const size_t lastEnd = std::string_view(piece.data(), filled).rfind('\n');
     if (lastEnd == std::string::npos) continue;
-    forEachLine(std::string_view(piece).substr(0, lastEnd + 1), line);
-    piece.erase(0, lastEnd + 1);
+    forEachLine(std::string_view(piece.data(), lastEnd + 1), line);
+    filled -= lastEnd + 1;
+    std::memmove(piece.data(), piece.data() + lastEnd + 1, filled);
+    betweenPieces_();
   }
-  forEachLine(piece, line);
+  forEachLine(std::string_view(piece.data(), filled), line);
   return sets;
 }
 

@@ -4,6 +4,7 @@
 // order, then one data set per line. Blank lines are skipped, CR LF and LF line ends
 // are both read, fields may be quoted ("x 1", with "" for a quote inside).
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -62,7 +63,9 @@ class CsvRecords {
 // the header, every data set checked as ParseCsvProblem checks it, and their count.
 class CsvFileSets : public DataSets {
  public:
-  explicit CsvFileSets(std::string path);
+  // `betweenPieces` is called after each piece of the file read (a few megabytes), where
+  // a long fit may be stopped by throwing.
+  explicit CsvFileSets(std::string path, std::function<void()> betweenPieces = [] {});
 
   int32_t m() const override { return static_cast<int32_t>(names_.size()); }
   int32_t N() const override { return n_; }
@@ -76,6 +79,7 @@ class CsvFileSets : public DataSets {
   int64_t readSets(CsvRecords& records, const std::function<void(const std::vector<double>&)>& use) const;
 
   std::string path_;
+  std::function<void()> betweenPieces_;
   std::string dependentName_;
   std::vector<std::string> names_;
   int32_t n_ = 0;
