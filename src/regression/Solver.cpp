@@ -166,10 +166,22 @@ void computeStatistics(const DataSets& sets, RegressionProblem& p, Trap& trap) {
   const double mean = s.averageGiven;
 
   double estimates = 0, explained = 0, residual = 0, spread = 0;
+  double estimate[kRun];
   sets.forEachRun(kRun, [&](const SetRun& run) {
     const double* given = run.column(m + 1);
+    // The run's estimates variable by variable. A sum that overflows stays infinite (or
+    // NaN), so an estimate that ends finite never met the trap; one that did not is
+    // summed again set by set with it.
+    std::fill_n(estimate, run.count, p.A[0]);
+    for (int j = 1; j <= m; ++j) {
+      const double* x = run.column(j);
+      const double a = p.A[j];
+      for (int i = 0; i < run.count; ++i) estimate[i] += x[i] * a;
+    }
     for (int i = 0; i < run.count; ++i) {
-      const double e = estimateOf(p.A, m, [&](int j) { return run.column(j)[i]; }, trap);
+      if (!std::isfinite(estimate[i]))
+        estimate[i] = estimateOf(p.A, m, [&](int j) { return run.column(j)[i]; }, trap);
+      const double e = estimate[i];
       trap.let(estimates, estimates + e);
       trap.let(explained, explained + (mean - e) * (mean - e));
       trap.let(residual, residual + (given[i] - e) * (given[i] - e));
