@@ -35,7 +35,23 @@ using FisherF = boost::math::fisher_f_distribution<double, Quiet>;
 class Sum4 {
  public:
   explicit Sum4(int n) : lanes_(n - n % 4) {}
-  void add(int i, double term) { s_[i < lanes_ ? i & 3 : 0] += term; }
+  // The terms of sets first .. first + count - 1, term(k) for k = 0 .. count - 1.
+  template <typename Term>
+  void add(int first, int count, Term term) {
+    const int inLanes = std::clamp(lanes_ - first, 0, count);
+    int k = 0;
+    for (; k < inLanes && ((first + k) & 3) != 0; ++k) s_[(first + k) & 3] += term(k);
+    double s0 = s_[0], s1 = s_[1], s2 = s_[2], s3 = s_[3];  // where the loop keeps them
+    for (; k + 4 <= inLanes; k += 4) {
+      s0 += term(k);
+      s1 += term(k + 1);
+      s2 += term(k + 2);
+      s3 += term(k + 3);
+    }
+    s_[0] = s0, s_[1] = s1, s_[2] = s2, s_[3] = s3;
+    for (; k < inLanes; ++k) s_[(first + k) & 3] += term(k);
+    for (; k < count; ++k) s_[0] += term(k);
+  }
   double total() const { return (s_[0] + s_[1]) + (s_[2] + s_[3]); }
 
  private:
@@ -59,24 +75,26 @@ struct FirstPass {
   double yy = 0;
 };
 
-constexpr int kRun = 256;  // sets per run where the order of the sums does not depend on it
+constexpr int kRun = 256;  // sets per run of the residual passes, whose sums it orders
+// Sets per run of the passes whose sums do not depend on the runs: long runs of each
+// column, read straight through.
+constexpr int kLongRun = 1 << 16;
 
 FirstPass firstPass(const DataSets& sets) {
   const int n = sets.N(), m = sets.m();
   std::vector<Sum4> sums(static_cast<size_t>(m) + 1, Sum4(n));
   Sum4 squares(n);
   FirstPass pass;
-  sets.forEachRun(kRun, [&](const SetRun& run) {
+  sets.forEachRun(kLongRun, [&](const SetRun& run) {
     for (int j = 1; j <= m + 1; ++j) {
       const double* v = run.column(j);
-      Sum4& sum = sums[static_cast<size_t>(j) - 1];
-      for (int k = 0; k < run.count; ++k) {
-        pass.finite = pass.finite && std::isfinite(v[k]);
-        sum.add(run.first - 1 + k, v[k]);
-      }
+      bool finite = true;
+      for (int k = 0; k < run.count; ++k) finite &= std::isfinite(v[k]);
+      pass.finite = pass.finite && finite;
+      sums[static_cast<size_t>(j) - 1].add(run.first - 1, run.count, [v](int k) { return v[k]; });
     }
     const double* y = run.column(m + 1);
-    for (int k = 0; k < run.count; ++k) squares.add(run.first - 1 + k, y[k] * y[k]);
+    squares.add(run.first - 1, run.count, [y](int k) { return y[k] * y[k]; });
   });
   for (const Sum4& sum : sums) pass.rough.push_back(sum.total() / n);
   pass.yy = squares.total();
@@ -88,15 +106,18 @@ std::vector<ColumnCentre> centresOf(const DataSets& sets, const std::vector<doub
   const int n = sets.N(), m = sets.m();
   std::vector<Sum4> corrections(static_cast<size_t>(m) + 1, Sum4(n));
   std::vector<double> largest(static_cast<size_t>(m) + 1, 0.0);
-  sets.forEachRun(kRun, [&](const SetRun& run) {
+  sets.forEachRun(kLongRun, [&](const SetRun& run) {
     for (int j = 1; j <= m + 1; ++j) {
       const size_t c = static_cast<size_t>(j) - 1;
       const double* v = run.column(j);
-      for (int k = 0; k < run.count; ++k) {
-        const double d = v[k] - rough[c];
-        largest[c] = std::max(largest[c], std::fabs(d));
-        corrections[c].add(run.first - 1 + k, d);
-      }
+      const double mean = rough[c];
+      double most = largest[c];
+      corrections[c].add(run.first - 1, run.count, [&](int k) {
+        const double d = v[k] - mean;
+        most = std::max(most, std::fabs(d));
+        return d;
+      });
+      largest[c] = most;
     }
   });
   std::vector<ColumnCentre> centres;
@@ -198,10 +219,10 @@ struct ResidualPass {
 ResidualPass residualPass(const DataSets& sets, const std::vector<Real>& B, const std::vector<double>& means,
                           double ybar) {
   const int m = sets.m();
-  Real r[kRun];
   ResidualPass pass;
   pass.gradient.assign(static_cast<size_t>(m), 0);
   sets.forEachRun(kRun, [&](const SetRun& run) {
+    Real r[kRun];
     const int count = run.count;
     const double* y = run.column(m + 1);
     for (int k = 0; k < count; ++k) r[k] = y[k] - B[0];
@@ -222,13 +243,16 @@ ResidualPass residualPass(const DataSets& sets, const std::vector<Real>& B, cons
       if (k < count) even += (x[k] - mu) * r[k];
       pass.gradient[j - 1] += even + odd;
     }
+    // The running sums held where the loop keeps them, in the same order.
+    Real sum = pass.sum, squares = pass.squares, explainedSum = pass.explainedSum, explainedSquares = pass.explained;
     for (int k = 0; k < count; ++k) {
-      pass.sum += r[k];
-      pass.squares += r[k] * r[k];
+      sum += r[k];
+      squares += r[k] * r[k];
       const Real explained = (y[k] - Real(ybar)) - r[k];
-      pass.explainedSum += explained;
-      pass.explained += explained * explained;
+      explainedSum += explained;
+      explainedSquares += explained * explained;
     }
+    pass.sum = sum, pass.squares = squares, pass.explainedSum = explainedSum, pass.explained = explainedSquares;
   });
   return pass;
 }
