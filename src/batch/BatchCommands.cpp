@@ -92,7 +92,9 @@ to standard error; the exit status stays 0.
 FILE is a regression file pair (FILE, with its data file FILE.dat beside it) or a
 CSV file: a header line naming the columns, the first column the dependent variable,
 then one data set per line (at least 3). A file ending in .csv, or one without a .dat
-beside it whose first field is not a number, is read as CSV; --csv forces it.
+beside it whose first field is not a number, is read as CSV; --csv forces it. Without
+--save the table is read again for each pass of the fit instead of being held, so its
+length is not limited by the memory.
 
   --save SPECFILE   also write the problem and its fit as the file pair SPECFILE and
                     SPECFILE.dat, which the regression window opens

@@ -375,7 +375,7 @@ TEST(BatchCsv, AStreamedFitPrintsWhatTheHeldFitPrints) {
   tables.push_back(dir.filePath("many.csv").toStdString());
   writeFile(tables.back(), text);
   for (const std::string& table : tables) {
-    for (const std::vector<std::string> options : {std::vector<std::string>{}, {"--json"}}) {
+    for (const std::vector<std::string>& options : {std::vector<std::string>{}, {"--json"}}) {
       std::vector<std::string> streamed = {"fit"}, held = {"fit", "--save", dir.filePath("held").toStdString()};
       for (auto* args : {&streamed, &held}) {
         args->insert(args->end(), options.begin(), options.end());
