@@ -128,8 +128,8 @@ ValueRun readValueLines(std::string_view text, size_t at, size_t count, Store st
 }
 
 // Reads one file line by line, each line as the fields of one record; every failure
-// names the file, the line and what the line should have held. Lines are taken from the
-// text as they are reached, so a file of millions of values costs no more than its text.
+// names the file, the line and what the line should have held. The data sets' value
+// lines, millions of them, are read past it (readDataValues), in parts at once.
 class LineReader {
  public:
   LineReader(std::string file, std::string_view text) : file_(std::move(file)), text_(text) {}
@@ -157,15 +157,6 @@ class LineReader {
       --current_;
     }
     return field(expected);
-  }
-
-  // A value line: one number. The description is made only when the line is wrong.
-  template <typename Describe>
-  double value(Describe describe) {
-    const std::string_view line = nextLine({}, describe);
-    double result = 0;
-    if (!valueOfLine(line, result, fields_)) fail(describe());
-    return result;
   }
 
   // The text not yet read, and going on after `lines` lines of it that end at `offset`
@@ -206,18 +197,12 @@ class LineReader {
  private:
   bool atEnd() const { return pos_ >= text_.size(); }
 
-  // The next line without its end; `expected` (or the description) names what is
-  // missing when the file ends first.
+  // The next line without its end; `expected` names what is missing when the file ends
+  // first.
   std::string_view nextLine(const std::string& expected) {
-    return nextLine(expected, [] { return std::string(); });
-  }
-  template <typename Describe>
-  std::string_view nextLine(const std::string& expected, Describe describe) {
     ++current_;
-    if (atEnd()) fail((expected.empty() ? describe() : expected) + " (the file ends before it)");
-    // Value lines are a dozen characters: a plain scan beats a library call per line.
-    size_t end = pos_;
-    while (end < text_.size() && text_[end] != '\n') ++end;
+    if (atEnd()) fail(expected + " (the file ends before it)");
+    const size_t end = std::min(text_.find('\n', pos_), text_.size());
     std::string_view line = text_.substr(pos_, end - pos_);
     if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
     pos_ = std::min(end + 1, text_.size());  // a last line may have no end
