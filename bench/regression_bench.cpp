@@ -146,9 +146,10 @@ void openFull(benchmark::State& state) { openPair(state, savedFullFile()); }
 // before the clock starts, into doubles ready to take them.
 void parseFloor(benchmark::State& state) {
   const std::string text = orvane::DataText(fullProblem());
+  const size_t count = size_t{kSets} * (kVariables + 1);
   std::vector<std::string_view> numbers;
-  numbers.reserve(size_t{kSets} * (kVariables + 1));
-  for (size_t at = text.find('\n') + 1; numbers.size() < numbers.capacity(); at = text.find('\n', at) + 1) {
+  numbers.reserve(count);
+  for (size_t at = text.find('\n') + 1; numbers.size() < count; at = text.find('\n', at) + 1) {
     const size_t first = text[at] == ' ' ? at + 1 : at;
     numbers.emplace_back(text.data() + first, text.find('\r', first) - first);
   }
