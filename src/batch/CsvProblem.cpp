@@ -184,7 +184,7 @@ CsvFileSets::CsvFileSets(std::string path, std::function<void()> betweenPieces)
 }
 
 int64_t CsvFileSets::readSets(CsvRecords& records, const std::function<void(const std::vector<double>&)>& use) const {
-  // The file in pieces of a few megabytes; a line cut by a piece's end is kept for the next.
+  // Opened without waiting, so that a pipe with no writer cannot hold the program.
   const int fd = ::open(path_.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
   if (fd < 0) throw RegressionFileError("Cannot read the file " + path_ + ": " + std::strerror(errno));
   const struct Closing {
@@ -192,13 +192,15 @@ int64_t CsvFileSets::readSets(CsvRecords& records, const std::function<void(cons
     ~Closing() { ::close(fd); }
   } closing{fd};
   // A regular file only, as every reader takes: a pipe or a device is refused unread.
+  const auto refuse = [this](const std::string& reason) {
+    throw RegressionFileError("Cannot read the file " + path_ + ": " + reason);
+  };
   struct stat st {};
-  if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
-    const int error = S_ISDIR(st.st_mode) ? EISDIR : errno;
-    throw RegressionFileError("Cannot read the file " + path_ + ": " +
-                              (S_ISDIR(st.st_mode) || !st.st_mode ? std::strerror(error) : "not a regular file"));
-  }
+  if (::fstat(fd, &st) != 0) refuse(std::strerror(errno));
+  if (S_ISDIR(st.st_mode)) refuse(std::strerror(EISDIR));
+  if (!S_ISREG(st.st_mode)) refuse("not a regular file");
   ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) & ~O_NONBLOCK);
+  // The file in pieces of a few megabytes; a line cut by a piece's end is kept for the next.
   constexpr size_t kPiece = size_t{4} << 20;
   std::string piece;  // grown only for a line longer than a piece
   size_t filled = 0;
