@@ -15,6 +15,7 @@
 #include "platform/NumberText.h"
 #include "platform/RuntimeError.h"
 #include "platform/SafeFile.h"
+#include "platform/WorkParts.h"
 #include "regression/RegressionFile.h"
 
 namespace orvane {
@@ -205,11 +206,6 @@ int64_t CsvFileSets::readSets(CsvRecords& records, const std::function<void(cons
   std::string piece;  // grown only for a line longer than a piece
   size_t filled = 0;
   int64_t sets = 0;
-  const auto line = [&](std::string_view text) {
-    if (!records.read(text)) return;
-    use(records.set());
-    ++sets;
-  };
   for (;;) {
     if (piece.size() < filled + kPiece) piece.resize(filled + kPiece);
     ssize_t count = 0;
@@ -220,12 +216,62 @@ int64_t CsvFileSets::readSets(CsvRecords& records, const std::function<void(cons
     filled += static_cast<size_t>(count);
     const size_t lastEnd = std::string_view(piece.data(), filled).rfind('\n');
     if (lastEnd == std::string::npos) continue;
-    forEachLine(std::string_view(piece.data(), lastEnd + 1), line);
+    sets += readLines(std::string_view(piece.data(), lastEnd + 1), records, use);
     filled -= lastEnd + 1;
     std::memmove(piece.data(), piece.data() + lastEnd + 1, filled);
     betweenPieces_();
   }
-  forEachLine(std::string_view(piece.data(), filled), line);
+  return sets + readLines(std::string_view(piece.data(), filled), records, use);
+}
+
+int64_t CsvFileSets::readLines(std::string_view lines, CsvRecords& records,
+                               const std::function<void(const std::vector<double>&)>& use) const {
+  int64_t sets = 0;
+  const auto readAll = [&](std::string_view text) {
+    forEachLine(text, [&](std::string_view line) {
+      if (!records.read(line)) return;
+      use(records.set());
+      ++sets;
+    });
+  };
+  // Once the header is known, the second half of a large piece is read by a copy of the
+  // reader on another core, its sets kept until the first half's have been handed on.
+  // A fault there is left for this reader to meet again, with its own line numbers.
+  const size_t middle = lines.find('\n', lines.size() / 2) + 1;
+  if (records.columns() == 0 || lines.size() < (size_t{1} << 20) || WorkPartCount() < 2 || middle == 0 ||
+      middle >= lines.size()) {
+    readAll(lines);
+    return sets;
+  }
+  CsvRecords copy = records;
+  const int startLine = copy.lineNumber();
+  std::vector<double> secondSets;
+  bool secondRead = false;
+  RunParts(2, [&](int part) {
+    if (part == 0) {
+      readAll(lines.substr(0, middle));
+      return;
+    }
+    try {
+      forEachLine(lines.substr(middle), [&](std::string_view line) {
+        if (copy.read(line)) secondSets.insert(secondSets.end(), copy.set().begin(), copy.set().end());
+      });
+      secondRead = true;
+    } catch (const RegressionFileError&) {
+    }
+  });
+  if (!secondRead) {
+    readAll(lines.substr(middle));
+    return sets;
+  }
+  records.skipLines(copy.lineNumber() - startLine);
+  const size_t width = records.columns();
+  std::vector<double> set(width);
+  for (size_t at = 0; at < secondSets.size(); at += width) {
+    std::copy_n(secondSets.begin() + static_cast<std::ptrdiff_t>(at), width, set.begin());
+    use(set);
+    ++sets;
+  }
   return sets;
 }
 

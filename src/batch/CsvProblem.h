@@ -43,6 +43,9 @@ class CsvRecords {
   // Refuses what the whole table lacks, once its last line has been read: a header, or
   // 3 data sets (`sets` of them were read).
   void finish(int64_t sets) const;
+  // Counts `lines` more lines, read by a copy of this reader elsewhere.
+  void skipLines(int lines) { lineNumber_ += lines; }
+  int lineNumber() const { return lineNumber_; }
   [[noreturn]] void refuse(const std::string& expected) const;
 
  private:
@@ -77,6 +80,9 @@ class CsvFileSets : public DataSets {
  private:
   // Reads the whole file through `records`, handing each data set to `use`; the count.
   int64_t readSets(CsvRecords& records, const std::function<void(const std::vector<double>&)>& use) const;
+  // The same for the whole lines of one piece of the file.
+  int64_t readLines(std::string_view lines, CsvRecords& records,
+                    const std::function<void(const std::vector<double>&)>& use) const;
 
   std::string path_;
   std::function<void()> betweenPieces_;
