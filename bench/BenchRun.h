@@ -15,7 +15,8 @@ namespace orvane::bench {
 // unit; failed runs are left out.
 class FastestRuns : public benchmark::ConsoleReporter {
  public:
-  // A reporter given to the library keeps its own options, whatever --benchmark_color says.
+  // A reporter given to the library keeps its own options, whatever --benchmark_color says:
+  // without colours, so that no codes run into the "figure" lines printed after the table.
   FastestRuns() : ConsoleReporter(OO_Tabular) {}
 
   std::map<std::string, double> times;

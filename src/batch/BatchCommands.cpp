@@ -8,6 +8,8 @@
 #include <cctype>
 #include <cmath>
 #include <filesystem>
+#include <fstream>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -94,6 +96,8 @@ header uses most), "." the decimal point. A file without a .dat beside it is rea
 CSV when its name ends in .csv or its first field is not a number; --csv forces it.
 Column names are a letter followed by letters and digits, each a name of its own; a
 header with other names is refused with the names the regression window would offer.
+Without --save a table is read again for each pass of the fit instead of being held,
+so its length is not limited by the memory.
 
   --rename          take the offered names (letters and digits kept: "stack.loss"
                     becomes stackloss, "Acid Conc." AcidConc, "y_1" y1)
@@ -225,14 +229,12 @@ std::string lower(std::string text) {
 
 std::string extensionOf(const std::string& path) { return lower(fs::path(path).extension().string()); }
 
-// FILE as a CSV table (when forced by --csv, or when it reads as one) or as a regression
-// file pair. A table's names that the window would not take are refused, naming the
-// names it would offer, unless --rename takes those.
-RegressionProblem readProblem(const std::string& path, const ParsedOptions& o) {
-  if (!o.has("csv") && !ReadsAsCsv(path)) return ReadRegressionFiles(path);
-  RegressionProblem problem = ReadCsvProblem(path);
-  const std::vector<NameCorrection> corrections = NameCorrections(ColumnNames(problem));
-  if (corrections.empty()) return problem;
+// A table's names (dependent first) as the fit takes them. Names the window would not
+// take are refused, naming the names it would offer, unless --rename takes those.
+std::vector<std::string> acceptedColumnNames(const std::string& path, std::vector<std::string> names,
+                                             const ParsedOptions& o) {
+  const std::vector<NameCorrection> corrections = NameCorrections(names);
+  if (corrections.empty()) return names;
   std::string given, offered;
   for (const NameCorrection& c : corrections) {
     given += (given.empty() ? "\"" : ", \"") + Excerpt(c.given) + "\"";
@@ -242,9 +244,18 @@ RegressionProblem readProblem(const std::string& path, const ParsedOptions& o) {
     throw RegressionFileError(path + ": the column names " + given +
                               " are not a letter followed by letters and digits, each a name of its own; "
                               "--rename takes " + offered + " instead");
-  std::vector<std::string> names = ColumnNames(problem);
   for (const NameCorrection& c : corrections) names[c.column] = c.offered;
-  RenameColumns(problem, std::move(names));
+  return names;
+}
+
+bool readsAsTable(const std::string& path, const ParsedOptions& o) { return o.has("csv") || ReadsAsCsv(path); }
+
+// FILE as a CSV table (when forced by --csv, or when it reads as one) or as a regression
+// file pair.
+RegressionProblem readProblem(const std::string& path, const ParsedOptions& o) {
+  if (!readsAsTable(path, o)) return ReadRegressionFiles(path);
+  RegressionProblem problem = ReadCsvProblem(path);
+  RenameColumns(problem, acceptedColumnNames(path, ColumnNames(problem), o));
   return problem;
 }
 
@@ -339,28 +350,25 @@ struct Fit {
   bool overflowed = false;  // the listing is not that of the data
 };
 
+Fit listingOf(const RegressionProblem& problem, FitOutcome outcome, bool overflowed) {
+  if (outcome != FitOutcome::Computed) return {{SingularMessage(outcome)}, false};
+  return {ResultsListing(problem), overflowed};
+}
+
 Fit computeListing(RegressionProblem& problem) {
   problem.computed = false;
-  Fit fit;
-  const FitOutcome outcome = Compute(problem, &fit.overflowed);
-  if (outcome != FitOutcome::Computed) return {{SingularMessage(outcome)}, false};
-  fit.listing = ResultsListing(problem);
-  return fit;
+  bool overflowed = false;
+  const FitOutcome outcome = Compute(problem, &overflowed);
+  return listingOf(problem, outcome, overflowed);
 }
 
 constexpr const char* kOverflowMessage =
     "The fit's sums overflowed: the values are too large to square and add, so the results "
     "listed are not those of the data.";
 
-int runFit(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
-  const ParsedOptions o = ParseOptions(args, {{"save", 1}, {"csv", 0}, {"rename", 0}, {"stats", 0}, {"json", 0}});
-  if (o.has("help")) {
-    out << kFitHelp;
-    return 0;
-  }
-  if (o.has("stats") && o.has("json")) throw UsageError("give --stats or --json, not both");
-  RegressionProblem problem = readProblem(singlePositional(o, "FILE"), o);
-  const Fit fit = computeListing(problem);
+// What fit prints of a computed problem (its X may be empty: `summarize` reads the sets).
+int printFit(const ParsedOptions& o, const RegressionProblem& problem, const Fit& fit,
+             const std::function<FitSummary()>& summarize, std::ostream& out, std::ostream& err) {
   if (fit.overflowed) {
     if (!o.has("json"))
       for (const std::string& line : fit.listing) out << line << "\n";
@@ -368,7 +376,7 @@ int runFit(const std::vector<std::string>& args, std::ostream& out, std::ostream
     return 1;
   }
   std::optional<FitSummary> summary;
-  if (problem.computed) summary = SummarizeFit(problem);
+  if (problem.computed) summary = summarize();
   if (summary && !DigitsWarning(*summary).empty()) err << DigitsWarning(*summary) << "\n";
   if (o.has("json")) {
     if (summary) out << StatisticsJson(*summary, problem) << "\n";
@@ -380,8 +388,36 @@ int runFit(const std::vector<std::string>& args, std::ostream& out, std::ostream
       for (const std::string& line : StatisticsText(*summary, problem.names, false)) out << line << "\n";
     }
   }
-  if (auto save = o.single("save")) WriteRegressionFiles(*save, problem);
   return problem.computed ? 0 : 1;
+}
+
+int runFit(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
+  const ParsedOptions o = ParseOptions(args, {{"save", 1}, {"csv", 0}, {"rename", 0}, {"stats", 0}, {"json", 0}});
+  if (o.has("help")) {
+    out << kFitHelp;
+    return 0;
+  }
+  if (o.has("stats") && o.has("json")) throw UsageError("give --stats or --json, not both");
+  const std::string file = singlePositional(o, "FILE");
+  const std::optional<std::string> save = o.single("save");
+  if (!save && readsAsTable(file, o)) {
+    // Nothing to save: the table is read again for each pass of the fit rather than
+    // held, so a table of any length takes the same memory.
+    const CsvFileSets sets(file, stopIfInterrupted);
+    RegressionProblem problem;
+    problem.m = sets.m();
+    problem.N = sets.N();
+    RenameColumns(problem, acceptedColumnNames(file, sets.columnNames(), o));
+    bool overflowed = false;
+    const FitOutcome outcome = Compute(sets, problem, &overflowed);
+    return printFit(o, problem, listingOf(problem, outcome, overflowed),
+                    [&] { return SummarizeFit(sets, problem.A); }, out, err);
+  }
+  RegressionProblem problem = readProblem(file, o);
+  const Fit fit = computeListing(problem);
+  const int status = printFit(o, problem, fit, [&] { return SummarizeFit(problem); }, out, err);
+  if (save && !fit.overflowed) WriteRegressionFiles(*save, problem);
+  return status;
 }
 
 int runReport(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {

@@ -7,12 +7,15 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <algorithm>
 #include <cstring>
 #include <fstream>
 #include <set>
+#include <utility>
 
 #include "platform/Canvas.h"
 #include "platform/LargeBuffer.h"
+#include "platform/WorkParts.h"
 
 namespace orvane {
 
@@ -30,6 +33,7 @@ class Descriptor {
     if (fd_ >= 0) ::close(fd_);
   }
   int get() const { return fd_; }
+  int release() { return std::exchange(fd_, -1); }
   // Closes now; the system's error number, 0 when it went well.
   int close() {
     const int result = ::close(fd_);
@@ -170,12 +174,19 @@ void SafeSave::seal(int fd) {
 }
 
 void SafeSave::Text(const std::string& target, std::string_view content) {
-  const int fd = begin(target);
-  if (const int error = writeAll(fd, content)) {
-    ::close(fd);
-    throw SaveError(target, systemReason(error));
-  }
-  seal(fd);
+  Streamed(target, [content](const PieceWriter& write) { write(content); });
+}
+
+void SafeSave::Streamed(const std::string& target, const std::function<void(const PieceWriter&)>& produce) {
+  Descriptor file(begin(target));
+  off_t written = 0;
+  produce([&](std::string_view piece) {
+    if (const int error = writeAll(file.get(), piece)) throw SaveError(target, systemReason(error));
+    // The disk starts on this piece now; the flush before the rename waits only for the rest.
+    (void)::sync_file_range(file.get(), written, static_cast<off_t>(piece.size()), SYNC_FILE_RANGE_WRITE);
+    written += static_cast<off_t>(piece.size());
+  });
+  seal(file.release());
 }
 
 void SafeSave::Lines(const std::string& target, const std::vector<std::string>& lines) {
@@ -246,43 +257,119 @@ uint64_t AvailableMemory() {
   return available;
 }
 
-std::optional<std::string> ReadWholeFile(const std::string& path, std::string* reason) {
-  const auto refuse = [reason](std::string why) -> std::optional<std::string> {
+namespace {
+
+// A user's file opened for reading whole, and its size then; nothing and the reason when
+// it is not a regular file or cannot fit in the memory available.
+struct OpenedFile {
+  explicit OpenedFile(int fd) : file(fd) {}
+  Descriptor file;
+  uint64_t size = 0;
+  uint64_t room = 0;  // the most a text read from it may grow to
+};
+
+std::string tooLargeReason(uint64_t size, uint64_t available) {
+  return "too large: reading its " + sizeText(size) + " takes about " + sizeText(size * kMemoryPerFileByte) +
+         " of memory, and " + sizeText(available) + " is available";
+}
+
+std::unique_ptr<OpenedFile> openWhole(const std::string& path, std::string* reason) {
+  const auto refuse = [reason](std::string why) -> std::unique_ptr<OpenedFile> {
     if (reason) *reason = std::move(why);
-    return std::nullopt;
+    return nullptr;
   };
   // Opened without waiting, so that a pipe with no writer cannot hold the program; only
   // a regular file is then read.
-  Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-  if (file.get() < 0) return refuse(systemReason(errno));
+  auto opened = std::make_unique<OpenedFile>(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  const int fd = opened->file.get();
+  if (fd < 0) return refuse(systemReason(errno));
   struct stat st {};
-  if (::fstat(file.get(), &st) != 0) return refuse(systemReason(errno));
+  if (::fstat(fd, &st) != 0) return refuse(systemReason(errno));
   if (S_ISDIR(st.st_mode)) return refuse(systemReason(EISDIR));
   if (!S_ISREG(st.st_mode)) return refuse("not a regular file");
-  ::fcntl(file.get(), F_SETFL, ::fcntl(file.get(), F_GETFL) & ~O_NONBLOCK);
+  ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) & ~O_NONBLOCK);
+  const uint64_t available = AvailableMemory();
+  opened->size = static_cast<uint64_t>(st.st_size);
+  opened->room = available / kMemoryPerFileByte;
+  if (opened->size > opened->room) return refuse(tooLargeReason(opened->size, available));
+  return opened;
+}
 
-  const uint64_t room = AvailableMemory();
-  const auto tooLarge = [&room, &refuse](uint64_t size) {
-    return refuse("too large: reading its " + sizeText(size) + " takes about " +
-                  sizeText(size * kMemoryPerFileByte) + " of memory, and " + sizeText(room) + " is available");
-  };
-  const auto size = static_cast<uint64_t>(st.st_size);
-  if (size > room / kMemoryPerFileByte) return tooLarge(size);
-
-  std::string text;
-  // Sized once, so a large file is held only once while it is read.
-  ReserveLarge(text, static_cast<size_t>(size));
+// The rest of an opened file appended to `text`, to its end; the system's error number
+// (or EFBIG when it outgrows the room) on failure, 0 when it went well.
+int readToEnd(OpenedFile& opened, std::string& text) {
   char buffer[1 << 16];
   for (;;) {
-    const ssize_t count = ::read(file.get(), buffer, sizeof buffer);
+    const ssize_t count = ::read(opened.file.get(), buffer, sizeof buffer);
     if (count < 0) {
       if (errno == EINTR) continue;
-      return refuse(systemReason(errno));
+      return errno;
     }
-    if (count == 0) return text;
+    if (count == 0) return 0;
     text.append(buffer, static_cast<size_t>(count));
-    if (text.size() > room / kMemoryPerFileByte) return tooLarge(text.size());  // it grew while read
+    if (text.size() > opened.room) return EFBIG;  // it grew while read
   }
+}
+
+}  // namespace
+
+std::optional<std::string> ReadWholeFile(const std::string& path, std::string* reason) {
+  const std::unique_ptr<OpenedFile> opened = openWhole(path, reason);
+  if (!opened) return std::nullopt;
+  std::string text;
+  // Sized once, so a large file is held only once while it is read.
+  ReserveLarge(text, static_cast<size_t>(opened->size));
+  if (const int error = readToEnd(*opened, text)) {
+    if (reason) *reason = error == EFBIG ? tooLargeReason(text.size(), opened->room * kMemoryPerFileByte)
+                                         : systemReason(error);
+    return std::nullopt;
+  }
+  return text;
+}
+
+std::optional<FileBytes> ReadLargeFile(const std::string& path, std::string* reason) {
+  const std::unique_ptr<OpenedFile> opened = openWhole(path, reason);
+  if (!opened) return std::nullopt;
+  const auto size = static_cast<size_t>(opened->size);
+  FileBytes bytes;
+  bytes.bytes_.reset(new char[std::max<size_t>(size, 1)]);
+  AdviseLargeBuffer(bytes.bytes_.get(), size);
+  // Each part reads its share of the size the file had when opened.
+  const int parts = size >= (size_t{8} << 20) ? WorkPartCount() : 1;
+  std::vector<int> errors(static_cast<size_t>(parts));
+  std::vector<bool> whole(static_cast<size_t>(parts), true);
+  RunParts(parts, [&](int k) {
+    size_t at = size / parts * k;
+    const size_t end = k + 1 == parts ? size : size / parts * (k + 1);
+    while (at < end) {
+      const ssize_t count = ::pread(opened->file.get(), bytes.bytes_.get() + at, end - at, static_cast<off_t>(at));
+      if (count < 0 && errno == EINTR) continue;
+      if (count < 0) errors[k] = errno;
+      if (count <= 0) break;
+      at += static_cast<size_t>(count);
+    }
+    whole[k] = at == end;
+  });
+  for (const int error : errors) {
+    if (!error) continue;
+    if (reason) *reason = systemReason(error);
+    return std::nullopt;
+  }
+  char probe = 0;
+  const bool changed = std::find(whole.begin(), whole.end(), false) != whole.end() ||
+                       ::pread(opened->file.get(), &probe, 1, static_cast<off_t>(size)) != 0;
+  if (changed) {
+    // The file changed while it was read (or tells no size, as the system's own files):
+    // read as it is now, from its start to its end.
+    std::optional<std::string> text = ReadWholeFile(path, reason);
+    if (!text) return std::nullopt;
+    bytes.bytes_.reset(new char[std::max<size_t>(text->size(), 1)]);
+    std::copy(text->begin(), text->end(), bytes.bytes_.get());
+    bytes.size_ = text->size();
+    return bytes;
+  }
+  bytes.size_ = size;
+  return bytes;
 }
 
 std::vector<std::string> SplitLines(const std::string& text) {

@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -47,6 +48,11 @@ class SafeSave {
   ~SafeSave();
 
   void Text(const std::string& target, std::string_view content);  // the bytes as given
+  // A text made piece by piece: `produce` hands each piece to the writer it is given, in
+  // order (from any thread, one call at a time). Pieces written head for the disk while
+  // the next are made, so a large file is on the disk soon after its last piece.
+  using PieceWriter = std::function<void(std::string_view)>;
+  void Streamed(const std::string& target, const std::function<void(const PieceWriter&)>& produce);
   void Lines(const std::string& target, const std::vector<std::string>& lines);  // CR LF after each
   void Picture(const std::string& target, const Canvas& picture);
   // A file that another routine writes by name (a picture, a printed document): `write`
@@ -75,6 +81,19 @@ class SafeSave {
 // The whole file as bytes; nothing and the reason when it cannot be read: not a regular
 // file, a folder, no permission, or more than the memory available could hold.
 std::optional<std::string> ReadWholeFile(const std::string& path, std::string* reason = nullptr);
+
+// The same bytes held without the zero fill a string gives its memory first, and read on
+// every core at once: for files of many megabytes.
+class FileBytes {
+ public:
+  std::string_view text() const { return {bytes_.get(), size_}; }
+
+ private:
+  friend std::optional<FileBytes> ReadLargeFile(const std::string& path, std::string* reason);
+  std::unique_ptr<char[]> bytes_;
+  size_t size_ = 0;
+};
+std::optional<FileBytes> ReadLargeFile(const std::string& path, std::string* reason = nullptr);
 
 // The memory the program can still take, in bytes: what the system reports as available,
 // or what is left under the program's memory limit when that is less.

@@ -1,13 +1,23 @@
 #include "regression/CsvProblem.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
+#include <cerrno>
+#include <charconv>
 #include <cmath>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <limits>
 
 #include "platform/NumberText.h"
 #include "platform/RuntimeError.h"
+#include "platform/SafeFile.h"
+#include "platform/WorkParts.h"
 #include "regression/RegressionFile.h"
 
 namespace orvane {
@@ -67,6 +77,23 @@ std::string quotedWhenNeeded(const std::string& name) {
   return text + "\"";
 }
 
+// Calls `line` with each line of `text` (without its end), in order.
+template <typename Line>
+void forEachLine(std::string_view text, Line line) {
+  while (!text.empty()) {
+    const size_t end = text.find('\n');
+    std::string_view one = text.substr(0, end);
+    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+    if (!one.empty() && one.back() == '\r') one.remove_suffix(1);
+    line(one);
+  }
+}
+
+std::string_view withoutByteOrderMark(std::string_view text) {
+  if (text.substr(0, 3) == "\xEF\xBB\xBF") text.remove_prefix(3);
+  return text;
+}
+
 }  // namespace
 
 CsvHeader ReadCsvHeader(std::string_view line, const std::string& fileName, int lineNumber) {
@@ -113,41 +140,71 @@ void ReadCsvRecord(std::string_view line, const CsvHeader& header, std::vector<d
   }
 }
 
-RegressionProblem ParseCsvProblem(const std::string& fileName, const std::string& text) {
-  std::string_view rest(text);
-  if (rest.substr(0, 3) == "\xEF\xBB\xBF") rest.remove_prefix(3);  // a byte-order mark
+void CsvRecords::refuse(const std::string& expected) const {
+  throw RegressionFileError(fileName_, std::max(lineNumber_, 1), expected);
+}
 
-  CsvHeader header;
-  std::vector<double> values;  // set after set, each in the file's column order
-  std::vector<double> set;
-  RecordFields fields;
-  int lineNumber = 0;
-  while (!rest.empty()) {
-    ++lineNumber;
-    const size_t end = rest.find('\n');
-    std::string_view line = rest.substr(0, end);
-    rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
-    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-    if (trim(line).empty()) continue;
-    if (header.names.empty()) {
-      header = ReadCsvHeader(line, fileName, lineNumber);
-      continue;
+// A set of plain numbers, as tables of millions of sets hold them, read in one step:
+// true when every field was a bare number ending in a digit or a point, with blanks
+// around it, the fields split by the header's separator; false leaves the line to
+// ReadCsvRecord, which takes the same numbers from such a line.
+bool CsvRecords::readPlainSet(std::string_view line) {
+  const char separator = header_.separator;
+  const auto blank = [separator](char c) { return c != separator && isBlank(c); };
+  const char* p = line.data();
+  const char* const end = p + line.size();
+  const size_t columns = this->columns();
+  for (size_t j = 0; j < columns; ++j) {
+    while (p < end && blank(*p)) ++p;
+    const auto [stop, error] = std::from_chars(p, end, set_[j]);
+    if (error != std::errc() || !((stop[-1] >= '0' && stop[-1] <= '9') || stop[-1] == '.')) return false;
+    p = stop;
+    while (p < end && blank(*p)) ++p;
+    if (j + 1 < columns) {
+      if (p == end || *p != separator) return false;
+      ++p;
     }
-    const size_t columns = header.names.size();
-    if (RegressionProblem::tooLarge(static_cast<int32_t>(columns - 1), static_cast<int64_t>(values.size() / columns) + 1))
-      throw RegressionFileError(fileName, lineNumber, "no more data sets than the program can hold");
-    ReadCsvRecord(line, header, set, fields, fileName, lineNumber);
-    values.insert(values.end(), set.begin(), set.end());
   }
-  if (header.names.empty()) throw RegressionFileError(fileName, std::max(lineNumber, 1), "a header line naming the columns");
-  const size_t columns = header.names.size();
-  const size_t sets = values.size() / columns;
-  if (sets < 3) throw RegressionFileError(fileName, lineNumber, "at least 3 data sets, found " + std::to_string(sets));
+  return p == end;
+}
+
+bool CsvRecords::read(std::string_view line) {
+  ++lineNumber_;
+  if (lineNumber_ == 1) line = withoutByteOrderMark(line);
+  if (trim(line).empty()) return false;
+  if (header_.names.empty()) {
+    header_ = ReadCsvHeader(line, fileName_, lineNumber_);
+    set_.assign(columns(), 0.0);
+    return false;
+  }
+  if (readPlainSet(line)) return true;
+  ReadCsvRecord(line, header_, set_, fields_, fileName_, lineNumber_);
+  return true;
+}
+
+void CsvRecords::finish(int64_t sets) const {
+  if (header_.names.empty()) refuse("a header line naming the columns");
+  if (sets < 3) refuse("at least 3 data sets, found " + std::to_string(sets));
+}
+
+RegressionProblem ParseCsvProblem(const std::string& fileName, const std::string& text) {
+  CsvRecords records(fileName);
+  std::vector<double> values;  // set after set, each in the file's column order
+  int64_t sets = 0;
+  forEachLine(text, [&](std::string_view line) {
+    if (!records.read(line)) return;
+    if (RegressionProblem::tooLarge(static_cast<int32_t>(records.columns() - 1), sets + 1))
+      records.refuse("no more data sets than the program can hold");
+    values.insert(values.end(), records.set().begin(), records.set().end());
+    ++sets;
+  });
+  records.finish(sets);
 
   RegressionProblem p;
+  const size_t columns = records.columns();
   p.m = static_cast<int32_t>(columns - 1);
   p.N = static_cast<int32_t>(sets);
-  RenameColumns(p, std::move(header.names));
+  RenameColumns(p, records.header().names);
   p.dimensionData();
   for (int32_t i = 1; i <= p.N; ++i) {
     const double* row = &values[static_cast<size_t>(i - 1) * columns];
@@ -234,6 +291,128 @@ std::string CsvText(const RegressionProblem& p) {
     text += '\n';
   }
   return text;
+}
+
+CsvFileSets::CsvFileSets(std::string path, std::function<void()> betweenPieces)
+    : path_(std::move(path)), betweenPieces_(std::move(betweenPieces)) {
+  CsvRecords records(path_);
+  const int64_t sets = readSets(records, [](const std::vector<double>&) {});
+  records.finish(sets);
+  if (sets > std::numeric_limits<int32_t>::max()) records.refuse("no more data sets than the program can count");
+  columnNames_ = records.header().names;
+  n_ = static_cast<int32_t>(sets);
+}
+
+int64_t CsvFileSets::readSets(CsvRecords& records, const std::function<void(const std::vector<double>&)>& use) const {
+  // Opened without waiting, so that a pipe with no writer cannot hold the program.
+  const int fd = ::open(path_.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+  if (fd < 0) throw RegressionFileError("Cannot read the file " + path_ + ": " + std::strerror(errno));
+  const struct Closing {
+    int fd;
+    ~Closing() { ::close(fd); }
+  } closing{fd};
+  // A regular file only, as every reader takes: a pipe or a device is refused unread.
+  const auto refuse = [this](const std::string& reason) {
+    throw RegressionFileError("Cannot read the file " + path_ + ": " + reason);
+  };
+  struct stat st {};
+  if (::fstat(fd, &st) != 0) refuse(std::strerror(errno));
+  if (S_ISDIR(st.st_mode)) refuse(std::strerror(EISDIR));
+  if (!S_ISREG(st.st_mode)) refuse("not a regular file");
+  ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) & ~O_NONBLOCK);
+  // The file in pieces of a few megabytes; a line cut by a piece's end is kept for the next.
+  constexpr size_t kPiece = size_t{4} << 20;
+  std::string piece;  // grown only for a line longer than a piece
+  size_t filled = 0;
+  int64_t sets = 0;
+  for (;;) {
+    if (piece.size() < filled + kPiece) piece.resize(filled + kPiece);
+    ssize_t count = 0;
+    do count = ::read(fd, piece.data() + filled, kPiece);
+    while (count < 0 && errno == EINTR);
+    if (count < 0) throw RegressionFileError("Cannot read the file " + path_ + ": " + std::strerror(errno));
+    if (count == 0) break;
+    filled += static_cast<size_t>(count);
+    const size_t lastEnd = std::string_view(piece.data(), filled).rfind('\n');
+    if (lastEnd == std::string::npos) continue;
+    sets += readLines(std::string_view(piece.data(), lastEnd + 1), records, use);
+    filled -= lastEnd + 1;
+    std::memmove(piece.data(), piece.data() + lastEnd + 1, filled);
+    betweenPieces_();
+  }
+  return sets + readLines(std::string_view(piece.data(), filled), records, use);
+}
+
+int64_t CsvFileSets::readLines(std::string_view lines, CsvRecords& records,
+                               const std::function<void(const std::vector<double>&)>& use) const {
+  int64_t sets = 0;
+  const auto readAll = [&](std::string_view text) {
+    forEachLine(text, [&](std::string_view line) {
+      if (!records.read(line)) return;
+      use(records.set());
+      ++sets;
+    });
+  };
+  // Once the header is known, the second half of a large piece is read by a copy of the
+  // reader on another core, its sets kept until the first half's have been handed on.
+  // A fault there is left for this reader to meet again, with its own line numbers.
+  const size_t middle = lines.find('\n', lines.size() / 2) + 1;
+  if (records.columns() == 0 || lines.size() < (size_t{1} << 20) || WorkPartCount() < 2 || middle == 0 ||
+      middle >= lines.size()) {
+    readAll(lines);
+    return sets;
+  }
+  CsvRecords copy = records;
+  const int startLine = copy.lineNumber();
+  std::vector<double> secondSets;
+  bool secondRead = false;
+  RunParts(2, [&](int part) {
+    if (part == 0) {
+      readAll(lines.substr(0, middle));
+      return;
+    }
+    try {
+      forEachLine(lines.substr(middle), [&](std::string_view line) {
+        if (copy.read(line)) secondSets.insert(secondSets.end(), copy.set().begin(), copy.set().end());
+      });
+      secondRead = true;
+    } catch (const RegressionFileError&) {
+    }
+  });
+  if (!secondRead) {
+    readAll(lines.substr(middle));
+    return sets;
+  }
+  records.skipLines(copy.lineNumber() - startLine);
+  const size_t width = records.columns();
+  std::vector<double> set(width);
+  for (size_t at = 0; at < secondSets.size(); at += width) {
+    std::copy_n(secondSets.begin() + static_cast<std::ptrdiff_t>(at), width, set.begin());
+    use(set);
+    ++sets;
+  }
+  return sets;
+}
+
+void CsvFileSets::forEachRun(int size, const std::function<void(const SetRun&)>& use) const {
+  const int width = m() + 2;
+  std::vector<double> values(static_cast<size_t>(width) * static_cast<size_t>(size));
+  std::fill_n(values.begin(), size, 1.0);  // column 0, the constant term
+  SetRun run;
+  for (int j = 0; j < width; ++j) run.columns.push_back(values.data() + static_cast<size_t>(j) * size);
+  const auto column = [&](int j) { return values.data() + static_cast<size_t>(j) * size; };
+  CsvRecords records(path_);
+  const int64_t sets = readSets(records, [&](const std::vector<double>& set) {
+    for (int j = 1; j < width - 1; ++j) column(j)[run.count] = set[static_cast<size_t>(j)];
+    column(width - 1)[run.count] = set[0];
+    if (++run.count < size) return;
+    use(run);
+    run.first += run.count;
+    run.count = 0;
+  });
+  if (sets != n_ || records.columns() != static_cast<size_t>(width - 1))
+    throw RegressionFileError("The file " + path_ + " changed while it was read.");
+  if (run.count > 0) use(run);
 }
 
 }  // namespace orvane

@@ -29,38 +29,35 @@ using Quiet = boost::math::policies::policy<
 using StudentsT = boost::math::students_t_distribution<double, Quiet>;
 using FisherF = boost::math::fisher_f_distribution<double, Quiet>;
 
-// The problem's columns as contiguous runs over the sets 1..N.
-struct Columns {
-  int n = 0, m = 0;
-  std::vector<const double*> x;  // x[j] for j = 1..m (x[0] unused)
-  const double* y = nullptr;
-
-  explicit Columns(const RegressionProblem& p) : n(p.N), m(p.m), x(static_cast<size_t>(p.m) + 1) {
-    for (int j = 1; j <= m; ++j) x[j] = p.X.column(j) + 1;
-    y = p.X.column(m + 1) + 1;
-  }
-
-  bool allFinite() const {
-    for (int j = 1; j <= m + 1; ++j) {
-      const double* v = j <= m ? x[j] : y;
-      for (int i = 0; i < n; ++i)
-        if (!std::isfinite(v[i])) return false;
+// Four running sums side by side, fed the terms of sets 0..n-1 in order: term i goes to
+// sum i % 4, but the last n % 4 terms to the first sum. The order of every sum is fixed,
+// so the result is the same on every run, however the terms arrive.
+class Sum4 {
+ public:
+  explicit Sum4(int n) : lanes_(n - n % 4) {}
+  // The terms of sets first .. first + count - 1, term(k) for k = 0 .. count - 1.
+  template <typename Term>
+  void add(int first, int count, Term term) {
+    const int inLanes = std::clamp(lanes_ - first, 0, count);
+    int k = 0;
+    for (; k < inLanes && ((first + k) & 3) != 0; ++k) s_[(first + k) & 3] += term(k);
+    double s0 = s_[0], s1 = s_[1], s2 = s_[2], s3 = s_[3];  // where the loop keeps them
+    for (; k + 4 <= inLanes; k += 4) {
+      s0 += term(k);
+      s1 += term(k + 1);
+      s2 += term(k + 2);
+      s3 += term(k + 3);
     }
-    return true;
+    s_[0] = s0, s_[1] = s1, s_[2] = s2, s_[3] = s3;
+    for (; k < inLanes; ++k) s_[(first + k) & 3] += term(k);
+    for (; k < count; ++k) s_[0] += term(k);
   }
-};
+  double total() const { return (s_[0] + s_[1]) + (s_[2] + s_[3]); }
 
-// Four running sums side by side: the additions overlap, and the order of every sum is
-// fixed, so the result is the same on every run.
-template <typename Term>
-double sum4(int n, Term term) {
-  double s[4] = {0, 0, 0, 0};
-  int i = 0;
-  for (; i + 4 <= n; i += 4)
-    for (int k = 0; k < 4; ++k) s[k] += term(i + k);
-  for (; i < n; ++i) s[0] += term(i);
-  return (s[0] + s[1]) + (s[2] + s[3]);
-}
+ private:
+  int lanes_;
+  double s_[4] = {0, 0, 0, 0};
+};
 
 // A column's mean to about the last bit (the plain mean corrected by the mean
 // deviation from it) and a power of two near its largest deviation, by which the
@@ -70,32 +67,82 @@ struct ColumnCentre {
   double scale = 1;
 };
 
-ColumnCentre centreOf(const double* v, int n) {
-  const double rough = sum4(n, [v](int i) { return v[i]; }) / n;
-  double largest = 0;
-  const double correction = sum4(n, [&](int i) {
-    const double d = v[i] - rough;
-    largest = std::max(largest, std::fabs(d));
-    return d;
+// What a first pass over the sets tells: whether every value is finite, each column's
+// plain mean (x1..xm, then y) and Σy².
+struct FirstPass {
+  bool finite = true;
+  std::vector<double> rough;
+  double yy = 0;
+};
+
+constexpr int kRun = 256;  // sets per run of the residual passes, whose sums it orders
+// Sets per run of the passes whose sums do not depend on the runs: long runs of each
+// column, read straight through.
+constexpr int kLongRun = 1 << 16;
+
+FirstPass firstPass(const DataSets& sets) {
+  const int n = sets.N(), m = sets.m();
+  std::vector<Sum4> sums(static_cast<size_t>(m) + 1, Sum4(n));
+  Sum4 squares(n);
+  FirstPass pass;
+  sets.forEachRun(kLongRun, [&](const SetRun& run) {
+    for (int j = 1; j <= m + 1; ++j) {
+      const double* v = run.column(j);
+      bool finite = true;
+      for (int k = 0; k < run.count; ++k) finite &= std::isfinite(v[k]);
+      pass.finite = pass.finite && finite;
+      sums[static_cast<size_t>(j) - 1].add(run.first - 1, run.count, [v](int k) { return v[k]; });
+    }
+    const double* y = run.column(m + 1);
+    squares.add(run.first - 1, run.count, [y](int k) { return y[k] * y[k]; });
   });
-  int exponent = 0;
-  std::frexp(largest, &exponent);
-  return {rough + correction / n, largest > 0 && std::isfinite(largest) ? std::ldexp(1.0, exponent) : 0.0};
+  for (const Sum4& sum : sums) pass.rough.push_back(sum.total() / n);
+  pass.yy = squares.total();
+  return pass;
+}
+
+// Each column's centre: its plain mean corrected by the sum of the deviations from it.
+std::vector<ColumnCentre> centresOf(const DataSets& sets, const std::vector<double>& rough) {
+  const int n = sets.N(), m = sets.m();
+  std::vector<Sum4> corrections(static_cast<size_t>(m) + 1, Sum4(n));
+  std::vector<double> largest(static_cast<size_t>(m) + 1, 0.0);
+  sets.forEachRun(kLongRun, [&](const SetRun& run) {
+    for (int j = 1; j <= m + 1; ++j) {
+      const size_t c = static_cast<size_t>(j) - 1;
+      const double* v = run.column(j);
+      const double mean = rough[c];
+      double most = largest[c];
+      corrections[c].add(run.first - 1, run.count, [&](int k) {
+        const double d = v[k] - mean;
+        most = std::max(most, std::fabs(d));
+        return d;
+      });
+      largest[c] = most;
+    }
+  });
+  std::vector<ColumnCentre> centres;
+  for (size_t c = 0; c < rough.size(); ++c) {
+    int exponent = 0;
+    std::frexp(largest[c], &exponent);
+    centres.push_back({rough[c] + corrections[c].total() / n,
+                       largest[c] > 0 && std::isfinite(largest[c]) ? std::ldexp(1.0, exponent) : 0.0});
+  }
+  return centres;
 }
 
 // The triangular factor of [x1 - μ1 ... xm - μm | y - ȳ], each column divided by its
-// power of two, by Householder QR over blocks of sets: each block is stacked under the
+// power of two, by Householder QR over runs of sets: each run is stacked under the
 // factor so far and the stack factorised again. The data are read once, and nothing of
 // the size of the data is written.
-MatrixXd stackedFactor(const Columns& c, const std::vector<ColumnCentre>& centres) {
-  const int p = c.m + 1;
-  const int kBlock = std::max(2048, 4 * p);  // the stacked factor a small part of each block
+MatrixXd stackedFactor(const DataSets& sets, const std::vector<ColumnCentre>& centres) {
+  const int p = sets.m() + 1;
+  const int kBlock = std::max(2048, 4 * p);  // the stacked factor a small part of each run
   MatrixXd W(kBlock + p, p);
   int kept = 0;  // rows of the factor so far, on top of W
-  for (int first = 0; first < c.n; first += kBlock) {
-    const int count = std::min(kBlock, c.n - first);
+  sets.forEachRun(kBlock, [&](const SetRun& run) {
+    const int count = run.count;
     for (int j = 0; j < p; ++j) {
-      const double* v = (j < c.m ? c.x[j + 1] : c.y) + first;
+      const double* v = run.column(j + 1);
       const double mu = centres[j].mean, inverse = 1 / centres[j].scale;
       double* w = W.col(j).data() + kept;
       for (int k = 0; k < count; ++k) w[k] = (v[k] - mu) * inverse;
@@ -104,7 +151,7 @@ MatrixXd stackedFactor(const Columns& c, const std::vector<ColumnCentre>& centre
     Eigen::HouseholderQR<Eigen::Ref<MatrixXd>> qr(stack);
     kept = std::min(kept + count, p);
     W.topRows(kept).triangularView<Eigen::StrictlyLower>().setZero();
-  }
+  });
   MatrixXd R = MatrixXd::Zero(p, p);
   R.topRows(kept) = W.topRows(kept);
   return R;
@@ -123,17 +170,16 @@ struct CentredFactor {
   std::vector<double> slopes;  // the factor's solution for B1..Bm
   bool determined = false;
 
-  explicit CentredFactor(const Columns& c) {
-    const int m = c.m;
-    std::vector<ColumnCentre> centres;
-    for (int j = 1; j <= m + 1; ++j) centres.push_back(centreOf(j <= m ? c.x[j] : c.y, c.n));
+  CentredFactor(const DataSets& sets, const FirstPass& first) {
+    const int m = sets.m();
+    std::vector<ColumnCentre> centres = centresOf(sets, first.rough);
     ybar = centres[m].mean;
     if (!(centres[m].scale > 0)) centres[m].scale = 1;  // the given values all equal
     for (int j = 0; j < m; ++j) means.push_back(centres[j].mean);
     // A constant variable repeats the constant term.
     const auto constant = [](const ColumnCentre& k) { return !(k.scale > 0); };
-    if (c.n <= m || std::any_of(centres.begin(), centres.end() - 1, constant)) return;
-    const MatrixXd R = stackedFactor(c, centres);
+    if (sets.N() <= m || std::any_of(centres.begin(), centres.end() - 1, constant)) return;
+    const MatrixXd R = stackedFactor(sets, centres);
     Rz = R.topLeftCorner(m, m);
     for (int j = 0; j < m; ++j) {
       const double length = Rz.col(j).norm();
@@ -170,23 +216,23 @@ struct ResidualPass {
   std::vector<Real> gradient;            // Σ (xj - μj)·r for j = 1..m (index j - 1)
 };
 
-ResidualPass residualPass(const Columns& c, const std::vector<Real>& B, const std::vector<double>& means,
+ResidualPass residualPass(const DataSets& sets, const std::vector<Real>& B, const std::vector<double>& means,
                           double ybar) {
-  constexpr int kBlock = 256;
-  Real r[kBlock];
+  const int m = sets.m();
   ResidualPass pass;
-  pass.gradient.assign(static_cast<size_t>(c.m), 0);
-  for (int first = 0; first < c.n; first += kBlock) {
-    const int count = std::min(kBlock, c.n - first);
-    const double* y = c.y + first;
+  pass.gradient.assign(static_cast<size_t>(m), 0);
+  sets.forEachRun(kRun, [&](const SetRun& run) {
+    Real r[kRun];
+    const int count = run.count;
+    const double* y = run.column(m + 1);
     for (int k = 0; k < count; ++k) r[k] = y[k] - B[0];
-    for (int j = 1; j <= c.m; ++j) {
-      const double* x = c.x[j] + first;
+    for (int j = 1; j <= m; ++j) {
+      const double* x = run.column(j);
       const Real b = B[j];
       for (int k = 0; k < count; ++k) r[k] -= x[k] * b;
     }
-    for (int j = 1; j <= c.m; ++j) {
-      const double* x = c.x[j] + first;
+    for (int j = 1; j <= m; ++j) {
+      const double* x = run.column(j);
       const Real mu = means[j - 1];
       Real even = 0, odd = 0;
       int k = 0;
@@ -197,23 +243,26 @@ ResidualPass residualPass(const Columns& c, const std::vector<Real>& B, const st
       if (k < count) even += (x[k] - mu) * r[k];
       pass.gradient[j - 1] += even + odd;
     }
+    // The running sums held where the loop keeps them, in the same order.
+    Real sum = pass.sum, squares = pass.squares, explainedSum = pass.explainedSum, explainedSquares = pass.explained;
     for (int k = 0; k < count; ++k) {
-      pass.sum += r[k];
-      pass.squares += r[k] * r[k];
+      sum += r[k];
+      squares += r[k] * r[k];
       const Real explained = (y[k] - Real(ybar)) - r[k];
-      pass.explainedSum += explained;
-      pass.explained += explained * explained;
+      explainedSum += explained;
+      explainedSquares += explained * explained;
     }
-  }
+    pass.sum = sum, pass.squares = squares, pass.explainedSum = explainedSum, pass.explained = explainedSquares;
+  });
   return pass;
 }
 
-ReferenceSolution solveReference(const Columns& c, CentredFactor& f) {
+ReferenceSolution solveReference(const DataSets& sets, CentredFactor& f) {
   constexpr int kMostSteps = 6;
   // A correction this small relative to its coefficient changes nothing the summary
   // shows (digits are counted to 15), and the residual sums of the B before it stand.
   constexpr double kSettled = 1e-16;
-  const int n = c.n, m = c.m;
+  const int n = sets.N(), m = sets.m();
   ReferenceSolution s;
   s.B.assign(static_cast<size_t>(m) + 1, 0);
   s.uncertainty.assign(static_cast<size_t>(m) + 1, 0);
@@ -234,7 +283,7 @@ ReferenceSolution solveReference(const Columns& c, CentredFactor& f) {
   double previous = std::numeric_limits<double>::infinity();
   bool last = false;  // the pass about to run is for the final B
   for (int step = 0;; ++step) {
-    const ResidualPass pass = residualPass(c, s.B, f.means, ybar);
+    const ResidualPass pass = residualPass(sets, s.B, f.means, ybar);
     const Real rbar = pass.sum / n;
     s.residualSquares = pass.squares - pass.sum * rbar;
     s.explainedSquares = pass.explained + 2 * rbar * pass.explainedSum + n * rbar * rbar;
@@ -280,14 +329,13 @@ ReferenceSolution solveReference(const Columns& c, CentredFactor& f) {
 // min over j of -log10(|A(j) - B(j)| / |B(j)|), within 0..15. Neither the listing nor
 // the reference can be held to more than the reference's own uncertainty; a coefficient
 // whose term is below the rounding of the given values counts against that size.
-double digitsTrusted(const std::vector<double>& A, const ReferenceSolution& ref, const Columns& c,
+double digitsTrusted(const std::vector<double>& A, const ReferenceSolution& ref, int n, int m, double yy,
                      const CentredFactor& f) {
-  const double yy = sum4(c.n, [y = c.y](int i) { return y[i] * y[i]; });
   double digits = kMostDigits;
-  for (int j = 0; j <= c.m; ++j) {
+  for (int j = 0; j <= m; ++j) {
     const double b = static_cast<double>(ref.B[j]);
-    const double length = j == 0 ? std::sqrt(double(c.n))
-                                 : std::hypot(f.scales[j - 1], std::sqrt(double(c.n)) * f.means[j - 1]);
+    const double length = j == 0 ? std::sqrt(double(n))
+                                 : std::hypot(f.scales[j - 1], std::sqrt(double(n)) * f.means[j - 1]);
     const double negligible = kEpsilon * std::sqrt(yy) / length;
     const double miss = std::max(static_cast<double>(std::fabs(Real(A[j]) - ref.B[j])), ref.uncertainty[j]);
     if (miss == 0) continue;
@@ -300,9 +348,8 @@ double digitsTrusted(const std::vector<double>& A, const ReferenceSolution& ref,
 // The condition number of the design [1 x1 ... xm] with each column scaled to length 1,
 // from the factor of the centred columns: [1 | Xc] = [1/√N | Q]·diag(√N, Rz·S), and
 // X = [1 | Xc]·T with T adding the means back.
-double conditionNumber(const Columns& c, const CentredFactor& f) {
-  const int m = c.m;
-  const double rootN = std::sqrt(double(c.n));
+double conditionNumber(int n, int m, const CentredFactor& f) {
+  const double rootN = std::sqrt(double(n));
   MatrixXd M = MatrixXd::Zero(m + 1, m + 1);
   M(0, 0) = 1;
   for (int j = 1; j <= m; ++j) {
@@ -353,6 +400,17 @@ void fillTests(FitSummary& s) {
   s.fPValue = std::isinf(F) ? 0 : (std::isnan(F) || df <= 0 ? kNaN : cdf(complement(FisherF(s.m, df), F)));
 }
 
+// N, m and the listed estimates, the rest to be filled.
+FitSummary summaryHead(const std::vector<double>& A, int n, int m) {
+  FitSummary s;
+  s.N = n;
+  s.m = m;
+  s.dfResidual = int64_t{n} - m - 1;
+  s.coefficients.resize(static_cast<size_t>(m) + 1);
+  for (int j = 0; j <= m; ++j) s.coefficients[j].estimate = A.at(j);
+  return s;
+}
+
 void markUndetermined(FitSummary& s) {
   s.determined = false;
   for (CoefficientStatistics& c : s.coefficients) c.stdError = c.t = c.p = c.low = c.high = kNaN;
@@ -365,36 +423,44 @@ void markUndetermined(FitSummary& s) {
 }  // namespace
 
 FitSummary SummarizeFit(const RegressionProblem& problem) {
-  FitSummary s;
-  s.N = problem.N;
-  s.m = problem.m;
-  s.dfResidual = int64_t{problem.N} - problem.m - 1;
-  s.coefficients.resize(static_cast<size_t>(problem.m) + 1);
-  for (int j = 0; j <= problem.m; ++j) s.coefficients[j].estimate = problem.A.at(j);
-
-  const Columns c(problem);
-  if (c.n < 2 || c.m < 1 || problem.X.lastRow() < c.n || !c.allFinite()) {
+  if (problem.X.lastRow() < problem.N || problem.X.lastColumn() < problem.m + 1) {
+    FitSummary s = summaryHead(problem.A, problem.N, problem.m);
     markUndetermined(s);
     return s;
   }
-  CentredFactor f(c);
+  return SummarizeFit(MatrixSets(problem), problem.A);
+}
+
+FitSummary SummarizeFit(const DataSets& sets, const std::vector<double>& A) {
+  const int n = sets.N(), m = sets.m();
+  FitSummary s = summaryHead(A, n, m);
+  if (n < 2 || m < 1) {
+    markUndetermined(s);
+    return s;
+  }
+  const FirstPass first = firstPass(sets);
+  if (!first.finite) {
+    markUndetermined(s);
+    return s;
+  }
+  CentredFactor f(sets, first);
   if (!f.determined) {
     markUndetermined(s);
     return s;
   }
-  const ReferenceSolution ref = solveReference(c, f);
+  const ReferenceSolution ref = solveReference(sets, f);
   s.determined = true;
   const double rss = static_cast<double>(ref.residualSquares);
   const double mss = static_cast<double>(ref.explainedSquares);
   const double df = static_cast<double>(s.dfResidual);
   s.rSquared = mss / (mss + rss);
-  s.adjustedRSquared = 1 - (1 - s.rSquared) * ((c.n - 1) / df);
+  s.adjustedRSquared = 1 - (1 - s.rSquared) * ((n - 1) / df);
   s.residualStandardError = df > 0 ? std::sqrt(rss / df) : kNaN;
   s.fStatistic = df > 0 ? (mss / s.m) / (rss / df) : kNaN;
-  fillVariances(s, f, c.n);
+  fillVariances(s, f, n);
   fillTests(s);
-  s.conditionNumber = conditionNumber(c, f);
-  s.digitsTrusted = digitsTrusted(problem.A, ref, c, f);
+  s.conditionNumber = conditionNumber(n, m, f);
+  s.digitsTrusted = digitsTrusted(A, ref, n, m, first.yy, f);
   return s;
 }
 

@@ -16,6 +16,7 @@
 #include <string>
 #include <vector>
 
+#include "regression/DataSets.h"
 #include "regression/RegressionProblem.h"
 
 namespace orvane {
@@ -57,6 +58,8 @@ struct FitSummary {
 // N below 2 or a matrix the memory cannot take is std::bad_alloc or an undetermined
 // summary, never a crash.
 FitSummary SummarizeFit(const RegressionProblem& problem);
+// The same of `sets` read pass by pass, with the listed coefficients A(0)..A(m).
+FitSummary SummarizeFit(const DataSets& sets, const std::vector<double>& A);
 
 // Digits trusted below this are worth a warning beside the listing.
 constexpr double kDigitsWorthAWarning = 6;

@@ -1,7 +1,11 @@
 #include "regression/RegressionFile.h"
 
 #include <algorithm>
+#include <atomic>
+#include <charconv>
 #include <cmath>
+#include <cstring>
+#include <mutex>
 #include <string_view>
 
 #include "platform/LargeBuffer.h"
@@ -9,6 +13,7 @@
 #include "platform/RecordLine.h"
 #include "platform/RuntimeError.h"
 #include "platform/SafeFile.h"
+#include "platform/WorkParts.h"
 
 namespace orvane {
 namespace {
@@ -42,9 +47,89 @@ std::string_view trim(std::string_view text) {
   return text;
 }
 
+bool parseNumber(std::string_view text, double& result) {
+  try {
+    result = parseStrict(text);
+    return true;
+  } catch (const RuntimeError&) {
+    return false;
+  }
+}
+
+// A value line's number: false when the line (without its end) holds none.
+bool valueOfLine(std::string_view line, double& result, RecordFields& fields) {
+  if (line.find_first_of("\",") == std::string_view::npos)  // the usual bare number
+    return parseNumber(trim(line), result);
+  return SplitRecord(line, 1, fields) && fields.count == 1 && parseNumber(fields.kept[0], result);
+}
+
+// Data files of this size and more are read in parts at once.
+constexpr size_t kPartedBytes = size_t{1} << 20;
+
+// Lines in a text: its line ends, and a last line without one. Eight bytes at a time:
+// a byte of the word is a line end where it is zero once the word is xored with line ends.
+size_t countLines(std::string_view text) {
+  constexpr uint64_t kEnds = 0x0A0A0A0A0A0A0A0Aull, kLow7 = 0x7F7F7F7F7F7F7F7Full;
+  size_t ends = 0, at = 0;
+  for (; at + 8 <= text.size(); at += 8) {
+    uint64_t word;
+    std::memcpy(&word, text.data() + at, 8);
+    word ^= kEnds;
+    // 1 in each byte that is zero, then the bytes summed by a multiplication.
+    const uint64_t zeros = (~(((word & kLow7) + kLow7) | word | kLow7)) >> 7;
+    ends += static_cast<size_t>((zeros * 0x0101010101010101ull) >> 56);
+  }
+  ends += static_cast<size_t>(std::count(text.begin() + static_cast<std::ptrdiff_t>(at), text.end(), '\n'));
+  return ends + (!text.empty() && text.back() != '\n' ? 1 : 0);
+}
+
+// Where `count` value lines from `at` end, or the first of them (counted from 0) that
+// holds no number.
+struct ValueRun {
+  size_t end = 0;
+  size_t bad = std::string_view::npos;
+};
+
+// Reads `count` value lines of `text` from `at`, handing each number to `store` in
+// order. A line that is a bare number in the file's own form (a blank before it or a
+// minus sign) is read in one step, its end found where the number stops; any other line
+// is read as valueOfLine reads it, so both ways take and refuse the same lines.
+template <typename Store>
+ValueRun readValueLines(std::string_view text, size_t at, size_t count, Store store) {
+  const char* p = text.data() + at;
+  const char* const end = text.data() + text.size();
+  RecordFields fields;
+  for (size_t k = 0; k < count; ++k) {
+    double value = 0;
+    const char* s = p;
+    while (s < end && isBlank(*s)) ++s;
+    const auto [stop, error] = std::from_chars(s, end, value);
+    // A number ends in a digit or a point; "inf" and "nan" are no numbers here.
+    if (error == std::errc() && ((stop[-1] >= '0' && stop[-1] <= '9') || stop[-1] == '.')) {
+      if (stop == end || *stop == '\n') {
+        p = stop == end ? end : stop + 1;
+        store(value);
+        continue;
+      }
+      if (*stop == '\r' && stop + 1 < end && stop[1] == '\n') {
+        p = stop + 2;
+        store(value);
+        continue;
+      }
+    }
+    const auto* lineEnd = static_cast<const char*>(std::memchr(p, '\n', static_cast<size_t>(end - p)));
+    std::string_view line(p, static_cast<size_t>((lineEnd ? lineEnd : end) - p));
+    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+    if (!valueOfLine(line, value, fields)) return {static_cast<size_t>(p - text.data()), k};
+    p = lineEnd ? lineEnd + 1 : end;
+    store(value);
+  }
+  return {static_cast<size_t>(p - text.data())};
+}
+
 // Reads one file line by line, each line as the fields of one record; every failure
-// names the file, the line and what the line should have held. Lines are taken from the
-// text as they are reached, so a file of millions of values costs no more than its text.
+// names the file, the line and what the line should have held. The data sets' value
+// lines, millions of them, are read past it (readDataValues), in parts at once.
 class LineReader {
  public:
   LineReader(std::string file, std::string_view text) : file_(std::move(file)), text_(text) {}
@@ -74,30 +159,20 @@ class LineReader {
     return field(expected);
   }
 
-  // A value line: one number. The description is made only when the line is wrong.
-  template <typename Describe>
-  double value(Describe describe) {
-    const std::string_view line = nextLine({}, describe);
-    double result = 0;
-    if (line.find_first_of("\",") == std::string_view::npos) {  // the usual bare number
-      if (!parse(trim(line), result)) fail(describe());
-      return result;
-    }
-    if (!SplitRecord(line, 1, fields_) || fields_.count != 1 || !parse(fields_.kept[0], result)) fail(describe());
-    return result;
+  // The text not yet read, and going on after `lines` lines of it that end at `offset`
+  // (read by other means).
+  std::string_view rest() const { return text_.substr(pos_); }
+  void skip(size_t offset, size_t lines) {
+    pos_ += offset;
+    current_ += static_cast<int>(lines);
   }
-
-  // How many lines are left to read.
-  size_t remaining() const {
-    const std::string_view rest = text_.substr(pos_);
-    const auto ends = static_cast<size_t>(std::count(rest.begin(), rest.end(), '\n'));
-    return ends + (!rest.empty() && rest.back() != '\n' ? 1 : 0);
+  [[noreturn]] void failAt(size_t linesAhead, const std::string& expected) const {
+    throw RegressionFileError(file_, current_ + static_cast<int>(linesAhead), expected);
   }
-  int lineNumber() const { return current_; }
 
   double number(const std::string& text, const std::string& expected) const {
     double result = 0;
-    if (!parse(text, result)) fail(expected);
+    if (!parseNumber(text, result)) fail(expected);
     return result;
   }
   int32_t count(const std::string& text, int32_t least, const std::string& expected) const {
@@ -122,31 +197,16 @@ class LineReader {
  private:
   bool atEnd() const { return pos_ >= text_.size(); }
 
-  // The next line without its end; `expected` (or the description) names what is
-  // missing when the file ends first.
+  // The next line without its end; `expected` names what is missing when the file ends
+  // first.
   std::string_view nextLine(const std::string& expected) {
-    return nextLine(expected, [] { return std::string(); });
-  }
-  template <typename Describe>
-  std::string_view nextLine(const std::string& expected, Describe describe) {
     ++current_;
-    if (atEnd()) fail((expected.empty() ? describe() : expected) + " (the file ends before it)");
-    // Value lines are a dozen characters: a plain scan beats a library call per line.
-    size_t end = pos_;
-    while (end < text_.size() && text_[end] != '\n') ++end;
+    if (atEnd()) fail(expected + " (the file ends before it)");
+    const size_t end = std::min(text_.find('\n', pos_), text_.size());
     std::string_view line = text_.substr(pos_, end - pos_);
     if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
     pos_ = std::min(end + 1, text_.size());  // a last line may have no end
     return line;
-  }
-
-  static bool parse(std::string_view text, double& result) {
-    try {
-      result = parseStrict(text);
-      return true;
-    } catch (const RuntimeError&) {
-      return false;
-    }
   }
 
   std::string file_;
@@ -155,6 +215,58 @@ class LineReader {
   size_t pos_ = 0;
   int current_ = 0;
 };
+
+// The N x (m + 1) value lines after the data file's counts, into X. A large file is read
+// in parts at once, split at line ends; each part stops at its first bad line, and the
+// first of those in the file is the one reported, as reading from the start would.
+void readDataValues(RegressionProblem& p, LineReader& data) {
+  const std::string_view text = data.rest();
+  const int parts = text.size() >= kPartedBytes ? WorkPartCount() : 1;
+  std::vector<size_t> bounds{0};  // each part's first byte, then the end
+  for (int k = 1; k < parts; ++k) {
+    const size_t middle = std::max(bounds.back(), text.size() / parts * k);
+    const size_t lineEnd = text.find('\n', middle);
+    bounds.push_back(lineEnd == std::string_view::npos ? text.size() : lineEnd + 1);
+  }
+  bounds.push_back(text.size());
+  std::vector<size_t> lines(static_cast<size_t>(parts));
+  RunParts(parts, [&](int k) { lines[k] = countLines(text.substr(bounds[k], bounds[k + 1] - bounds[k])); });
+
+  // Everything must be there before the matrix is made, so a short or absurd file
+  // costs no memory.
+  const int width = p.m + 1;
+  const auto values = static_cast<size_t>(int64_t{p.N} * width);
+  std::vector<size_t> firstLine{0};  // of each part, counted from the first value line
+  for (int k = 0; k < parts; ++k) firstLine.push_back(firstLine.back() + lines[k]);
+  if (firstLine.back() < values) {
+    const auto have = static_cast<int64_t>(firstLine.back());
+    data.failAt(static_cast<size_t>(have) + 1, "value " + std::to_string(have % width + 1) + " of data set " +
+                                                   std::to_string(have / width + 1) + " (the file ends before it)");
+  }
+  p.dimensionData();
+  std::vector<double*> columns(static_cast<size_t>(width) + 1);
+  for (int j = 1; j <= width; ++j) columns[j] = p.X.column(j);
+  std::vector<ValueRun> runs(static_cast<size_t>(parts));
+  RunParts(parts, [&](int k) {
+    const size_t first = std::min(firstLine[k], values);
+    const size_t count = std::min(firstLine[k + 1], values) - first;
+    int j = static_cast<int>(first % width) + 1, i = static_cast<int>(first / width) + 1;
+    runs[k] = readValueLines(text, bounds[k], count, [&](double value) {
+      columns[j][i] = value;
+      if (++j > width) j = 1, ++i;
+    });
+  });
+  for (int k = 0; k < parts; ++k) {
+    if (runs[k].bad == std::string_view::npos) continue;
+    const size_t line = firstLine[k] + runs[k].bad;
+    const size_t i = line / width + 1, j = line % width + 1;
+    data.failAt(line + 1, "the value of " + (static_cast<int>(j) <= p.m ? p.names[j - 1] : p.dependentName) +
+                              " in data set " + std::to_string(i));
+  }
+  // The lines after the values: the statistics when there is a fit.
+  const auto last = std::find_if(firstLine.begin() + 1, firstLine.end(), [&](size_t f) { return f >= values; });
+  data.skip(values == 0 ? 0 : runs[static_cast<size_t>(last - firstLine.begin() - 1)].end, values);
+}
 
 }  // namespace
 
@@ -181,13 +293,54 @@ std::string ProblemText(const RegressionProblem& p) {
   return text;
 }
 
+namespace {
+
+// The data file's text, handed to `write` piece by piece in order: the counts, the value
+// lines in blocks of sets formatted on every core at once (each block written as soon as
+// those before it are), then the statistics when there is a fit.
+void writeDataText(const RegressionProblem& p, const SafeSave::PieceWriter& write) {
+  write(std::to_string(p.N) + "," + std::to_string(p.m) + kLineEnd);
+  const int width = p.m + 1;
+  const int setsPerBlock = std::max(1, (1 << 18) / width);  // a few megabytes of text
+  const int blocks = p.N > 0 ? static_cast<int>((int64_t{p.N} + setsPerBlock - 1) / setsPerBlock) : 0;
+  std::vector<std::string> texts(static_cast<size_t>(blocks));
+  std::vector<bool> made(static_cast<size_t>(blocks));
+  std::mutex writing;
+  int nextToWrite = 0;
+  bool failed = false;
+  std::atomic<int> nextToMake{0};
+  RunParts(std::min(WorkPartCount(), blocks), [&](int) {
+    for (int b = nextToMake++; b < blocks; b = nextToMake++) {
+      const int first = b * setsPerBlock + 1, last = std::min(p.N, first + setsPerBlock - 1);
+      std::string text;
+      // A value line is a dozen characters, up to 24 for 15 digits with an exponent.
+      ReserveLarge(text, static_cast<size_t>(last - first + 1) * static_cast<size_t>(width) * 24);
+      for (int i = first; i <= last; ++i)
+        for (int j = 1; j <= width; ++j)  // sets not yet dimensioned are zeros
+          appendValueLine(text, i <= p.X.lastRow() && j <= p.X.lastColumn() ? p.X(j, i) : 0.0);
+      const std::lock_guard lock(writing);
+      if (failed) return;
+      texts[b] = std::move(text);
+      made[b] = true;
+      try {
+        for (; nextToWrite < blocks && made[nextToWrite]; ++nextToWrite) {
+          write(texts[nextToWrite]);
+          std::string().swap(texts[nextToWrite]);
+        }
+      } catch (...) {
+        failed = true;
+        throw;
+      }
+    }
+  });
+  if (p.computed) write(statisticsRecord(p.statistics) + kLineEnd);
+}
+
+}  // namespace
+
 std::string DataText(const RegressionProblem& p) {
-  std::string text = std::to_string(p.N) + "," + std::to_string(p.m) + kLineEnd;
-  ReserveLarge(text, text.size() + static_cast<size_t>(p.N) * static_cast<size_t>(p.m + 1) * 20);
-  for (int i = 1; i <= p.N; ++i)
-    for (int j = 1; j <= p.m + 1; ++j)  // sets not yet dimensioned are zeros
-      appendValueLine(text, i <= p.X.lastRow() && j <= p.X.lastColumn() ? p.X(j, i) : 0.0);
-  if (p.computed) text += statisticsRecord(p.statistics) + kLineEnd;
+  std::string text;
+  writeDataText(p, [&text](std::string_view piece) { text += piece; });
   return text;
 }
 
@@ -198,7 +351,8 @@ void WriteRegressionFiles(const std::string& problemFile, const RegressionProble
   // there, while the problem file is still untouched.
   try {
     SafeSave save;
-    save.Text(DataFileName(problemFile), DataText(problem));
+    save.Streamed(DataFileName(problemFile),
+                  [&problem](const SafeSave::PieceWriter& write) { writeDataText(problem, write); });
     save.Text(problemFile, ProblemText(problem));
     save.Commit();
   } catch (const SaveError& e) {
@@ -208,13 +362,16 @@ void WriteRegressionFiles(const std::string& problemFile, const RegressionProble
 
 RegressionProblem ReadRegressionFiles(const std::string& problemFile) {
   const std::string problemText = ReadFileText(problemFile);
-  const std::string data = ReadFileText(DataFileName(problemFile));
-  return ParseRegressionFiles(problemFile, problemText, data);
+  // The data file, often of many megabytes, is parsed where it was read.
+  const std::string dataFile = DataFileName(problemFile);
+  std::string reason;
+  const std::optional<FileBytes> data = ReadLargeFile(dataFile, &reason);
+  if (!data) throw RegressionFileError("Cannot read the file " + dataFile + ": " + reason);
+  return ParseRegressionFiles(problemFile, problemText, data->text());
 }
 
-RegressionProblem ParseRegressionFiles(const std::string& problemFile,
-                                       const std::string& problemText,
-                                       const std::string& dataText) {
+RegressionProblem ParseRegressionFiles(const std::string& problemFile, std::string_view problemText,
+                                       std::string_view dataText) {
   RegressionProblem p;
   LineReader problemLines(problemFile, problemText);
   const std::string head =
@@ -252,27 +409,10 @@ RegressionProblem ParseRegressionFiles(const std::string& problemFile,
   f = data.record(2, counts);
   if (data.count(f[0], 0, counts) != p.N || data.count(f[1], 1, counts) != p.m) data.fail(counts);
 
-  // Everything must be there before the matrix is made, so a short or absurd file
-  // costs no memory.
-  const int64_t values = int64_t{p.N} * (p.m + 1);
   if (DataMatrix::cellCount(p.m + 1, p.N) > kMaxDataCells)
     throw RegressionFileError(dataFile + ": " + std::to_string(p.N) + " data sets of " +
                               std::to_string(p.m + 1) + " values are more than fit in memory");
-  if (static_cast<int64_t>(data.remaining()) < values) {
-    const int64_t have = static_cast<int64_t>(data.remaining());
-    throw RegressionFileError(dataFile, static_cast<int>(have + 2),
-                              "value " + std::to_string(have % (p.m + 1) + 1) + " of data set " +
-                                  std::to_string(have / (p.m + 1) + 1) + " (the file ends before it)");
-  }
-  p.dimensionData();
-  for (int i = 1; i <= p.N; ++i) {
-    for (int j = 1; j <= p.m + 1; ++j) {
-      p.X(j, i) = data.value([&] {
-        return "the value of " + (j <= p.m ? p.names[j - 1] : p.dependentName) + " in data set " +
-               std::to_string(i);
-      });
-    }
-  }
+  readDataValues(p, data);
   if (p.computed) p.statistics = data.statistics();
   return p;
 }

@@ -5,6 +5,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include "regression/RegressionProblem.h"
 
@@ -40,8 +41,7 @@ void WriteRegressionFiles(const std::string& problemFile, const RegressionProble
 RegressionProblem ReadRegressionFiles(const std::string& problemFile);
 
 // The same from the files' texts (for tests and for reading already loaded files).
-RegressionProblem ParseRegressionFiles(const std::string& problemFile,
-                                       const std::string& problemText,
-                                       const std::string& dataText);
+RegressionProblem ParseRegressionFiles(const std::string& problemFile, std::string_view problemText,
+                                       std::string_view dataText);
 
 }  // namespace orvane

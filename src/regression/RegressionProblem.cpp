@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "platform/LargeBuffer.h"
+#include "platform/WorkParts.h"
 
 namespace orvane {
 
@@ -12,7 +13,13 @@ DataMatrix::DataMatrix(int lastColumn, int lastRow)
   if (lastColumn < 0 || lastRow < 0) throw std::invalid_argument("negative matrix bound");
   const size_t cells = static_cast<size_t>(columns_) * static_cast<size_t>(rows_);
   ReserveLarge(values_, cells);
-  values_.assign(cells, 0.0);
+  values_.resize(cells);
+  // Zeroed in parts at once: most of the time goes into first touching the memory.
+  const int parts = cells >= (size_t{1} << 20) ? WorkPartCount() : 1;
+  RunParts(parts, [&](int k) {
+    const size_t first = cells / parts * k, last = k + 1 == parts ? cells : cells / parts * (k + 1);
+    std::fill(values_.begin() + static_cast<std::ptrdiff_t>(first), values_.begin() + static_cast<std::ptrdiff_t>(last), 0.0);
+  });
 }
 
 int64_t DataMatrix::cellCount(int lastColumn, int lastRow) {

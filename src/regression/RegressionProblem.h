@@ -4,7 +4,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <new>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace orvane {
@@ -37,9 +40,26 @@ class DataMatrix {
     return static_cast<size_t>(column) * static_cast<size_t>(rows_) + static_cast<size_t>(row);
   }
 
+  // Leaves new cells unset, so that the constructor zeroes them on every core at once.
+  template <typename T>
+  struct Unset : std::allocator<T> {
+    template <typename U>
+    struct rebind {
+      using other = Unset<U>;
+    };
+    template <typename U>
+    void construct(U* p) noexcept {
+      ::new (static_cast<void*>(p)) U;
+    }
+    template <typename U, typename... Args>
+    void construct(U* p, Args&&... args) {
+      ::new (static_cast<void*>(p)) U(std::forward<Args>(args)...);
+    }
+  };
+
   int columns_ = 0;
   int rows_ = 0;
-  std::vector<double> values_;
+  std::vector<double, Unset<double>> values_;
 };
 
 // The five figures of a fit, in the order they are listed, saved and printed.

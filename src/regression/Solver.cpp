@@ -29,11 +29,13 @@ class Trap {
   bool fired_ = false;
 };
 
-// The estimate for set i, summed as ComputeEstimates says; the trap notes an overflow.
-double estimateOf(const RegressionProblem& problem, int i, Trap& trap) {
-  double estimate = problem.A[0];
-  for (int j = 1; j <= problem.m; ++j) {
-    const double next = estimate + problem.X(j, i) * problem.A[j];
+// The estimate for a set whose variables are x(1) .. x(m), summed as ComputeEstimates
+// says; the trap notes an overflow.
+template <typename Variable>
+double estimateOf(const std::vector<double>& A, int m, Variable x, Trap& trap) {
+  double estimate = A[0];
+  for (int j = 1; j <= m; ++j) {
+    const double next = estimate + x(j) * A[j];
     if (!std::isfinite(next)) {  // the trap resumes after the call, with the sum so far
       trap.fire();
       break;
@@ -55,56 +57,58 @@ class NormalEquations {
 };
 
 // Each cell sums its products over the sets in order, under the fit's error trap. The
-// sets go in blocks that stay in the cache, and four cells run side by side so that
+// sets go in runs that stay in the cache, and four cells run side by side so that
 // their additions overlap; every cell still sees exactly its own sequence of sums.
-void buildNormalEquations(RegressionProblem& p, NormalEquations& M, Trap& trap) {
-  const int m = p.m;
-  double* constant = p.X.column(0);
-  for (int i = 1; i <= p.N; ++i) constant[i] = 1;
-
+void buildNormalEquations(const DataSets& sets, NormalEquations& M, Trap& trap) {
+  const int m = sets.m();
   struct Cell {
-    int row, column;  // -1: a filler that makes up the last group of four
-    const double *left, *right;
+    int row, column;  // -1: a filler that makes up the last group of four (ones times ones)
   };
   constexpr size_t kSide = 4;
   std::vector<Cell> cells;
   for (int j = 0; j <= m; ++j)
-    for (int k = j; k <= m + 1; ++k) cells.push_back({j, k, p.X.column(j), p.X.column(k)});
-  while (cells.size() % kSide != 0) cells.push_back({-1, -1, constant, constant});
+    for (int k = j; k <= m + 1; ++k) cells.push_back({j, k});
+  while (cells.size() % kSide != 0) cells.push_back({-1, -1});
 
   // The error trap as a selection: an addition that overflows leaves the sum as it was.
   const auto add = [](double sum, double term) {
     const double next = sum + term;
     return std::fabs(next) <= std::numeric_limits<double>::max() ? next : sum;
   };
-  constexpr int kBlock = 512;
-  for (int first = 1; first <= p.N; first += kBlock) {
-    const int last = std::min(p.N, first + kBlock - 1);
+  constexpr int kRun = 512;
+  sets.forEachRun(kRun, [&](const SetRun& run) {
+    const int count = run.count;
     for (size_t c = 0; c < cells.size(); c += kSide) {
       const Cell* g = &cells[c];
+      const double* left[kSide];
+      const double* right[kSide];
+      for (size_t t = 0; t < kSide; ++t) {
+        left[t] = run.column(std::max(g[t].row, 0));
+        right[t] = run.column(std::max(g[t].column, 0));
+      }
       const double start[kSide] = {g[0].row < 0 ? 0 : M(g[0].row, g[0].column), g[1].row < 0 ? 0 : M(g[1].row, g[1].column),
                                    g[2].row < 0 ? 0 : M(g[2].row, g[2].column), g[3].row < 0 ? 0 : M(g[3].row, g[3].column)};
       // Plain additions first. Once a sum overflows it stays infinite (or NaN), so a
-      // block whose four sums end finite never met the trap and is exact to the bit;
+      // run whose four sums end finite never met the trap and is exact to the bit;
       // one that did not is summed again with the trap.
       double s0 = start[0], s1 = start[1], s2 = start[2], s3 = start[3];
-      for (int i = first; i <= last; ++i) {
-        s0 += g[0].left[i] * g[0].right[i];
-        s1 += g[1].left[i] * g[1].right[i];
-        s2 += g[2].left[i] * g[2].right[i];
-        s3 += g[3].left[i] * g[3].right[i];
+      for (int i = 0; i < count; ++i) {
+        s0 += left[0][i] * right[0][i];
+        s1 += left[1][i] * right[1][i];
+        s2 += left[2][i] * right[2][i];
+        s3 += left[3][i] * right[3][i];
       }
       double sums[kSide] = {s0, s1, s2, s3};
       for (size_t t = 0; t < kSide; ++t) {
         if (std::isfinite(sums[t])) continue;
         trap.fire();
         sums[t] = start[t];
-        for (int i = first; i <= last; ++i) sums[t] = add(sums[t], g[t].left[i] * g[t].right[i]);
+        for (int i = 0; i < count; ++i) sums[t] = add(sums[t], left[t][i] * right[t][i]);
       }
       for (size_t t = 0; t < kSide; ++t)
         if (g[t].row >= 0) M(g[t].row, g[t].column) = sums[t];
     }
-  }
+  });
   for (int j = 0; j <= m; ++j)
     for (int k = j + 1; k <= m; ++k) M(k, j) = M(j, k);
 }
@@ -149,23 +153,41 @@ FitOutcome singularOutcome(NormalEquations& M, const std::vector<double>& A, int
   return M(row, m + 1) == sum ? FitOutcome::LinearlyDependent : FitOutcome::Inconsistent;
 }
 
-void computeStatistics(RegressionProblem& p, Trap& trap) {
+void computeStatistics(const DataSets& sets, RegressionProblem& p, Trap& trap) {
   FitStatistics& s = p.statistics;
   const int m = p.m;
-  const double* given = p.X.column(m + 1);
+  constexpr int kRun = 512;
   double total = 0;
-  for (int i = 1; i <= p.N; ++i) trap.let(total, total + given[i]);
+  sets.forEachRun(kRun, [&](const SetRun& run) {
+    const double* given = run.column(m + 1);
+    for (int i = 0; i < run.count; ++i) trap.let(total, total + given[i]);
+  });
   trap.let(s.averageGiven, total / p.N);
   const double mean = s.averageGiven;
 
   double estimates = 0, explained = 0, residual = 0, spread = 0;
-  for (int i = 1; i <= p.N; ++i) {
-    const double e = estimateOf(p, i, trap);
-    trap.let(estimates, estimates + e);
-    trap.let(explained, explained + (mean - e) * (mean - e));
-    trap.let(residual, residual + (given[i] - e) * (given[i] - e));
-    trap.let(spread, spread + (mean - given[i]) * (mean - given[i]));
-  }
+  double estimate[kRun];
+  sets.forEachRun(kRun, [&](const SetRun& run) {
+    const double* given = run.column(m + 1);
+    // The run's estimates variable by variable. A sum that overflows stays infinite (or
+    // NaN), so an estimate that ends finite never met the trap; one that did not is
+    // summed again set by set with it.
+    std::fill_n(estimate, run.count, p.A[0]);
+    for (int j = 1; j <= m; ++j) {
+      const double* x = run.column(j);
+      const double a = p.A[j];
+      for (int i = 0; i < run.count; ++i) estimate[i] += x[i] * a;
+    }
+    for (int i = 0; i < run.count; ++i) {
+      if (!std::isfinite(estimate[i]))
+        estimate[i] = estimateOf(p.A, m, [&](int j) { return run.column(j)[i]; }, trap);
+      const double e = estimate[i];
+      trap.let(estimates, estimates + e);
+      trap.let(explained, explained + (mean - e) * (mean - e));
+      trap.let(residual, residual + (given[i] - e) * (given[i] - e));
+      trap.let(spread, spread + (mean - given[i]) * (mean - given[i]));
+    }
+  });
   trap.let(s.averageEstimated, estimates / p.N);
   if (spread == 0.0)
     s.correlation = 1;
@@ -185,19 +207,25 @@ std::string label38(std::string_view label) {
 }  // namespace
 
 FitOutcome Compute(RegressionProblem& problem, bool* overflowed) {
+  double* constant = problem.X.column(0);
+  for (int i = 1; i <= problem.N; ++i) constant[i] = 1;
+  return Compute(MatrixSets(problem), problem, overflowed);
+}
+
+FitOutcome Compute(const DataSets& sets, RegressionProblem& problem, bool* overflowed) {
   const int m = problem.m;
   problem.computed = false;
   NormalEquations M(m);
   problem.A.assign(static_cast<size_t>(m) + 2, 0.0);
   Trap trap;
-  buildNormalEquations(problem, M, trap);
+  buildNormalEquations(sets, M, trap);
   eliminate(M, m, trap);
   const int failing = backSubstitute(M, problem.A, m, trap);
   FitOutcome outcome = FitOutcome::Computed;
   if (failing >= 0) {
     outcome = singularOutcome(M, problem.A, m, failing, trap);
   } else {
-    computeStatistics(problem, trap);
+    computeStatistics(sets, problem, trap);
     problem.computed = true;
   }
   if (overflowed) *overflowed = trap.fired();
@@ -206,7 +234,7 @@ FitOutcome Compute(RegressionProblem& problem, bool* overflowed) {
 
 double ComputeEstimates(const RegressionProblem& problem, int i) {
   Trap ignored;
-  return estimateOf(problem, i, ignored);
+  return estimateOf(problem.A, problem.m, [&](int j) { return problem.X(j, i); }, ignored);
 }
 
 std::string SingularMessage(FitOutcome outcome) {

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "regression/DataSets.h"
 #include "regression/RegressionProblem.h"
 
 namespace orvane {
@@ -27,6 +28,9 @@ enum class FitOutcome {
 // tells whether the error trap skipped a sum, product or quotient that overflowed: the
 // results are then not those of the data (the window lists them all the same).
 FitOutcome Compute(RegressionProblem& problem, bool* overflowed = nullptr);
+// The same fit of `sets` (the problem's m and N), read pass by pass: the problem gets the
+// coefficients, the statistics and the computed flag; its X is neither read nor set.
+FitOutcome Compute(const DataSets& sets, RegressionProblem& problem, bool* overflowed = nullptr);
 
 // The model's estimate for set i: A(0) + X(1,i)·A(1) + ... + X(m,i)·A(m), summed in that
 // order. An overflowing term ends the sum with what it held before.

@@ -169,6 +169,51 @@ TEST(RegressionFile, MalformedFilesNameFileAndLine) {
   }
 }
 
+// Files of megabytes are written and read in parts at once: the sets come back in their
+// places, and a bad or short file is reported as reading it from the start reports it.
+TEST(RegressionFile, LargeFilesKeepTheirOrderAndTheirFirstFault) {
+  TempDir dir;
+  constexpr int kSets = 300000;  // several blocks of sets to write, parts to read
+  RegressionProblem big = makeProblem(1, {}, {"x"});
+  big.N = kSets;
+  big.dimensionData();
+  for (int i = 1; i <= kSets; ++i) big.X(1, i) = i * 0.25, big.X(2, i) = -i - 0.5;
+  ASSERT_EQ(Compute(big), FitOutcome::Computed);
+  WriteRegressionFiles(dir.file("big"), big);
+  const RegressionProblem back = ReadRegressionFiles(dir.file("big"));
+  EXPECT_EQ(column(back, 1), column(big, 1));
+  EXPECT_EQ(column(back, 2), column(big, 2));
+  EXPECT_EQ(ResultsListing(back), ResultsListing(big)) << "the statistics after the values";
+
+  const std::string main = crlf({std::to_string(kSets) + ",1,#FALSE#,\"y\"", "x"});
+  std::vector<std::string> lines(2 * kSets, " 1.23456789012345");
+  const auto data = [&](const std::vector<std::pair<size_t, std::string>>& changes, size_t drop = 0) {
+    std::vector<std::string> changed = lines;
+    for (const auto& [at, text] : changes) changed[at] = text;
+    changed.resize(changed.size() - drop);
+    changed.insert(changed.begin(), std::to_string(kSets) + ",1");
+    return crlf(changed);
+  };
+  const struct {
+    const char* what;
+    std::string data;
+    std::string message;
+  } cases[] = {
+      {"bad early and late", data({{10, "x"}, {500000, "1,2"}}), "line 12: expected the value of x in data set 6."},
+      {"bad late only", data({{500001, "1 2"}}), "line 500003: expected the value of y in data set 250001."},
+      {"bad last line", data({{599999, "1e999"}}), "line 600001: expected the value of y in data set 300000."},
+      {"short and bad", data({{10, "x"}}, 3), "line 599999: expected value 2 of data set 299999 (the file ends before it)."},
+  };
+  for (const auto& c : cases) {
+    try {
+      ParseRegressionFiles("/tmp/study.txt", main, c.data);
+      ADD_FAILURE() << c.what << ": read without complaint";
+    } catch (const RegressionFileError& e) {
+      EXPECT_EQ(e.what(), "/tmp/study.txt.dat, " + c.message) << c.what;
+    }
+  }
+}
+
 // Saving over a pair replaces what the files hold, not what they are: a private pair
 // stays private and a pair of links keeps its links, the files they lead to replaced.
 TEST(RegressionFile, SavingOverAPairKeepsItsPermissionsAndLinks) {
