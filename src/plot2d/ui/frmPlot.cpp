@@ -449,6 +449,7 @@ void frmPlot::buildMenus() {
   // A text field keeps Ctrl+C for its own text.
   mnuCopy->setShortcuts(StandardKeys(QKeySequence::Copy, QKeySequence(Qt::CTRL | Qt::Key_C)));
   mnuHelp->setShortcuts(StandardKeys(QKeySequence::HelpContents, QKeySequence(Qt::Key_F1)));
+  mnuPrint->setShortcuts(StandardKeys(QKeySequence::Print, QKeySequence(Qt::CTRL | Qt::Key_P)));
 }
 
 void frmPlot::Form_Load() {

@@ -111,6 +111,7 @@ void frmStereoPlot::Form_Load() {
   connect(mnuHelp, &QAction::triggered, this, &frmStereoPlot::mnuHelp_Click);
   connect(cboViewing, &QComboBox::currentIndexChanged, this, &frmStereoPlot::cboViewing_Click);
   mnuHelp->setShortcuts(StandardKeys(QKeySequence::HelpContents, QKeySequence(Qt::Key_F1)));
+  mnuPrint->setShortcuts(StandardKeys(QKeySequence::Print, QKeySequence(Qt::CTRL | Qt::Key_P)));
 
   const std::pair<QPushButton*, int> zooms[] = {
       {cmdZoomOut, kZoomOut},     {cmdZoomIn, kZoomIn},       {cmdPanRight, kPanRight}, {cmdPanUp, kPanUp},
