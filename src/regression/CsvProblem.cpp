@@ -353,9 +353,16 @@ int64_t CsvFileSets::readLines(std::string_view lines, CsvRecords& records,
       ++sets;
     });
   };
-  // Once the header is known, the second half of a large piece is read by a copy of the
-  // reader on another core, its sets kept until the first half's have been handed on.
-  // A fault there is left for this reader to meet again, with its own line numbers.
+  // The header first, line by line: the halves below need to know the columns.
+  while (records.columns() == 0 && !lines.empty()) {
+    const size_t end = lines.find('\n');
+    const std::string_view line = lines.substr(0, end == std::string_view::npos ? lines.size() : end + 1);
+    readAll(line);
+    lines.remove_prefix(line.size());
+  }
+  // Then the second half of a large piece is read by a copy of the reader on another
+  // core, its sets kept until the first half's have been handed on. A fault there is
+  // left for this reader to meet again, with its own line numbers.
   const size_t middle = lines.find('\n', lines.size() / 2) + 1;
   if (records.columns() == 0 || lines.size() < (size_t{1} << 20) || WorkPartCount() < 2 || middle == 0 ||
       middle >= lines.size()) {
