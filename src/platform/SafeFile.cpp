@@ -278,18 +278,13 @@ std::unique_ptr<OpenedFile> openWhole(const std::string& path, std::string* reas
     if (reason) *reason = std::move(why);
     return nullptr;
   };
-  // Opened without waiting, so that a pipe with no writer cannot hold the program; only
-  // a regular file is then read.
-  auto opened = std::make_unique<OpenedFile>(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-  const int fd = opened->file.get();
-  if (fd < 0) return refuse(systemReason(errno));
-  struct stat st {};
-  if (::fstat(fd, &st) != 0) return refuse(systemReason(errno));
-  if (S_ISDIR(st.st_mode)) return refuse(systemReason(EISDIR));
-  if (!S_ISREG(st.st_mode)) return refuse("not a regular file");
-  ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) & ~O_NONBLOCK);
+  std::string why;
+  uint64_t size = 0;
+  const int fd = OpenRegularFile(path, size, why);
+  if (fd < 0) return refuse(why);
+  auto opened = std::make_unique<OpenedFile>(fd);
   const uint64_t available = AvailableMemory();
-  opened->size = static_cast<uint64_t>(st.st_size);
+  opened->size = size;
   opened->room = available / kMemoryPerFileByte;
   if (opened->size > opened->room) return refuse(tooLargeReason(opened->size, available));
   return opened;
@@ -312,6 +307,22 @@ int readToEnd(OpenedFile& opened, std::string& text) {
 }
 
 }  // namespace
+
+int OpenRegularFile(const std::string& path, uint64_t& size, std::string& reason) {
+  Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  const auto refuse = [&reason](std::string why) {
+    reason = std::move(why);
+    return -1;
+  };
+  if (file.get() < 0) return refuse(systemReason(errno));
+  struct stat st {};
+  if (::fstat(file.get(), &st) != 0) return refuse(systemReason(errno));
+  if (S_ISDIR(st.st_mode)) return refuse(systemReason(EISDIR));
+  if (!S_ISREG(st.st_mode)) return refuse("not a regular file");
+  ::fcntl(file.get(), F_SETFL, ::fcntl(file.get(), F_GETFL) & ~O_NONBLOCK);
+  size = static_cast<uint64_t>(st.st_size);
+  return file.release();
+}
 
 std::optional<std::string> ReadWholeFile(const std::string& path, std::string* reason) {
   const std::unique_ptr<OpenedFile> opened = openWhole(path, reason);

@@ -78,6 +78,11 @@ class SafeSave {
   std::vector<Pending> files_;
 };
 
+// A user's file opened for reading: its descriptor, for the caller to close, and its
+// size; -1 and the reason when it cannot be opened or is not a regular file. It is opened
+// without waiting, so that a pipe with no writer cannot hold the program.
+int OpenRegularFile(const std::string& path, uint64_t& size, std::string& reason);
+
 // The whole file as bytes; nothing and the reason when it cannot be read: not a regular
 // file, a folder, no permission, or more than the memory available could hold.
 std::optional<std::string> ReadWholeFile(const std::string& path, std::string* reason = nullptr);

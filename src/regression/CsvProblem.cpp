@@ -1,7 +1,5 @@
 #include "regression/CsvProblem.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -304,22 +302,14 @@ CsvFileSets::CsvFileSets(std::string path, std::function<void()> betweenPieces)
 }
 
 int64_t CsvFileSets::readSets(CsvRecords& records, const std::function<void(const std::vector<double>&)>& use) const {
-  // Opened without waiting, so that a pipe with no writer cannot hold the program.
-  const int fd = ::open(path_.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-  if (fd < 0) throw RegressionFileError("Cannot read the file " + path_ + ": " + std::strerror(errno));
+  std::string reason;
+  uint64_t size = 0;
+  const int fd = OpenRegularFile(path_, size, reason);
+  if (fd < 0) throw RegressionFileError("Cannot read the file " + path_ + ": " + reason);
   const struct Closing {
     int fd;
     ~Closing() { ::close(fd); }
   } closing{fd};
-  // A regular file only, as every reader takes: a pipe or a device is refused unread.
-  const auto refuse = [this](const std::string& reason) {
-    throw RegressionFileError("Cannot read the file " + path_ + ": " + reason);
-  };
-  struct stat st {};
-  if (::fstat(fd, &st) != 0) refuse(std::strerror(errno));
-  if (S_ISDIR(st.st_mode)) refuse(std::strerror(EISDIR));
-  if (!S_ISREG(st.st_mode)) refuse("not a regular file");
-  ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) & ~O_NONBLOCK);
   // The file in pieces of a few megabytes; a line cut by a piece's end is kept for the next.
   constexpr size_t kPiece = size_t{4} << 20;
   std::string piece;  // grown only for a line longer than a piece
