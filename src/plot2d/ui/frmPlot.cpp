@@ -894,13 +894,9 @@ void frmPlot::showMovedWindow(const PlotSetup& moved) {
 }
 
 void frmPlot::Picture1_Wheel(const QPointF& at, int angleDelta) {
-  // One step for each 120 eighths of a degree, as a mouse wheel's notch turns it.
-  constexpr int kNotch = 120;
   if (dragging_) return;
-  wheelAngle_ += angleDelta;
-  const int notches = wheelAngle_ / kNotch;
+  const int notches = wheel_.add(angleDelta);
   if (notches == 0) return;
-  wheelAngle_ -= notches * kNotch;
   // The pointer is placed on the fields' window, which is the one drawn unless they
   // were edited since (the picture is empty then).
   const Canvas& picture = Picture1->canvas();

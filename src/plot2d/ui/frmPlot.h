@@ -16,6 +16,7 @@
 #include "engine/ExpressionEngine.h"
 #include "engine/UserConstants.h"
 #include "platform/StopCheck.h"
+#include "platform/ui/WheelNotches.h"
 #include "plot2d/StudyReport.h"
 #include "plot2d/StudyResults.h"
 #include "plot2d/StudySettings.h"
@@ -196,7 +197,7 @@ class frmPlot : public QWidget {
   bool dragging_ = false;
   PlotSetup dragFrom_;                 // the window when the button went down
   std::optional<PlotSetup> dragWindow_;  // drawn instead of the fields' window while dragging
-  int wheelAngle_ = 0;                 // wheel turns short of a whole step (touchpads)
+  WheelNotches wheel_;  // wheel turns short of a whole step (touchpads)
 
   // Controls, named as on the form.
   QMenuBar* menuBar_ = nullptr;

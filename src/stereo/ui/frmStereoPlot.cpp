@@ -554,14 +554,8 @@ void frmStereoPlot::pic_MouseMove(const QPointF& at) {
 void frmStereoPlot::pic_MouseUp() { dragCommand_.reset(); }
 
 void frmStereoPlot::pic_MouseWheel(int angleDelta) {
-  // One notch is 120; finer wheels add up to it.
-  constexpr int kNotch = 120;
-  wheelDelta_ += angleDelta;
-  while (std::abs(wheelDelta_) >= kNotch) {
-    const bool in = wheelDelta_ > 0;
-    wheelDelta_ -= in ? kNotch : -kNotch;
-    ZoomView(in ? kZoomIn : kZoomOut);
-  }
+  for (int notches = wheel_.add(angleDelta); notches != 0; notches += notches > 0 ? -1 : 1)
+    ZoomView(notches > 0 ? kZoomIn : kZoomOut);
 }
 
 void frmStereoPlot::whenIdle(std::function<void()> action) {

@@ -17,6 +17,7 @@
 #include "engine/Class1.h"
 #include "engine/ExpressionEngine.h"
 #include "engine/UserConstants.h"
+#include "platform/ui/WheelNotches.h"
 #include "regression/Workbench.h"
 #include "stereo/EngineSurface.h"
 #include "stereo/StereoSettings.h"
@@ -193,7 +194,7 @@ class frmStereoPlot : public QWidget {
   std::unique_ptr<Command> dragCommand_;
   ViewAngles dragAngles_;
   QPointF dragFrom_;
-  int wheelDelta_ = 0;  // wheel turn not yet a whole notch (fine-grained wheels)
+  WheelNotches wheel_;
 
   // Controls, named as on the form (objectName too; the members of a control array are
   // named "pic(0)", "optBackclr(1)", ...).
