@@ -23,6 +23,12 @@
 
 namespace orvane {
 
+// One cell's text before and after a step of undo.
+struct CellChange {
+  int row = 0, column = 0;
+  DataGridModel::CellContent before, after;
+};
+
 namespace {
 
 using CellContent = DataGridModel::CellContent;
@@ -74,11 +80,6 @@ std::optional<QString> alteredFieldQuestion(const std::vector<QStringList>& rows
     }
   return std::nullopt;
 }
-
-struct CellChange {
-  int row = 0, column = 0;
-  CellContent before, after;
-};
 
 // Cells typed or pasted, and the sets a paste added at the end.
 class CellsCommand : public QUndoCommand {
@@ -280,8 +281,14 @@ void frmEdit::commitEdit() {
   if (editRow_ >= model_->rowCount() || editColumn_ >= model_->columnCount()) return;
   const CellContent after = model_->cellContent(model_->index(editRow_, editColumn_));
   if (after == before) return;
-  undoStack_->push(new CellsCommand(QStringLiteral("Edit cell"), *model_, {{editRow_, editColumn_, before, after}}, 0,
-                                    [this] { emit setCountChanged(); }));
+  pushCells(QStringLiteral("Edit cell"), {{editRow_, editColumn_, before, after}}, 0);
+}
+
+void frmEdit::pushCells(const QString& what, std::vector<CellChange> changes, int addedSets) {
+  auto command = std::make_unique<CellsCommand>(what, *model_, std::move(changes), addedSets,
+                                                [this] { emit setCountChanged(); });
+  undoStack_->push(command.get());  // applied here; a failure leaves the stack as it was
+  command.release();
 }
 
 void frmEdit::hideEntryBox() {
@@ -383,10 +390,7 @@ void frmEdit::cmdDelete_Click() {
 
 void frmEdit::AddSets(int count) {
   hideEntryBox();
-  auto command = std::make_unique<CellsCommand>(QStringLiteral("Add data"), *model_, std::vector<CellChange>{}, count,
-                                                [this] { emit setCountChanged(); });
-  undoStack_->push(command.get());  // the sets are added here; a failure leaves the stack as it was
-  command.release();
+  pushCells(QStringLiteral("Add data"), {}, count);
 }
 
 QString frmEdit::SelectedText() const {
@@ -470,10 +474,7 @@ void frmEdit::PasteBlock(const QString& text) {
   }
   if (changes.empty()) return;
   try {
-    auto command = std::make_unique<CellsCommand>(QStringLiteral("Paste"), *model_, std::move(changes), added,
-                                                  [this] { emit setCountChanged(); });
-    undoStack_->push(command.get());
-    command.release();
+    pushCells(QStringLiteral("Paste"), std::move(changes), added);
   } catch (const std::bad_alloc&) {
     dialogs_.MsgBox("Out of memory", mb::Critical);
     return;

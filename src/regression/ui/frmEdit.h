@@ -4,6 +4,7 @@
 
 #include <QWidget>
 #include <optional>
+#include <vector>
 
 #include "regression/RegressionProblem.h"
 #include "regression/ui/DataGridModel.h"
@@ -17,6 +18,7 @@ class QUndoStack;
 
 namespace orvane {
 
+struct CellChange;
 class Dialogs;
 class TextBox;
 
@@ -78,6 +80,8 @@ class frmEdit : public QWidget {
   void mnuPaste_Click();
 
  private:
+  // Applies the change as one step of undo (the new sets first, when there are any).
+  void pushCells(const QString& what, std::vector<CellChange> changes, int addedSets);
   void startEdit(const QModelIndex& index, const QString& text, bool typed);
   void endEdit();
   void hideEntryBox();
