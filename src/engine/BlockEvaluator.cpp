@@ -1,12 +1,14 @@
 #include "engine/BlockEvaluator.h"
 
 #include <algorithm>
+#include <atomic>
 #include <bit>
 #include <cmath>
 #include <cstring>
 
 #include "engine/Evaluator.h"
 #include "engine/VbMath.h"
+#include "platform/WorkParts.h"
 
 namespace orvane {
 
@@ -388,20 +390,103 @@ void runPoints(const Program& p, const BlockCode& code, std::span<const BlockInp
   for (size_t k = 0; k < inputs.size(); ++k) *inputs[k].field = saved[k];
 }
 
+const BlockCode& blockCode(const Program& program) {
+  if (!program.blockCode) program.blockCode = translate(program);
+  return *program.blockCode;
+}
+
+void clearErrors(BlockOutcome& outcome, int32_t n) {
+  outcome.count = n;
+  std::fill(outcome.error, outcome.error + n, 0);
+  std::fill(outcome.objectError, outcome.objectError + n, 0);
+}
+
+// A run shared out a block at a time: each part takes the next block not yet taken, so
+// a part that started late or runs slower takes fewer. Blocks past one holding a point
+// without value are not needed and are left.
+class SharedRun {
+ public:
+  SharedRun(const BlockCode& code, std::span<const BlockInput> inputs, int32_t count, double* values)
+      : code_(code), inputs_(inputs), count_(count), values_(values),
+        blocks_((count + BlockLanes - 1) / BlockLanes), firstShort_(blocks_), goodIn_(static_cast<size_t>(blocks_)) {}
+
+  int32_t blocks() const { return blocks_; }
+
+  void take() {
+    BlockWorkspace workspace;
+    auto outcome = std::make_unique<BlockOutcome>();
+    std::vector<BlockInput> shifted(inputs_.begin(), inputs_.end());
+    for (int32_t b; (b = next_.fetch_add(1)) < blocks_ && b < firstShort_.load();) {
+      const int32_t at = b * BlockLanes;
+      const int32_t n = std::min(BlockLanes, count_ - at);
+      for (size_t k = 0; k < inputs_.size(); ++k) shifted[k].lanes = inputs_[k].lanes + at;
+      clearErrors(*outcome, n);
+      runPasses(code_, shifted, n, workspace, *outcome);
+      const int32_t good = FirstPointWithoutValue(*outcome);
+      if (good > 0) std::memcpy(values_ + at, outcome->value, sizeof(double) * static_cast<size_t>(good));
+      if (good < n) {
+        goodIn_[static_cast<size_t>(b)] = good;
+        for (int32_t seen = firstShort_.load(); b < seen && !firstShort_.compare_exchange_weak(seen, b);) {
+        }
+      }
+    }
+  }
+
+  // Once every part has ended: the points before the first without value.
+  int32_t leading() const {
+    const int32_t b = firstShort_.load();
+    return b == blocks_ ? count_ : b * BlockLanes + goodIn_[static_cast<size_t>(b)];
+  }
+
+ private:
+  const BlockCode& code_;
+  std::span<const BlockInput> inputs_;
+  const int32_t count_;
+  double* const values_;
+  const int32_t blocks_;
+  std::atomic<int32_t> next_{0};
+  std::atomic<int32_t> firstShort_;  // the first block holding a point without value
+  std::vector<int32_t> goodIn_;      // that block's points with a value
+};
+
 }  // namespace
 
 void executeBlock(const Program& program, std::span<const BlockInput> inputs, int32_t count, Variables& variables,
                   BlockWorkspace& workspace, BlockOutcome& outcome) {
-  if (!program.blockCode) program.blockCode = translate(program);
-  const BlockCode& code = *program.blockCode;
+  const BlockCode& code = blockCode(program);
   const int32_t n = std::clamp(count, 0, BlockLanes);
-  outcome.count = n;
-  std::fill(outcome.error, outcome.error + n, 0);
-  std::fill(outcome.objectError, outcome.objectError + n, 0);
+  clearErrors(outcome, n);
   if (code.passes)
     runPasses(code, inputs, n, workspace, outcome);
   else
     runPoints(program, code, inputs, n, variables, outcome);
+}
+
+int32_t FirstPointWithoutValue(const BlockOutcome& outcome) noexcept {
+  // One pass over the whole block first: (v - v) is +0 exactly for a finite v.
+  uint64_t missing = 0;
+  for (int32_t i = 0; i < outcome.count; ++i)
+    missing |= static_cast<uint32_t>(outcome.error[i] | outcome.objectError[i]) |
+               std::bit_cast<uint64_t>(outcome.value[i] - outcome.value[i]);
+  if (!missing) return outcome.count;
+  for (int32_t i = 0; i < outcome.count; ++i)
+    if (outcome.error[i] || outcome.objectError[i] || !std::isfinite(outcome.value[i])) return i;
+  return outcome.count;
+}
+
+int32_t executeRun(const Program& program, std::span<const BlockInput> inputs, int32_t count,
+                   double* values) noexcept {
+  // Below this many blocks a part would cost more to hand out than it saves.
+  constexpr int32_t kBlocksPerPart = 16;
+  try {
+    const BlockCode& code = blockCode(program);
+    if (!code.passes || code.failAt >= 0 || !code.called.empty() || count <= 0) return 0;
+    SharedRun run(code, inputs, count, values);
+    RunParts(std::clamp(run.blocks() / kBlocksPerPart, 1, WorkPartCount()), [&](int) { run.take(); });
+    return run.leading();
+  } catch (const std::bad_alloc&) {
+    return 0;
+  }
 }
 
 }  // namespace orvane

@@ -58,4 +58,18 @@ class BlockWorkspace {
 void executeBlock(const Program& program, std::span<const BlockInput> inputs, int32_t count, Variables& variables,
                   BlockWorkspace& workspace, BlockOutcome& outcome);
 
+// The first lane without a finite value (an error, or a value that is not finite), or
+// the outcome's count when every lane has one.
+int32_t FirstPointWithoutValue(const BlockOutcome& outcome) noexcept;
+
+// Runs `program` over `count` points, any number of them (each input's lanes hold `count`
+// values), block after block, the blocks shared out over the machine's cores. Only a
+// program the passes cover and that calls no object's function runs so: its blocks then
+// share nothing but what they read. Puts the leading points that have a finite value in
+// `values` and returns how many; it stops short of the first point without one, which a
+// block of its own (executeBlock) then explains. Returns 0 for a program it cannot run
+// so, and when memory runs out.
+int32_t executeRun(const Program& program, std::span<const BlockInput> inputs, int32_t count,
+                   double* values) noexcept;
+
 }  // namespace orvane

@@ -143,6 +143,14 @@ int32_t ExpressionEngine::EvalBlock(std::string_view text, std::span<const Block
   return 0;
 }
 
+int32_t ExpressionEngine::EvalRun(std::string_view text, std::span<const BlockInput> inputs, int32_t count,
+                                  double* values) noexcept {
+  // Only the expression evaluated last: it compiled, and a text's compile error is
+  // reported where it is first evaluated, once.
+  if (!lastProgram_ || !sameText(text, lastText_)) return 0;
+  return executeRun(*lastProgram_, inputs, count, values);
+}
+
 void ExpressionEngine::ReportBlockFault(const BlockOutcome& outcome, int32_t lane) noexcept {
   if (lane < 0 || lane >= outcome.count || !outcome.error[lane]) return;
   if (outcome.program && outcome.generation == generation_)

@@ -82,6 +82,13 @@ class ExpressionEngine {
   int32_t EvalBlock(std::string_view text, std::span<const BlockInput> inputs, int32_t count,
                     BlockOutcome& outcome) noexcept;
 
+  // The expression at `count` points, any number, spread over the machine's cores
+  // where it can be (executeRun in BlockEvaluator.h): the leading points with a value
+  // are put in `values` and counted, and nothing is reported. Only the expression
+  // evaluated last runs so (EvalBlock or TryEval compiles it first); it returns 0 for
+  // any other text and for an expression that cannot be spread.
+  int32_t EvalRun(std::string_view text, std::span<const BlockInput> inputs, int32_t count, double* values) noexcept;
+
   // Calls the error handler for a lane's engine error, as evaluating the lane's point
   // alone would have.
   void ReportBlockFault(const BlockOutcome& outcome, int32_t lane) noexcept;

@@ -1,7 +1,6 @@
 #include "engine/PointEvaluation.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <utility>
 
@@ -23,6 +22,15 @@ int32_t tryEval(ExpressionEngine& engine, Class1& object, std::string_view formu
   object.ierr = 0;
   if (int32_t number = engine.TryEval(formula, result)) return number;
   return object.ierr;
+}
+
+// The object's fields that take the points' lanes.
+size_t blockInputs(Class1& object, const BlockPoints& points, BlockInput (&inputs)[4]) {
+  size_t used = 0;
+  for (const BlockInput& in : {BlockInput{&object.x, points.x}, BlockInput{&object.y, points.y},
+                               BlockInput{&object.u, points.u}, BlockInput{&object.v, points.v}})
+    if (in.lanes) inputs[used++] = in;
+  return used;
 }
 
 }  // namespace
@@ -48,14 +56,12 @@ int32_t TryEvaluateAt(ExpressionEngine& engine, Class1& object, std::string_view
   return tryEval(engine, object, formula, result);
 }
 
+
 void TryEvaluateBlock(ExpressionEngine& engine, Class1& object, std::string_view formula, const BlockPoints& points,
                       int32_t count, BlockOutcome& outcome) noexcept {
   count = std::clamp(count, 0, BlockLanes);
   BlockInput inputs[4];
-  size_t used = 0;
-  for (const BlockInput& in : {BlockInput{&object.x, points.x}, BlockInput{&object.y, points.y},
-                               BlockInput{&object.u, points.u}, BlockInput{&object.v, points.v}})
-    if (in.lanes) inputs[used++] = in;
+  const size_t used = blockInputs(object, points, inputs);
   // The shared field is written as the lanes are taken, not for lanes past the caller's stop.
   int32_t* shared = std::exchange(object.sharedError, nullptr);
   object.ierr = 0;
@@ -76,16 +82,11 @@ void TryEvaluateBlock(ExpressionEngine& engine, Class1& object, std::string_view
   TryEvaluateBlock(engine, object, formula, points, count, outcome);
 }
 
-int32_t FirstPointWithoutValue(const BlockOutcome& outcome) noexcept {
-  // One pass over the whole block first: (v - v) is +0 exactly for a finite v.
-  uint64_t missing = 0;
-  for (int32_t i = 0; i < outcome.count; ++i)
-    missing |= static_cast<uint32_t>(outcome.error[i] | outcome.objectError[i]) |
-               std::bit_cast<uint64_t>(outcome.value[i] - outcome.value[i]);
-  if (!missing) return outcome.count;
-  for (int32_t i = 0; i < outcome.count; ++i)
-    if (outcome.error[i] || outcome.objectError[i] || !std::isfinite(outcome.value[i])) return i;
-  return outcome.count;
+int32_t TryEvaluateRun(ExpressionEngine& engine, Class1& object, std::string_view formula, const BlockPoints& points,
+                       int32_t count, double* values) noexcept {
+  BlockInput inputs[4];
+  const size_t used = blockInputs(object, points, inputs);
+  return engine.EvalRun(formula, std::span(inputs, used), count, values);
 }
 
 int32_t TakeLeadingPoints(ExpressionEngine& engine, Class1& object, const BlockOutcome& outcome, double* values,

@@ -74,14 +74,18 @@ void TryEvaluateBlock(ExpressionEngine& engine, Class1& object, std::string_view
                       const double* second, int32_t count, BlockOutcome& outcome,
                       SurfaceVariables variables = SurfaceVariables::XY) noexcept;
 
+// The formula at `count` points, any number, spread over the machine's cores where it
+// can be (ExpressionEngine::EvalRun): the leading points with a finite value go to
+// `values`, and their count is returned. Nothing is reported; the caller takes the
+// first point without value through a block of its own (TryEvaluateBlock). 0 when the
+// formula is not the one evaluated last or cannot be spread.
+int32_t TryEvaluateRun(ExpressionEngine& engine, Class1& object, std::string_view formula, const BlockPoints& points,
+                       int32_t count, double* values) noexcept;
+
 // A lane's error number as TryEvaluateAt gives it: the engine's, else the math object's.
 inline int32_t BlockPointError(const BlockOutcome& outcome, int32_t lane) {
   return outcome.error[lane] ? outcome.error[lane] : outcome.objectError[lane];
 }
-
-// The first lane without a finite value (an error, or a value that is not finite), or
-// the outcome's count when every lane has one.
-int32_t FirstPointWithoutValue(const BlockOutcome& outcome) noexcept;
 
 // The leading lanes with finite values, as a sampling loop takes them: copied to
 // `values` and counted. When the first lane has none, it is reported (ReportBlockPoint)

@@ -9,7 +9,9 @@ namespace {
 // The clock is read about this often, whatever one evaluation costs: often enough for
 // a formula of a millisecond, rarely enough to cost nothing beside one of nanoseconds.
 constexpr StopCheck::Clock::duration kReadingEvery = std::chrono::milliseconds(1);
-constexpr int32_t kMaxPollsPerReading = 4096;
+// Enough for whole runs of points shared out over the cores between two readings; each
+// command starts from one poll per reading, and a command's evaluations cost alike.
+constexpr int32_t kMaxPollsPerReading = 1 << 16;
 
 }  // namespace
 

@@ -8,8 +8,8 @@
 namespace orvane {
 
 // Runs part(0) .. part(count - 1), part 0 on this thread and each other on a thread of
-// its own, and returns once all have ended. An exception from a part is thrown here
-// then, the lowest part's when several failed.
+// its own (kept from one call to the next), and returns once all have ended. An
+// exception from a part is thrown here then, the lowest part's when several failed.
 void RunParts(int count, const std::function<void(int)>& part);
 
 // How many parts large work is worth splitting into: the cores there are, at least 1.

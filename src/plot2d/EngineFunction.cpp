@@ -32,6 +32,8 @@ int32_t EngineFunction::tryEvalBlock(const double* xs, int32_t n, double* ys, in
     error = err::InvalidCall;
     return 0;
   }
+  if (n > BlockLanes)
+    if (const int32_t good = TryEvaluateRun(engine_, sh_, formula_, BlockPoints{xs}, n, ys)) return good;
   if (!block_) block_ = std::make_unique<BlockOutcome>();
   // One block: the caller comes back for the rest.
   TryEvaluateBlock(engine_, sh_, formula_, xs, nullptr, std::min(n, BlockLanes), *block_);

@@ -7,6 +7,10 @@
 
 namespace orvane {
 
+// Points worth passing to tryEvalBlock at once: enough for an engine to share them out
+// over the machine's cores, few enough to stay in the second-level cache.
+constexpr int32_t EvaluationRunPoints = 1 << 14;
+
 class FunctionOfX {
  public:
   virtual ~FunctionOfX();

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <vector>
 
 #include "platform/NumberText.h"
 #include "platform/RuntimeError.h"
@@ -44,6 +45,7 @@ IntegralResult integrate(DerivativeEvaluator& d, const StudySettings& s) {
     double w32 = value(upperOdd + d.f(a + q / 2));
     double current = value((12 * w12 + 7 * ends + 32 * w32) * q / 45);
     int32_t panels = 2;
+    std::vector<double> xs(EvaluationRunPoints), ys(EvaluationRunPoints);
 
     for (int32_t cycles = 0;;) {
       if ((std::fabs(current - previous) <= s.err && panels >= s.n) || cycles >= s.maxcy) break;
@@ -57,17 +59,14 @@ IntegralResult integrate(DerivativeEvaluator& d, const StudySettings& s) {
       w32 = 0;
       double x = a + q / 2;
       // The new nodes a block at a time, summed in their order.
-      constexpr int32_t kBlock = 512;
-      double xs[kBlock];
-      double ys[kBlock];
       for (int32_t j = 0; j < panels;) {
-        const int32_t m = std::min(kBlock, panels - j);
+        const int32_t m = std::min(EvaluationRunPoints, panels - j);
         for (int32_t k = 0; k < m; ++k) {
           xs[k] = x;
           x += q;
         }
         for (int32_t k = 0; k < m;) {
-          const int32_t taken = d.f(xs + k, m - k, ys + k);
+          const int32_t taken = d.f(xs.data() + k, m - k, ys.data() + k);
           for (const int32_t end = k + taken; k < end; ++k) w32 = value(w32 + ys[k]);
         }
         j += m;

@@ -9,17 +9,17 @@ namespace orvane {
 void PointWalk::evaluate() {
   const int32_t count = std::min(run_, filled_ - at_);
   try {
-    ready_ = at_ + g_(xs_ + at_, count, ys_ + at_);
+    ready_ = at_ + g_(xs_.data() + at_, count, ys_.data() + at_);
   } catch (const RuntimeError&) {
     run_ = 1;  // failures come in runs: grow again from one point
     throw;
   }
-  run_ = std::min(run_ * 2, kBlock);
+  run_ = std::min(run_ * 2, kRun);
 }
 
 bool PointWalk::fill() {
   filled_ = ready_ = at_ = 0;
-  for (double x = last_; filled_ < kBlock;) {
+  for (double x = last_; filled_ < kRun;) {
     const double moved = x + step_;
     if (!(moved > x)) break;
     if (rule_ == End::Before && !(moved < end_)) break;

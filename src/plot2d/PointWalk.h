@@ -7,6 +7,9 @@
 
 #include <cstdint>
 #include <functional>
+#include <vector>
+
+#include "plot2d/FunctionOfX.h"
 
 namespace orvane {
 
@@ -22,7 +25,7 @@ class PointWalk {
 
   // The points are first, first + step, ... each one the previous plus step.
   PointWalk(const BlockFunction& g, double first, double step, double end, End rule)
-      : g_(g), step_(step), end_(end), rule_(rule), last_(first - step) {}
+      : g_(g), step_(step), end_(end), rule_(rule), last_(first - step), xs_(kRun), ys_(kRun) {}
 
   // Moves to the next point; false at the end of the walk (or when the points no
   // longer move).
@@ -39,8 +42,20 @@ class PointWalk {
     return ys_[at_];
   }
 
+  // Passes the points just ahead whose values are already at hand and lie strictly on
+  // the side of zero `side` gives (1 above, -1 below), to the last of them: a scan's
+  // long stretches without a change of sign then cost a compare a point.
+  void passSameSide(int side) {
+    int32_t i = at_ + 1;
+    if (side > 0)
+      while (i < ready_ && ys_[i] > 0) ++i;
+    else
+      while (i < ready_ && ys_[i] < 0) ++i;
+    at_ = i - 1;
+  }
+
  private:
-  static constexpr int32_t kBlock = 256;
+  static constexpr int32_t kRun = EvaluationRunPoints;
   bool fill();
   void evaluate();
 
@@ -50,9 +65,8 @@ class PointWalk {
   const End rule_;
   double last_;  // the last point filled
   int32_t at_ = -1, filled_ = 0, ready_ = 0;
-  int32_t run_ = kBlock;  // how many points the next evaluation takes
-  double xs_[kBlock];
-  double ys_[kBlock];
+  int32_t run_ = kRun;  // how many points the next evaluation takes
+  std::vector<double> xs_, ys_;
 };
 
 }  // namespace orvane

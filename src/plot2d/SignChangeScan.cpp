@@ -39,6 +39,7 @@ ScanEnd scanSignChanges(const StudySettings& s, const BlockFunction& g,
           continue;
         }
         for (;;) {
+          grid.passSameSide(previous);
           if (!grid.next(x)) return {};
           const int current = sign(grid.value());
           if (current == 0) {
