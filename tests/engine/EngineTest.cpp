@@ -44,24 +44,19 @@ TEST(Engine, StatementsAssignAndEvalCompares) {
 }
 
 TEST(Engine, RefusedStatementsReachTheHandlerOnce) {
-  const struct {
-    const char* text;
-    int32_t number;
-    int column;
-  } rows[] = {{"Sin = 1", 501, 1},    {"Asin = 1", 501, 1}, {"sh = 1", 501, 1},     {"2a=1", 1024, 1},
-              {"a b=1", 1011, 3},     {"a", 1011, 2},       {"a = ", 1023, 5},      {"a = 1 2", 1025, 7},
-              {"zz.x = 1", 424, 1},   {"sh.zz = 1", 438, 4}, {"ierr = 1E10", 6, 1}, {"c = 1/0", 11, 6}};
-  for (const auto& row : rows) {
+  const ErrorRow rows[] = {{"Sin = 1", 501, 1},  {"Asin = 1", 501, 1},    {"sh = 1", 501, 1},     {"2a=1", 1024, 1},
+                           {"a b=1", 1011, 3},   {"a", 1011, 2},         {"a = ", 1023, 5},      {"a = 1 2", 1025, 7},
+                           {"zz.x = 1", 424, 1}, {"sh.zz = 1", 438, 4},  {"ierr = 1E10", 6, 1}, {"c = 1/0", 11, 6}};
+  for (const ErrorRow& row : rows) {
     Recorded t;
     const RuntimeError e = t.failure(row.text);
-    EXPECT_EQ(e.number(), row.number) << row.text;
-    EXPECT_EQ(e.column(), row.column) << row.text;
+    EXPECT_EQ(std::pair(e.number(), e.column()), std::pair(row.number, row.column)) << row.text;
     ASSERT_EQ(t.errors.size(), 1u) << row.text;
     EXPECT_EQ(t.errors[0].number(), row.number);
+    if (row.number == 11) {
+      EXPECT_EQ(evalOnce(t.engine, "c").number, 500);  // a failed assignment creates nothing
+    }
   }
-  Recorded t;
-  t.failure("c = 1/0");
-  EXPECT_EQ(evalOnce(t.engine, "c").number, 500);  // a failed assignment creates nothing
 }
 
 TEST(Engine, NamesBindWhenTheyAppear) {
@@ -145,17 +140,13 @@ TEST(Engine, HandlerSeesEveryErrorOnceAndCannotEscapeTryEval) {
 TEST(Engine, AddCodeChecksEveryLineBeforeRunningAny) {
   Recorded t;
   RuntimeError e = t.failure("p = 1\nq = (2", false);
-  EXPECT_EQ(e.number(), 1006);
-  EXPECT_EQ(e.line(), 2);
-  EXPECT_EQ(e.column(), 7);
+  EXPECT_EQ(std::tuple(e.number(), e.line(), e.column()), std::tuple(1006, 2, 7));
   EXPECT_EQ(evalOnce(t.engine, "p").number, 500);
 
   t.engine.AddCode("p = 1\r\n' a comment\n\nq = p + 1\n");
   EXPECT_EQ(t.engine.Eval("q"), 2);
   e = t.failure("r = 1\ns = 1/0", false);
-  EXPECT_EQ(e.number(), 11);
-  EXPECT_EQ(e.line(), 2);
-  EXPECT_EQ(e.column(), 6);
+  EXPECT_EQ(std::tuple(e.number(), e.line(), e.column()), std::tuple(11, 2, 6));
   EXPECT_EQ(t.engine.Eval("r"), 1);  // lines before the failing one have run
 }
 
