@@ -11,7 +11,6 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
-#include <QHeaderView>
 #include <QLabel>
 #include <QPushButton>
 #include <QTableView>
@@ -26,8 +25,6 @@
 #include "platform/ui/TextBox.h"
 #include "plot2d/ui/frmPlot.h"
 #include "regression/RegressionTestSupport.h"
-#include "regression/Workbench.h"
-#include "regression/ui/DataGridModel.h"
 #include "regression/ui/frmEdit.h"
 #include "regression/ui/frmEvaluations.h"
 #include "regression/ui/frmOrvane.h"
@@ -134,64 +131,51 @@ struct Main {
   }
 };
 
-// The 2-D study window on a fitted line with its five data sets.
-struct Plot2d {
-  Workbench workbench;
-  ScriptedDialogs dialogs;
-  std::unique_ptr<frmPlot> window;
-  Plot2d() {
-    workbench.problem = testing::makeProblem(1, {{1, 3}, {2, 5}, {3, 7}, {4, 9}, {5, 11}}, {"x"});
-    workbench.problem.A = {1, 2, 0};
-    workbench.problem.computed = workbench.fitted = true;
-    window = std::make_unique<frmPlot>(workbench, dialogs);
-    window->txtEquation->setText("x^2-2");
-  }
-};
-
-// The stereo window on its opening surface.
-struct Stereo {
-  Workbench workbench;
-  ScriptedDialogs dialogs;
-  std::unique_ptr<frmStereoPlot> window = std::make_unique<frmStereoPlot>(workbench, dialogs);
-};
-
-// Every visible field of a plot window: each hostile text entered and checked, then the
-// window's commands run on what the field was left holding, then the field restored.
+// A plot window of its own workbench.
 template <class Window>
-void walkPlotWindow(Window& window, const ScriptedDialogs& dialogs, const QStringList& buttons) {
-  QVERIFY(activate(window));
-  const std::map<QString, QString> opening = fieldTexts(window);
-  for (TextBox* field : window.template findChildren<TextBox*>()) {
-    if (!field->isVisible()) continue;
-    for (const QString& text : kHostileTexts) {
-      const Entry entry = enter(field, text, dialogs);
-      checkEntry(entry, field, text);
-      std::map<QString, QString> now = fieldTexts(window);
-      now[field->objectName()] = opening.at(field->objectName());  // a field may correct itself
-      QVERIFY2(now == opening, qPrintable(field->objectName() + " <- " + text.left(12)));
-      if (!entry.keptFocus) {
-        for (const QString& name : buttons) window.template findChild<QPushButton*>(name)->click();
-        window.template findChild<QAction*>("mnuPrint")->trigger();
+struct Plot {
+  Workbench workbench;
+  ScriptedDialogs dialogs;
+  std::unique_ptr<Window> window;
+  explicit Plot(RegressionProblem problem = {}) {
+    workbench.problem = std::move(problem);
+    workbench.fitted = workbench.problem.computed;
+    window = std::make_unique<Window>(workbench, dialogs);
+  }
+
+  // Every visible field: each hostile text entered and checked, then the window's
+  // commands run on what the field was left holding, then the field restored. Last,
+  // a user constant of each hostile value, added and used by a plot.
+  void walk(const QStringList& buttons) {
+    QVERIFY(activate(*window));
+    const std::map<QString, QString> opening = fieldTexts(*window);
+    for (TextBox* field : window->template findChildren<TextBox*>()) {
+      if (!field->isVisible()) continue;
+      for (const QString& text : kHostileTexts) {
+        const Entry entry = enter(field, text, dialogs);
+        checkEntry(entry, field, text);
+        std::map<QString, QString> now = fieldTexts(*window);
+        now[field->objectName()] = opening.at(field->objectName());  // a field may correct itself
+        QVERIFY2(now == opening, qPrintable(field->objectName() + " <- " + text.left(12)));
+        if (!entry.keptFocus) {
+          for (const QString& name : buttons) button(name)->click();
+          window->template findChild<QAction*>("mnuPrint")->trigger();
+        }
+        for (TextBox* box : window->template findChildren<TextBox*>())  // zoom and steps moved some
+          if (box->text() != opening.at(box->objectName())) box->setText(opening.at(box->objectName()));
+        field->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(field, Qt::Key_Tab);
+        QVERIFY2(!field->hasFocus(), qPrintable(field->objectName()));
       }
-      for (TextBox* box : window.template findChildren<TextBox*>())  // zoom and steps moved some
-        if (box->text() != opening.at(box->objectName())) box->setText(opening.at(box->objectName()));
-      field->setFocus(Qt::TabFocusReason);
-      QTest::keyClick(field, Qt::Key_Tab);
-      QVERIFY2(!field->hasFocus(), qPrintable(field->objectName()));
+    }
+    for (const QString& text : kHostileTexts) {
+      window->template findChild<QComboBox*>("cboConstants")->setEditText("a=" + text);
+      button("cmdAddCons")->click();
+      button("cmdPlot")->click();
     }
   }
-}
-
-// A user constant of each hostile value, added and used by a plot.
-template <class Window>
-void walkConstants(Window& window) {
-  auto* constants = window.template findChild<QComboBox*>("cboConstants");
-  for (const QString& text : kHostileTexts) {
-    constants->setEditText("a=" + text);
-    window.template findChild<QPushButton*>("cmdAddCons")->click();
-    window.template findChild<QPushButton*>("cmdPlot")->click();
-  }
-}
+  QPushButton* button(const QString& name) { return window->template findChild<QPushButton*>(name); }
+};
 
 }  // namespace
 
@@ -202,25 +186,21 @@ class HostileTextTest : public QObject {
   void init() { QGuiApplication::clipboard()->clear(); }
   void cleanup() { QCOMPARE(guardDialogs->messages().size(), guardMessagesAllowed); }  // nothing escaped
 
-  void mainWindowFields_data() {
-    QTest::addColumn<QString>("name");
-    for (const char* name : {"txtOrder", "txtDepVarNam", "txtVarNams", "txtN"}) QTest::newRow(name) << name;
-  }
   void mainWindowFields() {
-    QFETCH(QString, name);
-    for (const QString& text : kHostileTexts) {
-      Main w;
-      QVERIFY(w.setUpTo(qPrintable(name)));
-      const RegressionProblem before = w.problem;
-      TextBox* field = w.field(qPrintable(name));
-      const Entry entry = enter(field, text, w.dialogs);
-      checkEntry(entry, field, text);
-      // Only the field's own part of the problem may change, and a refused count not.
-      const RegressionProblem& after = w.problem;
-      QVERIFY(after.m == before.m || (name == "txtOrder" && !entry.keptFocus));
-      QVERIFY(after.names == before.names || name == "txtVarNams");
-      QVERIFY(after.dependentName == before.dependentName || name == "txtDepVarNam");
-      QCOMPARE(after.N, before.N);
+    for (const char* name : {"txtOrder", "txtDepVarNam", "txtVarNams", "txtN"}) {
+      for (const QString& text : kHostileTexts) {
+        Main w;
+        QVERIFY(w.setUpTo(name));
+        const RegressionProblem before = w.problem;
+        const Entry entry = enter(w.field(name), text, w.dialogs);
+        checkEntry(entry, w.field(name), text);
+        // Only the field's own part of the problem may change, and a refused count not.
+        const RegressionProblem& after = w.problem;
+        QVERIFY(after.m == before.m || (qstrcmp(name, "txtOrder") == 0 && !entry.keptFocus));
+        QVERIFY(after.names == before.names || qstrcmp(name, "txtVarNams") == 0);
+        QVERIFY(after.dependentName == before.dependentName || qstrcmp(name, "txtDepVarNam") == 0);
+        QCOMPARE(after.N, before.N);
+      }
     }
   }
 
@@ -296,17 +276,16 @@ class HostileTextTest : public QObject {
     }
   }
 
-  void studyWindowFields() {
-    Plot2d plot;
-    walkPlotWindow(*plot.window, plot.dialogs, {"cmdPlot", "cmdRoots", "cmdIntegrate", "cmdExtrema", "cmdDerVal", "cmdZoomIn"});
-    walkConstants(*plot.window);
+  void studyWindowFields() {  // on a fitted line with its five data sets
+    RegressionProblem line = testing::makeProblem(1, {{1, 3}, {2, 5}, {3, 7}, {4, 9}, {5, 11}}, {"x"});
+    line.A = {1, 2, 0};
+    line.computed = true;
+    Plot<frmPlot> plot(line);
+    plot.window->txtEquation->setText("x^2-2");
+    plot.walk({"cmdPlot", "cmdRoots", "cmdIntegrate", "cmdExtrema", "cmdDerVal", "cmdZoomIn"});
   }
 
-  void stereoWindowFields() {
-    Stereo stereo;
-    walkPlotWindow(*stereo.window, stereo.dialogs, {"cmdPlot", "cmdZoomIn", "cmdIncRotX", "cmdIncWindX"});
-    walkConstants(*stereo.window);
-  }
+  void stereoWindowFields() { Plot<frmStereoPlot>().walk({"cmdPlot", "cmdZoomIn", "cmdIncRotX", "cmdIncWindX"}); }
 
   // The guard behind all this: an error escaping an event handler is shown, not fatal.
   void escapedErrorIsShownByTheApplication() {

@@ -72,6 +72,23 @@ DecimalPoint::SeparatorSource separatorOf(std::string separator) {
 }
 
 }  // namespace
+}  // namespace orvane
+
+// An answer to the decimal-comma warning: the separator the system reports, the answer
+// given (-1: none asked), whether the program runs on, and whether the point is in force.
+struct WarningCase {
+  std::string separator;
+  int answer;
+  bool runs, point;
+};
+// The locale variables LC_ALL, LC_NUMERIC and LANG (empty: unset), and the separator they give.
+struct LocaleCase {
+  QString lcAll, lcNumeric, lang, expected;
+};
+Q_DECLARE_METATYPE(WarningCase)
+Q_DECLARE_METATYPE(LocaleCase)
+
+namespace orvane {
 
 class StartupTest : public QObject {
   Q_OBJECT
@@ -126,64 +143,52 @@ class StartupTest : public QObject {
     QVERIFY(mainShown);
     QCOMPARE(faults, QStringList());
     QCOMPARE(dialogs.messages().size(), size_t{1});
-    QCOMPARE(dialogs.messages()[0].title, std::string("Decimal Comma Warning!"));
-    QCOMPARE(dialogs.messages()[0].style, 19);
-    QCOMPARE(dialogs.messages()[0].prompt,
-             std::string("Proper operation of this application requires the use of the DECIMAL POINT.\r"
-                         "Your system is currently using the DECIMAL COMMA.\r\r"
-                         "Do you wish to temporarily change this system setting to decimal point?\r"
-                         "(Upon exiting, this application will restore your setting.)\r"
-                         "(See HELP FILE or visit www.orvane.example for instructions on how to change MANUALLY)\r\r"
-                         "Press YES to change."));
+    const ScriptedDialogs::MessageRecord& warning = dialogs.messages()[0];
+    QCOMPARE(std::tie(warning.title, warning.style), std::tuple(std::string("Decimal Comma Warning!"), 19));
+    QVERIFY(warning.prompt.starts_with("Proper operation of this application requires the use of the DECIMAL POINT.\r"));
+    QVERIFY(warning.prompt.ends_with("\r(Upon exiting, this application will restore your setting.)\r(See HELP FILE or "
+                                     "visit www.orvane.example for instructions on how to change MANUALLY)\r\r"
+                                     "Press YES to change."));
     QCOMPARE(clock.calls, size_t{4});
     QVERIFY(!subMain.about()->isVisible());
     QVERIFY(subMain.mainWindow() && subMain.mainWindow()->isVisible());
     QVERIFY(subMain.decimalPoint().pointInForce());
   }
 
-  // The wait ends at the first reading whose whole second is three past the starting one.
-  void waitEndsAfterTheThirdSecondBoundary_data() {
-    QTest::addColumn<std::vector<double>>("readings");
-    QTest::newRow("late in its second") << std::vector<double>{100.9, 101.0, 102.0, 102.999, 103.0};
-    QTest::newRow("on a boundary") << std::vector<double>{100.0, 100.5, 101.0, 102.0, 102.9999, 103.0};
-    QTest::newRow("a long first pass") << std::vector<double>{100.0, 103.5};
-    QTest::newRow("clock jumps past") << std::vector<double>{100.3, 101.7, 250.0};
-  }
+  // The wait ends at the first reading whose whole second is three past the starting one:
+  // late in its second, on a boundary, after a long first pass, with a clock that jumps past.
   void waitEndsAfterTheThirdSecondBoundary() {
-    QFETCH(std::vector<double>, readings);
-    ScriptedDialogs dialogs;
-    ScriptedClock clock(readings);
-    SubMain subMain(dialogs, clock.clock(), separatorOf("."));
-    bool mainWindowDuringWait = false;
-    clock.onReading = [&] { mainWindowDuringWait |= subMain.mainWindow() != nullptr; };
-    QVERIFY(subMain.Start());
-    QCOMPARE(clock.overruns, 0);
-    QCOMPARE(clock.calls, readings.size());
-    QVERIFY(!mainWindowDuringWait);
+    for (const std::vector<double>& readings : {std::vector<double>{100.9, 101.0, 102.0, 102.999, 103.0},
+                                                 {100.0, 100.5, 101.0, 102.0, 102.9999, 103.0},
+                                                 {100.0, 103.5}, {100.3, 101.7, 250.0}}) {
+      ScriptedDialogs dialogs;
+      ScriptedClock clock(readings);
+      SubMain subMain(dialogs, clock.clock(), separatorOf("."));
+      bool mainWindowDuringWait = false;
+      clock.onReading = [&] { mainWindowDuringWait |= subMain.mainWindow() != nullptr; };
+      QVERIFY(subMain.Start());
+      QCOMPARE(clock.overruns, 0);
+      QCOMPARE(clock.calls, readings.size());
+      QVERIFY(!mainWindowDuringWait);
+    }
   }
 
   // Whatever the separator (several characters, several bytes, none), it is saved whole
   // and restored once when the main window closes.
   void answersToTheWarning_data() {
-    QTest::addColumn<QString>("separator");
-    QTest::addColumn<int>("answer");
-    QTest::addColumn<bool>("runs");
-    QTest::addColumn<bool>("point");
-    QTest::newRow("Yes runs on with the point") << "," << mb::Yes << true << true;
-    QTest::newRow("No ends") << "," << mb::No << false << false;
-    QTest::newRow("Cancel ends") << "," << mb::Cancel << false << false;
-    QTest::newRow("another answer changes nothing") << "," << mb::OK << true << false;
-    QTest::newRow("two characters") << ",." << mb::Yes << true << true;
-    QTest::newRow("multibyte") << QString::fromUtf8("\u066B") << mb::Yes << true << true;
-    QTest::newRow("empty reading") << "" << mb::Yes << true << true;
-    QTest::newRow("a point asks nothing") << "." << -1 << true << true;
+    QTest::addColumn<WarningCase>("c");
+    QTest::newRow("Yes runs on with the point") << WarningCase{",", mb::Yes, true, true};
+    QTest::newRow("No ends") << WarningCase{",", mb::No, false, false};
+    QTest::newRow("Cancel ends") << WarningCase{",", mb::Cancel, false, false};
+    QTest::newRow("another answer changes nothing") << WarningCase{",", mb::OK, true, false};
+    QTest::newRow("two characters") << WarningCase{",.", mb::Yes, true, true};
+    QTest::newRow("multibyte") << WarningCase{"\u066B", mb::Yes, true, true};
+    QTest::newRow("empty reading") << WarningCase{"", mb::Yes, true, true};
+    QTest::newRow("a point asks nothing") << WarningCase{".", -1, true, true};
   }
   void answersToTheWarning() {
-    QFETCH(QString, separator);
-    QFETCH(int, answer);
-    QFETCH(bool, runs);
-    QFETCH(bool, point);
-    const std::string text = separator.toStdString();
+    QFETCH(WarningCase, c);
+    const auto& [text, answer, runs, point] = c;
     ScriptedDialogs dialogs;
     if (answer >= 0) dialogs.queueMsgBox(answer);
     ScriptedClock clock({10.0, 13.0});
@@ -208,28 +213,23 @@ class StartupTest : public QObject {
   // The user's separator as the system has it: a locale with a decimal comma is compiled
   // into a temporary folder (LOCPATH) so the test does not depend on installed locales.
   void separatorComesFromTheNumericLocale_data() {
-    QTest::addColumn<QString>("lcAll");
-    QTest::addColumn<QString>("lcNumeric");
-    QTest::addColumn<QString>("lang");
-    QTest::addColumn<QString>("expected");
+    QTest::addColumn<LocaleCase>("c");
     const QString comma = "de_DE.UTF-8";
-    QTest::newRow("nothing set") << "" << "" << "" << ".";
-    QTest::newRow("LANG") << "" << "" << comma << ",";
-    QTest::newRow("LC_NUMERIC") << "" << comma << "" << ",";
-    QTest::newRow("LC_NUMERIC before LANG") << "" << "C" << comma << ".";
-    QTest::newRow("LC_ALL before LC_NUMERIC") << comma << "C" << "" << ",";
-    QTest::newRow("LC_ALL C wins") << "C" << comma << comma << ".";
-    QTest::newRow("unknown locale") << "xx_YY.UTF-8" << "" << "" << ".";
+    QTest::newRow("nothing set") << LocaleCase{"", "", "", "."};
+    QTest::newRow("LANG") << LocaleCase{"", "", comma, ","};
+    QTest::newRow("LC_NUMERIC") << LocaleCase{"", comma, "", ","};
+    QTest::newRow("LC_NUMERIC before LANG") << LocaleCase{"", "C", comma, "."};
+    QTest::newRow("LC_ALL before LC_NUMERIC") << LocaleCase{comma, "C", "", ","};
+    QTest::newRow("LC_ALL C wins") << LocaleCase{"C", comma, comma, "."};
+    QTest::newRow("unknown locale") << LocaleCase{"xx_YY.UTF-8", "", "", "."};
   }
   void separatorComesFromTheNumericLocale() {
     static QTemporaryDir localeDir;
     static const bool compiled =
         QProcess::execute("localedef", {"-i", "de_DE", "-f", "UTF-8", localeDir.filePath("de_DE.UTF-8")}) == 0;
     if (!compiled) QSKIP("localedef cannot compile de_DE here: the locale sources come with the locales package");
-    QFETCH(QString, lcAll);
-    QFETCH(QString, lcNumeric);
-    QFETCH(QString, lang);
-    QFETCH(QString, expected);
+    QFETCH(LocaleCase, c);
+    const auto& [lcAll, lcNumeric, lang, expected] = c;
     const std::pair<const char*, QString> settings[] = {
         {"LOCPATH", localeDir.path()}, {"LC_ALL", lcAll}, {"LC_NUMERIC", lcNumeric}, {"LANG", lang}};
     std::vector<std::pair<const char*, std::optional<QByteArray>>> saved;
