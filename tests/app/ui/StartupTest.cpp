@@ -1,18 +1,24 @@
-// Start-up: the decimal-separator guard, the splash and its wait, the main window.
+// Start-up (the decimal-separator guard, the splash and its wait, the main window) and
+// the running shell: the About box, the Help entry and every way out of the program.
 
+#include <QAbstractButton>
+#include <QAction>
 #include <QApplication>
 #include <QImage>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <QTextBrowser>
 #include <QtTest>
 #include <cstdlib>
 #include <functional>
 #include <optional>
 #include <vector>
 
+#include "app/HelpFolders.h"
 #include "app/SubMain.h"
 #include "app/frmAbout.h"
 #include "platform/ScriptedDialogs.h"
+#include "platform/ui/QtDialogs.h"
 #include "regression/ui/frmOrvane.h"
 
 namespace orvane {
@@ -61,15 +67,54 @@ struct MainWindowShowWatcher : QObject {
   }
 };
 
-bool anyWindowVisible() {
-  for (QWidget* window : QApplication::topLevelWidgets())
-    if (window->isVisible()) return true;
-  return false;
+int visibleWindows() {
+  int count = 0;
+  for (QWidget* window : QApplication::topLevelWidgets()) count += window->isVisible();
+  return count;
 }
 
 DecimalPoint::SeparatorSource separatorOf(std::string separator) {
   return [separator] { return separator; };
 }
+
+// A started program whose clock has always just passed the splash's wait.
+template <class Dialogs = ScriptedDialogs>
+struct Started {
+  Dialogs dialogs;
+  SubMain subMain;
+  explicit Started(const std::string& separator = ".")
+      : subMain(dialogs, [now = 1000.0]() mutable { return now += 1.0; }, separatorOf(separator)) {}
+  frmOrvane* window() { return subMain.mainWindow(); }
+  QAction* action(const char* name) { return subMain.mainWindow()->findChild<QAction*>(name); }
+  void openAbout() {  // the About entry shows once a problem is set up; here it is shown directly
+    action("mnuAbout")->setVisible(true);
+    action("mnuAbout")->trigger();
+  }
+  // Starts with `folder` as the current one, as when the program is started from there,
+  // and puts the test's own current folder back.
+  bool startIn(const QString& folder) {
+    const QString old = QDir::currentPath();
+    QDir::setCurrent(folder);
+    const bool started = subMain.Start();
+    QDir::setCurrent(old);
+    return started;
+  }
+};
+
+void writeFile(const QString& path, const char* text) {
+  QFile file(path);
+  if (file.open(QIODevice::WriteOnly)) file.write(text);
+}
+
+// The desktop's own dialogs, with message boxes recorded instead of shown.
+struct HelpDialogs : QtDialogs {
+  HelpDialogs() : QtDialogs(nullptr) {}
+  QStringList messages;
+  int MsgBox(std::string_view prompt, int, std::string_view) override {
+    messages << QString::fromUtf8(prompt.data(), qsizetype(prompt.size()));
+    return mb::OK;
+  }
+};
 
 }  // namespace
 }  // namespace orvane
@@ -90,7 +135,7 @@ Q_DECLARE_METATYPE(LocaleCase)
 
 namespace orvane {
 
-class StartupTest : public QObject {
+class StartupAndShellTest : public QObject {
   Q_OBJECT
 
  private slots:
@@ -123,7 +168,7 @@ class StartupTest : public QObject {
     auto fault = [&](bool bad, const char* what) {
       if (bad) faults << what;
     };
-    dialogs.onMsgBox = [&] { fault(anyWindowVisible(), "a window was visible while the guard asked"); };
+    dialogs.onMsgBox = [&] { fault(visibleWindows() > 0, "a window was visible while the guard asked"); };
     dialogs.onDoEvents = [&] {
       fault(!subMain.about() || !subMain.about()->isVisible() || subMain.about()->printedLines().size() != 10,
             "the splash was not shown with its text before events ran");
@@ -200,7 +245,7 @@ class StartupTest : public QObject {
     QCOMPARE(subMain.decimalPoint().savedSeparator(), text);
     if (!runs) {
       QCOMPARE(clock.calls, size_t{0});
-      QVERIFY(!subMain.about() && !subMain.mainWindow() && !anyWindowVisible());
+      QVERIFY(!subMain.about() && !subMain.mainWindow() && !visibleWindows() > 0);
       return;
     }
     QVERIFY(subMain.mainWindow() && subMain.mainWindow()->isVisible());
@@ -241,9 +286,102 @@ class StartupTest : public QObject {
     for (const auto& [name, value] : saved) value ? qputenv(name, *value) : qunsetenv(name);
     QCOMPARE(separator, expected);
   }
+
+  void aboutAppendsUntilClosed() {
+    Started p;
+    QVERIFY(p.subMain.Start());
+    p.openAbout();  // the splash's lines went with the splash
+    QVERIFY(p.subMain.about()->isVisible());
+    QCOMPARE(p.subMain.about()->printedLines(), frmAbout::splashLines());
+    p.openAbout();
+    QCOMPARE(p.subMain.about()->printedLines(), frmAbout::splashLines() + frmAbout::splashLines());
+
+    QTest::mouseClick(p.subMain.about(), Qt::LeftButton, {}, QPoint(20, 20));
+    QVERIFY(!p.subMain.about()->isVisible());
+    QVERIFY(p.window()->isVisible());
+    QCOMPARE(p.subMain.decimalPoint().restoreCount(), 0);
+    p.openAbout();
+    QCOMPARE(p.subMain.about()->printedLines().size(), 10);
+  }
+
+  // Help is orvane.hlp in the folder that was current when the main window loaded,
+  // whatever the current folder is later; a decoy elsewhere must not be found.
+  void helpLooksInTheStartDirectory() {
+    for (const bool fileThere : {false, true}) {
+      for (const bool moveAway : {false, true}) {
+        QTemporaryDir startDir, otherDir;
+        const QString expected = QDir(QFileInfo(startDir.path()).canonicalFilePath()).filePath("orvane.hlp");
+        if (fileThere) writeFile(expected, "<html><body><h1>Help</h1></body></html>");
+        writeFile(QDir(otherDir.path()).filePath("orvane.hlp"), "<html><body>decoy</body></html>");
+        Started p;
+        QVERIFY(p.startIn(startDir.path()));
+        const QString old = QDir::currentPath();
+        QDir::setCurrent(moveAway ? otherDir.path() : startDir.path());
+        p.action("mnuHelp")->trigger();
+        QDir::setCurrent(old);
+        QCOMPARE(p.dialogs.helpRequests(), std::vector<std::string>{expected.toStdString()});
+        QCOMPARE(p.dialogs.messages().size(), size_t(fileThere ? 0 : 1));
+        if (!fileThere) {
+          const QString prompt = QString::fromStdString(p.dialogs.messages()[0].prompt);
+          QVERIFY2(prompt.startsWith("Cannot find the help file") && prompt.contains(expected), qPrintable(prompt));
+        }
+        QVERIFY(p.window()->isVisible());
+      }
+    }
+  }
+
+  // Started from "/", where no help document is: the help window shows the installed
+  // document beside the program when there is one, else the source tree's.
+  void helpOpensWhenStartedFromRoot() {
+    for (const bool installed : {false, true}) {
+      QTemporaryDir prefix;
+      QDir(prefix.path()).mkpath("bin");
+      QDir(prefix.path()).mkpath("share/orvane/help");
+      if (installed) writeFile(prefix.filePath("share/orvane/help/orvane.hlp"), "<html><body>Installed help</body></html>");
+      Started<HelpDialogs> p;
+      p.dialogs.setHelpFolders(HelpFolders(installed ? prefix.filePath("bin") : QCoreApplication::applicationDirPath()));
+      QVERIFY(p.startIn("/"));
+      p.action("mnuHelp")->trigger();
+      QCOMPARE(p.dialogs.messages, QStringList());
+      QTextBrowser* browser = nullptr;
+      for (QWidget* window : QApplication::topLevelWidgets())
+        if (window->objectName() == "helpWindow" && window->isVisible()) browser = window->findChild<QTextBrowser*>();
+      QVERIFY(browser);
+      QVERIFY(browser->toPlainText().startsWith(installed ? "Installed help" : "Orvane Regression"));
+      browser->window()->close();
+    }
+  }
+
+  // By the Exit button or the close box, with the About box and another window open or
+  // not: the separator is restored once and every window closes.
+  void exitRestoresOnceAndClosesEverything() {
+    for (const bool byButton : {false, true}) {
+      for (const bool aboutOpen : {false, true}) {
+        Started p(",");
+        QVERIFY(p.subMain.Start());
+        if (aboutOpen) p.openAbout();
+        QWidget other(nullptr, Qt::Window);  // stands for a plot or editor window left open
+        other.show();
+        QCOMPARE(visibleWindows(), aboutOpen ? 3 : 2);
+        if (byButton) {
+          auto* exitButton = p.window()->findChild<QAbstractButton*>("cmdExit");
+          QCOMPARE(exitButton->text(), QString("E&xit"));
+          QTest::mouseClick(exitButton, Qt::LeftButton);
+        } else {
+          p.window()->close();
+        }
+        QCOMPARE(p.subMain.decimalPoint().restoreCount(), 1);
+        QCOMPARE(p.subMain.decimalPoint().savedSeparator(), std::string(","));
+        QCOMPARE(visibleWindows(), 0);
+        QVERIFY(p.subMain.about()->printedLines().isEmpty());
+        p.window()->close();  // a second unload (the close box after Exit) restores nothing more
+        QCOMPARE(p.subMain.decimalPoint().restoreCount(), 1);
+      }
+    }
+  }
 };
 
 }  // namespace orvane
 
-QTEST_MAIN(orvane::StartupTest)
+QTEST_MAIN(orvane::StartupAndShellTest)
 #include "StartupTest.moc"
