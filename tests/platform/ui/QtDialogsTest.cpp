@@ -1,4 +1,5 @@
-// The Qt dialogs' parts that need no user: help window, clipboard, busy pointer.
+// The Qt dialogs' parts that need no user (message boxes, help window, clipboard, busy
+// pointer) and a real document through the Qt printer page, written as a PDF file.
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -11,40 +12,44 @@
 
 #include "platform/PrinterPage.h"
 #include "platform/RecordingCanvas.h"
+#include "platform/RuntimeError.h"
 #include "platform/ui/QImageCanvas.h"
 #include "platform/ui/QtDialogs.h"
+#include "platform/ui/QtPrinterPage.h"
 
 using namespace orvane;
+
+namespace {
+
+// A message box as the user sees it, the answer pressed (-1: Escape) and what MsgBox gives.
+struct BoxCase {
+  int style, buttons, icon, press, answer;
+};
+
+}  // namespace
+
+Q_DECLARE_METATYPE(BoxCase)
 
 class QtDialogsTest : public QObject {
   Q_OBJECT
 
  private slots:
   void messageBoxesMapStylesAndAnswers_data() {
-    QTest::addColumn<int>("style");
-    QTest::addColumn<int>("buttons");
-    QTest::addColumn<int>("icon");
-    QTest::addColumn<int>("press");
-    QTest::addColumn<int>("answer");
+    QTest::addColumn<BoxCase>("c");
     const int yes = QMessageBox::Yes, no = QMessageBox::No, cancel = QMessageBox::Cancel, ok = QMessageBox::Ok;
-    QTest::newRow("decimal comma warning") << 19 << (yes | no | cancel) << int(QMessageBox::Critical) << no << mb::No;
-    QTest::newRow("ok only") << 64 << ok << int(QMessageBox::Information) << ok << mb::OK;
-    QTest::newRow("ok cancel") << 49 << (ok | cancel) << int(QMessageBox::Warning) << cancel << mb::Cancel;
-    QTest::newRow("yes no") << 36 << (yes | no) << int(QMessageBox::Question) << yes << mb::Yes;
-    // Escape (-1) answers the box's Cancel.
-    QTest::newRow("Esc on yes no cancel") << 35 << (yes | no | cancel) << int(QMessageBox::Question) << -1
-                                          << mb::Cancel;
-    QTest::newRow("Esc on retry cancel") << 21 << (int(QMessageBox::Retry) | cancel) << int(QMessageBox::Critical) << -1
-                                         << mb::Cancel;
-    QTest::newRow("abort retry ignore") << 50 << int(QMessageBox::Abort | QMessageBox::Retry | QMessageBox::Ignore)
-                                        << int(QMessageBox::Warning) << int(QMessageBox::Retry) << 4;
+    const int retry = QMessageBox::Retry, abort = QMessageBox::Abort, ignore = QMessageBox::Ignore;
+    QTest::newRow("decimal comma warning") << BoxCase{19, yes | no | cancel, QMessageBox::Critical, no, mb::No};
+    QTest::newRow("ok only") << BoxCase{64, ok, QMessageBox::Information, ok, mb::OK};
+    QTest::newRow("ok cancel") << BoxCase{49, ok | cancel, QMessageBox::Warning, cancel, mb::Cancel};
+    QTest::newRow("yes no") << BoxCase{36, yes | no, QMessageBox::Question, yes, mb::Yes};
+    // Escape answers the box's Cancel.
+    QTest::newRow("Esc on yes no cancel") << BoxCase{35, yes | no | cancel, QMessageBox::Question, -1, mb::Cancel};
+    QTest::newRow("Esc on retry cancel") << BoxCase{21, retry | cancel, QMessageBox::Critical, -1, mb::Cancel};
+    QTest::newRow("abort retry ignore") << BoxCase{50, abort | retry | ignore, QMessageBox::Warning, retry, 4};
   }
   void messageBoxesMapStylesAndAnswers() {
-    QFETCH(int, style);
-    QFETCH(int, buttons);
-    QFETCH(int, icon);
-    QFETCH(int, press);
-    QFETCH(int, answer);
+    QFETCH(BoxCase, c);
+    const auto [style, buttons, icon, press, answer] = c;
     QtDialogs dialogs(nullptr);
     int seenButtons = -1, seenIcon = -1;
     QString seenText, seenTitle;
@@ -154,6 +159,54 @@ class QtDialogsTest : public QObject {
       dialogs.SetBusy(true);
     }  // left busy: the dialogs restore the pointer when they go
     QVERIFY(QApplication::overrideCursor() == nullptr);
+  }
+
+  void writesAPdfWithTextTabsAPictureAndPages() {
+    QTemporaryDir dir;
+    const QString path = dir.filePath("report.pdf");
+    {
+      QtPrinterPage page(path.toStdString(), "Report");
+      QCOMPARE(page.FontName(), std::string("Courier New"));
+      QImageCanvas picture(200, 150, 96);
+      picture.Line(0, 0, 3000, 2250, colors::Red);
+      page.PaintPicture(picture, 0, 0, 4320, 3240);
+      RecordingCanvas notAnImage;
+      page.PaintPicture(notAnImage, 0, 0, 1000, 1000);  // has no pixels: ignored
+      page.SetCurrentY(4500);
+      page.Write("DATA:");
+      page.Tab(34);
+      page.Write("ESTIMATE:");
+      page.NewLine();
+      QVERIFY(page.CurrentY() > 4500.0);
+      QVERIFY(page.CurrentY() < 4500.0 + 720);  // a 10-point line, not an inch
+      QCOMPARE(page.pagesStarted(), 1);
+      for (int i = 0; i < 200; ++i) page.PrintLine("SET # " + std::to_string(i) + " :");
+      QVERIFY(page.pagesStarted() >= 2);
+      page.EndDoc();
+    }
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QVERIFY(file.size() > 0);
+    QVERIFY(file.read(5).startsWith("%PDF"));
+  }
+
+  void aDocumentNobodyEndedStillGoesOut() {
+    QTemporaryDir dir;
+    const QString path = dir.filePath("unended.pdf");
+    QtPrinterPage(path.toStdString()).PrintLine("text");
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly) && file.read(5).startsWith("%PDF"));
+  }
+
+  void unwritableFileIsAPrinterError() {
+    QtPrinterPage page("/nonexistent-folder/x/report.pdf");
+    try {
+      page.PrintLine("text");
+      page.EndDoc();
+      QFAIL("no error");
+    } catch (const RuntimeError& e) {
+      QCOMPARE(e.number(), 482);
+    }
   }
 };
 
