@@ -90,7 +90,8 @@ TEST_F(SafeFileTest, TargetsThatAreNotPlainWritableFilesAreRefused) {
       {path("loop"), "Too many levels of symbolic links"},
   };
   // A device node of our own (only root may make one): what root would otherwise replace.
-  if (::mknod(path("null").c_str(), S_IFCHR | 0666, makedev(1, 3)) == 0) rows.push_back({path("null"), "not a regular file"});
+  if (::mknod(path("null").c_str(), S_IFCHR | 0666, makedev(1, 3)) == 0)
+    rows.push_back({path("null"), "not a regular file"});
   const std::vector<std::string> before = entries();
   for (const auto& [target, reason] : rows) {
     const SaveError e = saveFailure({{target, "new"}});
