@@ -22,14 +22,10 @@ TEST(Canvas, ScalesConvertBetweenUnits) {
 
   canvas.Scale(-10, 10, 10, -10);  // y grows upward
   EXPECT_FLOAT_EQ(canvas.ScaleHeight(), -20);
-  const struct {
-    float x, y;
-    double px, py;
-  } points[] = {{-10, 10, 0, 0}, {10, -10, 200, 100}, {0, 0, 100, 50}, {5, 5, 150, 25}};
-  for (const auto& p : points) {
-    EXPECT_DOUBLE_EQ(canvas.toPixelX(p.x), p.px) << p.x;
-    EXPECT_DOUBLE_EQ(canvas.toPixelY(p.y), p.py) << p.y;
-  }
+  const struct { float x, y; double px, py; } points[] = {{-10, 10, 0, 0}, {10, -10, 200, 100}, {0, 0, 100, 50},
+                                                          {5, 5, 150, 25}};
+  for (const auto& [x, y, px, py] : points)
+    EXPECT_EQ(std::pair(canvas.toPixelX(x), canvas.toPixelY(y)), std::pair(px, py)) << x << "," << y;
   // The clipboard copy's way of finding the client area works under any scale.
   EXPECT_FLOAT_EQ(canvas.ScaleX(canvas.ScaleWidth(), ScaleUnit::User, ScaleUnit::Pixels), 200);
   EXPECT_FLOAT_EQ(canvas.ScaleY(canvas.ScaleHeight(), ScaleUnit::User, ScaleUnit::Pixels), 100);
@@ -51,11 +47,9 @@ TEST(Canvas, DegenerateScaleIsAnErrorAndKeepsTheOldOne) {
   RecordingCanvas canvas = makeCanvas();
   canvas.Scale(0, 0, 4, 2);
   const float nan = std::numeric_limits<float>::quiet_NaN(), inf = std::numeric_limits<float>::infinity();
-  const struct {
-    float x1, y1, x2, y2;
-    int32_t error;
-  } cases[] = {{1, 0, 1, 5, err::InvalidCall}, {0, 3, 5, 3, err::InvalidCall}, {nan, 0, 1, 1, err::Overflow},
-               {0, 0, inf, 1, err::Overflow},  {-3e38f, 0, 3e38f, 1, err::Overflow}};
+  const struct { float x1, y1, x2, y2; int32_t error; } cases[] = {
+      {1, 0, 1, 5, err::InvalidCall}, {0, 3, 5, 3, err::InvalidCall}, {nan, 0, 1, 1, err::Overflow},
+      {0, 0, inf, 1, err::Overflow},  {-3e38f, 0, 3e38f, 1, err::Overflow}};
   for (const auto& c : cases) {
     try {
       canvas.Scale(c.x1, c.y1, c.x2, c.y2);
