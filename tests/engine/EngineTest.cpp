@@ -25,24 +25,6 @@ struct Recorded : Engine {
   }
 };
 
-TEST(Engine, StatementsAssignAndEvalCompares) {
-  for (bool optimize : {true, false}) {
-    Recorded t(optimize);
-    t.sh.x = 0.5;
-    EXPECT_EQ(t.engine.Eval("x = 0.5"), -1);  // a comparison: x is not touched
-    EXPECT_EQ(t.sh.x, 0.5);
-    t.engine.ExecuteStatement("x = 0.25: b = 1 = 1: a = 2.37: c = 2 * a: sh.y = 4: HalfPi = 3: ierr = 2.5");
-    EXPECT_EQ(t.sh.x, 0.25);
-    EXPECT_EQ(t.engine.Eval("b"), -1);  // the second = compares
-    EXPECT_DOUBLE_EQ(t.engine.Eval("c"), 4.74);
-    EXPECT_EQ(t.sh.y, 4);
-    EXPECT_EQ(t.sh.halfpi, 3);
-    EXPECT_EQ(t.sh.ierr, 2);  // rounds half to even into the integer field
-    t.engine.ExecuteStatement("");
-    EXPECT_TRUE(t.errors.empty());
-  }
-}
-
 TEST(Engine, RefusedStatementsReachTheHandlerOnce) {
   const ErrorRow rows[] = {{"Sin = 1", 501, 1},  {"Asin = 1", 501, 1},    {"sh = 1", 501, 1},     {"2a=1", 1024, 1},
                            {"a b=1", 1011, 3},   {"a", 1011, 2},         {"a = ", 1023, 5},      {"a = 1 2", 1025, 7},
@@ -59,24 +41,47 @@ TEST(Engine, RefusedStatementsReachTheHandlerOnce) {
   }
 }
 
-TEST(Engine, NamesBindWhenTheyAppear) {
+// A session at the engine: each row's statements run, then its text is evaluated, on one
+// engine with the optimizer on and off. The texts compiled early must follow what later
+// statements create and assign.
+struct SessionRow {
+  const char* statements;
+  const char* text;
+  double expected;
+  int32_t error = 0;
+};
+
+void checkSession(std::initializer_list<SessionRow> rows) {
   for (bool optimize : {true, false}) {
     Recorded t(optimize);
-    t.sh.x = 1;
-    EXPECT_EQ(evalOnce(t.engine, "x+a").number, 500);
-    double out = 0;
-    EXPECT_EQ(t.engine.TryEval("x+a", out), 500);
-    t.engine.ExecuteStatement("a=2");
-    EXPECT_EQ(t.engine.Eval("x+a"), 3);
-    t.engine.ExecuteStatement("a=5");  // bound by address: sees every later value
-    EXPECT_EQ(t.engine.Eval("x+a"), 6);
-    t.engine.ExecuteStatement("d = a + 1");  // compiled before d existed
-    t.engine.ExecuteStatement("d = a + 1");
-    EXPECT_EQ(t.engine.Eval("d"), 6);
-    t.engine.ExecuteStatement("n = 1: n = n + 1: m = n * 10");  // created earlier on the line
-    EXPECT_EQ(t.engine.Eval("m"), 20);
-    EXPECT_EQ(t.errors.size(), 2u);
+    size_t errors = 0;
+    for (const SessionRow& row : rows) {
+      SCOPED_TRACE(std::string(row.statements) + " then " + row.text + (optimize ? " (optimized)" : " (plain)"));
+      if (*row.statements) t.engine.ExecuteStatement(row.statements);
+      const Outcome o = evalOnce(t.engine, row.text);
+      EXPECT_EQ(o.number, row.error) << o.description;
+      if (!row.error) {
+        EXPECT_DOUBLE_EQ(o.value, row.expected);
+      }
+      errors += row.error != 0;
+    }
+    EXPECT_EQ(t.errors.size(), errors);
   }
+}
+
+TEST(Engine, StatementsAssignAndEvalCompares) {
+  checkSession({
+      {"x = 0.25: b = 1 = 1: a = 2.37: c = 2 * a: sh.y = 4: HalfPi = 3: ierr = 2.5", "x = 0.5", 0},
+      {"", "x", 0.25},  // Eval compares: x is not touched
+      {"", "b", -1},    // the second = compares
+      {"", "c", 4.74},     {"", "sh.y", 4}, {"", "HalfPi", 3},
+      {"", "ierr", 2},  // rounds half to even into the integer field
+      {"x = 1", "x+q", 0, 500}, {"q=2", "x+q", 3},
+      {"q=5", "x+q", 6},      // bound by address: sees every later value
+      {"d = q + 1", "d", 6},  // compiled before d existed
+      {"d = q + 1", "d", 6},
+      {"n = 1: n = n + 1: m = n * 10", "m", 20},  // created earlier on the line
+  });
 }
 
 // A variable holds the kind of number last assigned to it; formulas compiled for the
@@ -84,25 +89,14 @@ TEST(Engine, NamesBindWhenTheyAppear) {
 TEST(Engine, VariablesHoldTheKindOfNumberAssigned) {
   const double tenth = 0.1f;
   const auto single = [](double v) { return static_cast<double>(static_cast<float>(v)); };
-  for (bool optimize : {true, false}) {
-    Recorded t(optimize);
-    t.engine.ExecuteStatement("s = 0.1: k = 3");
-    EXPECT_EQ(t.engine.Eval("s * k"), 0.1 * 3);
-    t.engine.ExecuteStatement("s = CSng(0.1)");
-    EXPECT_EQ(t.engine.Eval("s * k"), single(tenth * 3));
-    EXPECT_EQ(t.engine.Eval("s = 0.1"), -1);
-    t.engine.ExecuteStatement("k = 40000");
-    EXPECT_EQ(t.engine.Eval("s * k"), tenth * 40000);
-    // Within one line each statement sees the kinds the earlier ones left.
-    t.engine.ExecuteStatement("n = 32767: n = n + 1: m = s + n: j = s + 7 \\ 2: k = s");
-    EXPECT_EQ(t.engine.Eval("m"), tenth + 32768);
-    EXPECT_EQ(t.engine.Eval("j"), single(tenth + 3));
-    EXPECT_EQ(t.engine.Eval("k * 3"), single(tenth * 3));
-    // A field of the math object is a Double whatever is assigned to it.
-    t.engine.ExecuteStatement("x = s");
-    EXPECT_EQ(t.engine.Eval("x = 0.1"), 0);
-    EXPECT_TRUE(t.errors.empty());
-  }
+  checkSession({
+      {"s = 0.1: k = 3", "s * k", 0.1 * 3}, {"s = CSng(0.1)", "s * k", single(tenth * 3)}, {"", "s = 0.1", -1},
+      {"k = 40000", "s * k", tenth * 40000},
+      // Within one line each statement sees the kinds the earlier ones left.
+      {"n = 32767: n = n + 1: m = s + n: j = s + 7 \\ 2: k = s", "m", tenth + 32768},
+      {"", "j", single(tenth + 3)}, {"", "k * 3", single(tenth * 3)},
+      {"x = s", "x = 0.1", 0},  // a field of the math object is a Double whatever is assigned to it
+  });
 }
 
 TEST(Engine, CacheComparesTextNotBufferAndHoldsManyTexts) {

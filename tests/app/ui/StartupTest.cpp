@@ -190,10 +190,10 @@ class StartupAndShellTest : public QObject {
     QCOMPARE(dialogs.messages().size(), size_t{1});
     const ScriptedDialogs::MessageRecord& warning = dialogs.messages()[0];
     QCOMPARE(std::tie(warning.title, warning.style), std::tuple(std::string("Decimal Comma Warning!"), 19));
-    QVERIFY(warning.prompt.starts_with("Proper operation of this application requires the use of the DECIMAL POINT.\r"));
-    QVERIFY(warning.prompt.ends_with("\r(Upon exiting, this application will restore your setting.)\r(See HELP FILE or "
-                                     "visit www.orvane.example for instructions on how to change MANUALLY)\r\r"
-                                     "Press YES to change."));
+    QCOMPARE(warning.prompt, DecimalPoint::warningText());  // its lines joined by carriage returns:
+    QVERIFY(warning.prompt.ends_with("\r(Upon exiting, this application will restore your setting.)\r"
+                                     "(See HELP FILE or visit www.orvane.example for instructions on how to change "
+                                     "MANUALLY)\r\rPress YES to change."));
     QCOMPARE(clock.calls, size_t{4});
     QVERIFY(!subMain.about()->isVisible());
     QVERIFY(subMain.mainWindow() && subMain.mainWindow()->isVisible());
