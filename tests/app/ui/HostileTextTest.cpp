@@ -124,7 +124,9 @@ struct Main {
     }
     return true;
   }
-  frmEdit* openEditor() {
+  // The problem set up to three data sets, and the editor open on them.
+  frmEdit* setUpWithEditor() {
+    if (!setUpTo("")) return nullptr;
     button("cmdEditData")->click();
     frmEdit* editor = window.editor();
     return editor != nullptr && QTest::qWaitForWindowActive(editor) ? editor : nullptr;
@@ -204,25 +206,10 @@ class HostileTextTest : public QObject {
     }
   }
 
-  void addDataCount() {
+  // A data cell, then the number of data sets to add.
+  void editorCellAndAddDataCount() {
     Main w;
-    QVERIFY(w.setUpTo(""));
-    QVERIFY(w.openEditor());
-    for (const QString& text : kHostileTexts) {
-      const int sets = w.problem.N;
-      const size_t messages = w.dialogs.messages().size();
-      w.window.editor()->cmdExit->click();
-      w.dialogs.queueInputBox(text.toStdString());
-      w.button("cmdAddData")->click();
-      QCOMPARE(w.dialogs.messages().size(), messages + (overflows(text) ? 1 : 0));
-      QCOMPARE(w.problem.N, sets + (text == "1,5" ? 1 : 0));  // only "1,5" counts, as one
-    }
-  }
-
-  void editorCell() {
-    Main w;
-    QVERIFY(w.setUpTo(""));
-    frmEdit* editor = w.openEditor();
+    frmEdit* editor = w.setUpWithEditor();
     QVERIFY(editor);
     QTest::keyClicks(QApplication::focusWidget(), "7");
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
@@ -246,12 +233,20 @@ class HostileTextTest : public QObject {
       QCOMPARE(w.problem.X(2, 1), leadingNumber(shown.toStdString()));
       QCOMPARE(w.problem.X(1, 1), 0.0);
     }
+    for (const QString& text : kHostileTexts) {
+      const int sets = w.problem.N;
+      const size_t messages = w.dialogs.messages().size();
+      w.window.editor()->cmdExit->click();
+      w.dialogs.queueInputBox(text.toStdString());
+      w.button("cmdAddData")->click();
+      QCOMPARE(w.dialogs.messages().size(), messages + (overflows(text) ? 1 : 0));
+      QCOMPARE(w.problem.N, sets + (text == "1,5" ? 1 : 0));  // only "1,5" counts, as one
+    }
   }
 
   void estimatesPoint() {
     Main w;
-    QVERIFY(w.setUpTo(""));
-    frmEdit* editor = w.openEditor();
+    frmEdit* editor = w.setUpWithEditor();
     QVERIFY(editor);
     for (int r = 0; r < 3; ++r) {  // y = 1 + 2x
       editor->model()->setCellText(editor->model()->index(r, 0), QString::number(3 + 2 * r));
