@@ -190,10 +190,9 @@ class StartupAndShellTest : public QObject {
     QCOMPARE(dialogs.messages().size(), size_t{1});
     const ScriptedDialogs::MessageRecord& warning = dialogs.messages()[0];
     QCOMPARE(std::tie(warning.title, warning.style), std::tuple(std::string("Decimal Comma Warning!"), 19));
-    QCOMPARE(warning.prompt, DecimalPoint::warningText());  // its lines joined by carriage returns:
-    QVERIFY(warning.prompt.ends_with("\r(Upon exiting, this application will restore your setting.)\r"
-                                     "(See HELP FILE or visit www.orvane.example for instructions on how to change "
-                                     "MANUALLY)\r\rPress YES to change."));
+    QCOMPARE(warning.prompt, DecimalPoint::warningText());
+    QVERIFY(warning.prompt.starts_with("Proper operation of this application requires the use of the DECIMAL POINT.\r"
+                                       "Your system is currently using the DECIMAL COMMA.\r\rDo you wish"));
     QCOMPARE(clock.calls, size_t{4});
     QVERIFY(!subMain.about()->isVisible());
     QVERIFY(subMain.mainWindow() && subMain.mainWindow()->isVisible());
@@ -245,7 +244,7 @@ class StartupAndShellTest : public QObject {
     QCOMPARE(subMain.decimalPoint().savedSeparator(), text);
     if (!runs) {
       QCOMPARE(clock.calls, size_t{0});
-      QVERIFY(!subMain.about() && !subMain.mainWindow() && !visibleWindows() > 0);
+      QVERIFY(!subMain.about() && !subMain.mainWindow() && visibleWindows() == 0);
       return;
     }
     QVERIFY(subMain.mainWindow() && subMain.mainWindow()->isVisible());
