@@ -25,7 +25,7 @@ namespace orvane {
 namespace {
 
 // Hands out the readings in order; a reading after the last counts as an overrun and
-// answers far in the future so the wait still ends.
+// answers far in the future, ten seconds on each time, so the wait always ends.
 struct ScriptedClock {
   explicit ScriptedClock(std::vector<double> r) : readings(std::move(r)) {}
   std::vector<double> readings;
@@ -37,8 +37,7 @@ struct ScriptedClock {
     return [this] {
       if (onReading) onReading();
       if (calls < readings.size()) return readings[calls++];
-      ++overruns;
-      return 1e12;
+      return 1e12 + 10.0 * ++overruns;
     };
   }
 };
@@ -77,14 +76,17 @@ DecimalPoint::SeparatorSource separatorOf(std::string separator) {
   return [separator] { return separator; };
 }
 
-// A started program whose clock has always just passed the splash's wait.
+// The program on its way up: dialogs of the given kind, a clock handing out `readings`,
+// and the user's separator.
 template <class Dialogs = ScriptedDialogs>
-struct Started {
+struct Launch {
   Dialogs dialogs;
+  ScriptedClock clock;
   SubMain subMain;
-  explicit Started(const std::string& separator = ".")
-      : subMain(dialogs, [now = 1000.0]() mutable { return now += 1.0; }, separatorOf(separator)) {}
+  explicit Launch(std::vector<double> readings = {}, const std::string& separator = ".")
+      : clock(std::move(readings)), subMain(dialogs, clock.clock(), separatorOf(separator)) {}
   frmOrvane* window() { return subMain.mainWindow(); }
+  frmAbout* about() { return subMain.about(); }
   QAction* action(const char* name) { return subMain.mainWindow()->findChild<QAction*>(name); }
   void openAbout() {  // the About entry shows once a problem is set up; here it is shown directly
     action("mnuAbout")->setVisible(true);
@@ -160,43 +162,41 @@ class StartupAndShellTest : public QObject {
   }
 
   void guardThenSplashThenMainWindow() {
-    WatchingDialogs dialogs;
-    dialogs.queueMsgBox(mb::Yes);
-    ScriptedClock clock({500.2, 501.0, 502.5, 503.1});
-    SubMain subMain(dialogs, clock.clock(), separatorOf(","));
+    Launch<WatchingDialogs> p({500.2, 501.0, 502.5, 503.1}, ",");
+    p.dialogs.queueMsgBox(mb::Yes);
     QStringList faults;
     auto fault = [&](bool bad, const char* what) {
       if (bad) faults << what;
     };
-    dialogs.onMsgBox = [&] { fault(visibleWindows() > 0, "a window was visible while the guard asked"); };
-    dialogs.onDoEvents = [&] {
-      fault(!subMain.about() || !subMain.about()->isVisible() || subMain.about()->printedLines().size() != 10,
+    p.dialogs.onMsgBox = [&] { fault(visibleWindows() > 0, "a window was visible while the guard asked"); };
+    p.dialogs.onDoEvents = [&] {
+      fault(!p.about() || !p.about()->isVisible() || p.about()->printedLines().size() != 10,
             "the splash was not shown with its text before events ran");
     };
-    clock.onReading = [&] {
-      fault(dialogs.doEvents() == 0, "the wait began before the splash was painted");
-      fault(!subMain.about() || !subMain.about()->isVisible(), "the splash was hidden during the wait");
-      fault(subMain.mainWindow() != nullptr, "the main window existed during the wait");
+    p.clock.onReading = [&] {
+      fault(p.dialogs.doEvents() == 0, "the wait began before the splash was painted");
+      fault(!p.about() || !p.about()->isVisible(), "the splash was hidden during the wait");
+      fault(p.subMain.mainWindow() != nullptr, "the main window existed during the wait");
     };
     bool mainShown = false;
     MainWindowShowWatcher watcher([&] {
       mainShown = true;
-      fault(subMain.about()->isVisible(), "the splash was still up when the main window showed");
+      fault(p.about()->isVisible(), "the splash was still up when the main window showed");
     });
 
-    QVERIFY(subMain.Start());
+    QVERIFY(p.subMain.Start());
     QVERIFY(mainShown);
     QCOMPARE(faults, QStringList());
-    QCOMPARE(dialogs.messages().size(), size_t{1});
-    const ScriptedDialogs::MessageRecord& warning = dialogs.messages()[0];
+    QCOMPARE(p.dialogs.messages().size(), size_t{1});
+    const ScriptedDialogs::MessageRecord& warning = p.dialogs.messages()[0];
     QCOMPARE(std::tie(warning.title, warning.style), std::tuple(std::string("Decimal Comma Warning!"), 19));
     QCOMPARE(warning.prompt, DecimalPoint::warningText());
     QVERIFY(warning.prompt.starts_with("Proper operation of this application requires the use of the DECIMAL POINT.\r"
                                        "Your system is currently using the DECIMAL COMMA.\r\rDo you wish"));
-    QCOMPARE(clock.calls, size_t{4});
-    QVERIFY(!subMain.about()->isVisible());
-    QVERIFY(subMain.mainWindow() && subMain.mainWindow()->isVisible());
-    QVERIFY(subMain.decimalPoint().pointInForce());
+    QCOMPARE(p.clock.calls, size_t{4});
+    QVERIFY(!p.about()->isVisible());
+    QVERIFY(p.subMain.mainWindow() && p.subMain.mainWindow()->isVisible());
+    QVERIFY(p.subMain.decimalPoint().pointInForce());
   }
 
   // The wait ends at the first reading whose whole second is three past the starting one:
@@ -205,14 +205,12 @@ class StartupAndShellTest : public QObject {
     for (const std::vector<double>& readings : {std::vector<double>{100.9, 101.0, 102.0, 102.999, 103.0},
                                                  {100.0, 100.5, 101.0, 102.0, 102.9999, 103.0},
                                                  {100.0, 103.5}, {100.3, 101.7, 250.0}}) {
-      ScriptedDialogs dialogs;
-      ScriptedClock clock(readings);
-      SubMain subMain(dialogs, clock.clock(), separatorOf("."));
-      bool mainWindowDuringWait = false;
-      clock.onReading = [&] { mainWindowDuringWait |= subMain.mainWindow() != nullptr; };
-      QVERIFY(subMain.Start());
-      QCOMPARE(clock.overruns, 0);
-      QCOMPARE(clock.calls, readings.size());
+      Launch p(readings);
+        bool mainWindowDuringWait = false;
+      p.clock.onReading = [&] { mainWindowDuringWait |= p.subMain.mainWindow() != nullptr; };
+      QVERIFY(p.subMain.Start());
+      QCOMPARE(p.clock.overruns, 0);
+      QCOMPARE(p.clock.calls, readings.size());
       QVERIFY(!mainWindowDuringWait);
     }
   }
@@ -233,25 +231,23 @@ class StartupAndShellTest : public QObject {
   void answersToTheWarning() {
     QFETCH(WarningCase, c);
     const auto& [text, answer, runs, point] = c;
-    ScriptedDialogs dialogs;
-    if (answer >= 0) dialogs.queueMsgBox(answer);
-    ScriptedClock clock({10.0, 13.0});
-    SubMain subMain(dialogs, clock.clock(), separatorOf(text));
+    Launch p({10.0, 13.0}, text);
+    if (answer >= 0) p.dialogs.queueMsgBox(answer);
 
-    QCOMPARE(subMain.Start(), runs);
-    QCOMPARE(dialogs.messages().size(), size_t(answer >= 0 ? 1 : 0));
-    QCOMPARE(subMain.decimalPoint().pointInForce(), point);
-    QCOMPARE(subMain.decimalPoint().savedSeparator(), text);
+    QCOMPARE(p.subMain.Start(), runs);
+    QCOMPARE(p.dialogs.messages().size(), size_t(answer >= 0 ? 1 : 0));
+    QCOMPARE(p.subMain.decimalPoint().pointInForce(), point);
+    QCOMPARE(p.subMain.decimalPoint().savedSeparator(), text);
     if (!runs) {
-      QCOMPARE(clock.calls, size_t{0});
-      QVERIFY(!subMain.about() && !subMain.mainWindow() && visibleWindows() == 0);
+      QCOMPARE(p.clock.calls, size_t{0});
+      QVERIFY(!p.about() && !p.subMain.mainWindow() && visibleWindows() == 0);
       return;
     }
-    QVERIFY(subMain.mainWindow() && subMain.mainWindow()->isVisible());
-    subMain.mainWindow()->close();
-    QCOMPARE(subMain.decimalPoint().restoreCount(), 1);
-    QCOMPARE(subMain.decimalPoint().savedSeparator(), text);
-    if (answer >= 0) QVERIFY(!subMain.decimalPoint().pointInForce());
+    QVERIFY(p.subMain.mainWindow() && p.subMain.mainWindow()->isVisible());
+    p.subMain.mainWindow()->close();
+    QCOMPARE(p.subMain.decimalPoint().restoreCount(), 1);
+    QCOMPARE(p.subMain.decimalPoint().savedSeparator(), text);
+    if (answer >= 0) QVERIFY(!p.subMain.decimalPoint().pointInForce());
   }
 
   // The user's separator as the system has it: a locale with a decimal comma is compiled
@@ -287,20 +283,20 @@ class StartupAndShellTest : public QObject {
   }
 
   void aboutAppendsUntilClosed() {
-    Started p;
+    Launch p;
     QVERIFY(p.subMain.Start());
     p.openAbout();  // the splash's lines went with the splash
-    QVERIFY(p.subMain.about()->isVisible());
-    QCOMPARE(p.subMain.about()->printedLines(), frmAbout::splashLines());
+    QVERIFY(p.about()->isVisible());
+    QCOMPARE(p.about()->printedLines(), frmAbout::splashLines());
     p.openAbout();
-    QCOMPARE(p.subMain.about()->printedLines(), frmAbout::splashLines() + frmAbout::splashLines());
+    QCOMPARE(p.about()->printedLines(), frmAbout::splashLines() + frmAbout::splashLines());
 
-    QTest::mouseClick(p.subMain.about(), Qt::LeftButton, {}, QPoint(20, 20));
-    QVERIFY(!p.subMain.about()->isVisible());
+    QTest::mouseClick(p.about(), Qt::LeftButton, {}, QPoint(20, 20));
+    QVERIFY(!p.about()->isVisible());
     QVERIFY(p.window()->isVisible());
     QCOMPARE(p.subMain.decimalPoint().restoreCount(), 0);
     p.openAbout();
-    QCOMPARE(p.subMain.about()->printedLines().size(), 10);
+    QCOMPARE(p.about()->printedLines().size(), 10);
   }
 
   // Help is orvane.hlp in the folder that was current when the main window loaded,
@@ -312,7 +308,7 @@ class StartupAndShellTest : public QObject {
         const QString expected = QDir(QFileInfo(startDir.path()).canonicalFilePath()).filePath("orvane.hlp");
         if (fileThere) writeFile(expected, "<html><body><h1>Help</h1></body></html>");
         writeFile(QDir(otherDir.path()).filePath("orvane.hlp"), "<html><body>decoy</body></html>");
-        Started p;
+        Launch p;
         QVERIFY(p.startIn(startDir.path()));
         const QString old = QDir::currentPath();
         QDir::setCurrent(moveAway ? otherDir.path() : startDir.path());
@@ -336,9 +332,11 @@ class StartupAndShellTest : public QObject {
       QTemporaryDir prefix;
       QDir(prefix.path()).mkpath("bin");
       QDir(prefix.path()).mkpath("share/orvane/help");
-      if (installed) writeFile(prefix.filePath("share/orvane/help/orvane.hlp"), "<html><body>Installed help</body></html>");
-      Started<HelpDialogs> p;
-      p.dialogs.setHelpFolders(HelpFolders(installed ? prefix.filePath("bin") : QCoreApplication::applicationDirPath()));
+      const QString document = prefix.filePath("share/orvane/help/orvane.hlp");
+      if (installed) writeFile(document, "<html><body>Installed help</body></html>");
+      Launch<HelpDialogs> p;
+      const QString programFolder = installed ? prefix.filePath("bin") : QCoreApplication::applicationDirPath();
+      p.dialogs.setHelpFolders(HelpFolders(programFolder));
       QVERIFY(p.startIn("/"));
       p.action("mnuHelp")->trigger();
       QCOMPARE(p.dialogs.messages, QStringList());
@@ -356,7 +354,7 @@ class StartupAndShellTest : public QObject {
   void exitRestoresOnceAndClosesEverything() {
     for (const bool byButton : {false, true}) {
       for (const bool aboutOpen : {false, true}) {
-        Started p(",");
+        Launch p({}, ",");
         QVERIFY(p.subMain.Start());
         if (aboutOpen) p.openAbout();
         QWidget other(nullptr, Qt::Window);  // stands for a plot or editor window left open
@@ -372,7 +370,7 @@ class StartupAndShellTest : public QObject {
         QCOMPARE(p.subMain.decimalPoint().restoreCount(), 1);
         QCOMPARE(p.subMain.decimalPoint().savedSeparator(), std::string(","));
         QCOMPARE(visibleWindows(), 0);
-        QVERIFY(p.subMain.about()->printedLines().isEmpty());
+        QVERIFY(p.about()->printedLines().isEmpty());
         p.window()->close();  // a second unload (the close box after Exit) restores nothing more
         QCOMPARE(p.subMain.decimalPoint().restoreCount(), 1);
       }
