@@ -9,16 +9,14 @@ namespace orvane::test {
 namespace {
 
 TEST(UserConstants, NameRules) {
-  const struct {
-    const char* typed;
-    bool accepted;
-  } rows[] = {{"a=2.37", true}, {"a1=5", true}, {"Abc9=pi/2", true}, {"2a=1", false}, {"a b=1", false},
-              {"a_b=1", false}, {" a=1", false}, {"=5", false}, {"abc", false}, {"\xC3\xA9=1", false},
-              {"a=", true}};  // a bad value is the engine's to report
-  for (const auto& row : rows) {
+  const std::pair<const char*, bool> rows[] = {
+      {"a=2.37", true}, {"a1=5", true}, {"Abc9=pi/2", true}, {"2a=1", false}, {"a b=1", false}, {"a_b=1", false},
+      {" a=1", false},  {"=5", false},  {"abc", false},      {"\xC3\xA9=1", false},
+      {"a=", true}};  // a bad value is the engine's to report
+  for (const auto& [typed, accepted] : rows) {
     UserConstants list;
-    EXPECT_EQ(list.Add(row.typed), row.accepted) << row.typed;
-    EXPECT_EQ(list.numcon(), row.accepted ? 1 : 0) << row.typed;
+    EXPECT_EQ(list.Add(typed), accepted) << typed;
+    EXPECT_EQ(list.numcon(), accepted ? 1 : 0) << typed;
   }
 }
 
