@@ -11,6 +11,7 @@
 #include <QTimer>
 #include <QTextBrowser>
 #include <QtTest>
+#include <functional>
 
 #include "platform/PrinterPage.h"
 #include "platform/RecordingCanvas.h"
@@ -224,38 +225,32 @@ class QtAdaptersTest : public QObject {
 
   // A box or dialog belongs to the window the user works in, so it opens over it; closed,
   // it answers nothing.
-  void dialogsOpenOverTheActiveWindow_data() {
-    QTest::addColumn<QString>("dialog");
-    for (const char* dialog : {"message box", "input box", "open dialog", "save dialog", "print dialog"})
-      QTest::newRow(dialog) << dialog;
-  }
   void dialogsOpenOverTheActiveWindow() {
-    QFETCH(QString, dialog);
     QWidget first, second;
     for (QWidget* window : {&first, &second}) window->resize(320, 200);
     first.show();
     second.show();
-    second.activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(&second));
     QtDialogs dialogs(&first);  // the window given serves only when none is active
-    const QWidget* owner = nullptr;
-    QTimer::singleShot(0, [&] {
-      if (QWidget* open = QApplication::activeModalWidget()) {
-        owner = open->parentWidget();
-        open->close();
-      }
-    });
-    if (dialog == "message box")
-      dialogs.MsgBox("Overflow");
-    else if (dialog == "input box")
-      QCOMPARE(dialogs.InputBox("How many additional data sets?", "Add data"), std::nullopt);
-    else if (dialog == "open dialog")
-      QCOMPARE(dialogs.OpenFileName("Open", "All files (*)"), std::nullopt);
-    else if (dialog == "save dialog")
-      QCOMPARE(dialogs.SaveFileName("Save As", "All files (*)"), std::nullopt);
-    else
-      QVERIFY(dialogs.OpenPrinter("Report") == nullptr);
-    QCOMPARE(owner, &second);
+    const std::function<void()> opens[] = {
+        [&] { dialogs.MsgBox("Overflow"); },
+        [&] { QCOMPARE(dialogs.InputBox("How many additional data sets?", "Add data"), std::nullopt); },
+        [&] { QCOMPARE(dialogs.OpenFileName("Open", "All files (*)"), std::nullopt); },
+        [&] { QCOMPARE(dialogs.SaveFileName("Save As", "All files (*)"), std::nullopt); },
+        [&] { QVERIFY(dialogs.OpenPrinter("Report") == nullptr); },
+    };
+    for (const std::function<void()>& open : opens) {
+      second.activateWindow();
+      QVERIFY(QTest::qWaitForWindowActive(&second));
+      const QWidget* owner = nullptr;
+      QTimer::singleShot(0, [&] {
+        if (QWidget* dialog = QApplication::activeModalWidget()) {
+          owner = dialog->parentWidget();
+          dialog->close();
+        }
+      });
+      open();
+      QCOMPARE(owner, &second);
+    }
   }
 
   void helpWindowShowsTheDocumentAndIsReused() {
