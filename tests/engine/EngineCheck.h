@@ -53,10 +53,12 @@ inline void expectSame(const Outcome& o, const Outcome& ref) {
 // `text` over one block of points around x, some of them failing for most formulas
 // (0, -1, out of range), each lane against its own point evaluation in the same engine:
 // the same bits or the same error, reported at the same place, with the same ierr.
-inline void expectBlockAgrees(Engine& t, const std::string& text, double x) {
+// Returns the point evaluation at x, where the math object's errors count too.
+inline Outcome expectBlockAgrees(Engine& t, const std::string& text, double x) {
   const double xs[] = {x, x + 0.75, 0, -1, -x, 1e300, 2.5, x};
   const double ys[] = {0.5, x, -1, 0, 1e300, x, -x, 3};
   constexpr int32_t n = static_cast<int32_t>(std::size(xs));
+  Outcome atX;
   for (bool withY : {false, true}) {
     BlockOutcome block;
     TryEvaluateBlock(t.engine, t.sh, text, xs, withY ? ys : nullptr, n, block);
@@ -74,25 +76,27 @@ inline void expectBlockAgrees(Engine& t, const std::string& text, double x) {
       const int32_t number = withY ? TryEvaluateAt(t.engine, t.sh, text, xs[i], ys[i], value)
                                    : TryEvaluateAt(t.engine, t.sh, text, xs[i], value);
       EXPECT_EQ(BlockPointError(block, i), number);
+      if (i == 0 && !withY) std::tie(atX.value, atX.number) = std::tie(value, number);
       if (!number) {
         EXPECT_TRUE(sameBits(block.value[i], value)) << block.value[i] << " vs " << value;
       }
       EXPECT_EQ(ierrFromBlock, t.sh.ierr);
       if (!block.program) continue;  // a text that does not compile: reported once per block
-      ASSERT_EQ(fromBlock.has_value(), reported.has_value());
-      if (reported) {
+      EXPECT_EQ(fromBlock.has_value(), reported.has_value());
+      if (reported && fromBlock) {
         EXPECT_EQ(std::tuple(fromBlock->line(), fromBlock->column(), fromBlock->description()),
                   std::tuple(reported->line(), reported->column(), reported->description()));
       }
     }
     t.engine.SetErrorHandler(nullptr);
   }
+  return atX;
 }
 
 // The outcome of `text` at x, after checking that every way of getting it agrees, a block
 // of points among them.
 inline Outcome evalEveryWay(const std::string& text, double x) {
-  std::optional<Outcome> reference;
+  std::optional<Outcome> reference, pointReference;
   for (bool optimize : {true, false}) {
     SCOPED_TRACE(text + (optimize ? " (optimized)" : " (plain)"));
     Engine t(optimize), fresh(optimize);
@@ -108,12 +112,14 @@ inline Outcome evalEveryWay(const std::string& text, double x) {
     Outcome tried;
     tried.number = t.engine.TryEval(text, tried.value);
     expectSame(tried, first);
-    expectBlockAgrees(t, text, x);
+    const Outcome atPoint = expectBlockAgrees(t, text, x);
     if (!reference) {
       reference = first;
+      pointReference = atPoint;
       continue;
     }
     expectSame(first, *reference);
+    expectSame(atPoint, *pointReference);
     EXPECT_EQ(std::tie(first.line, first.column, first.description),
               std::tie(reference->line, reference->column, reference->description));
   }

@@ -17,12 +17,15 @@ void raise(std::atomic<size_t>& mark, size_t value) {
   }
 }
 
-void* allocate(size_t size) {
+void* tryAllocate(size_t size) noexcept {
   raise(largest, size);
-  if (void* p = std::malloc(size ? size : 1)) {
-    raise(peak, held.fetch_add(malloc_usable_size(p), std::memory_order_relaxed) + malloc_usable_size(p));
-    return p;
-  }
+  void* p = std::malloc(size ? size : 1);
+  if (p) raise(peak, held.fetch_add(malloc_usable_size(p), std::memory_order_relaxed) + malloc_usable_size(p));
+  return p;
+}
+
+void* allocate(size_t size) {
+  if (void* p = tryAllocate(size)) return p;
   throw std::bad_alloc();
 }
 
@@ -48,14 +51,8 @@ size_t peakAllocated() { return peak.load() - heldAtReset.load(); }
 // and goes back to free.
 void* operator new(size_t size) { return allocate(size); }
 void* operator new[](size_t size) { return allocate(size); }
-void* operator new(size_t size, const std::nothrow_t&) noexcept {
-  try {
-    return allocate(size);
-  } catch (const std::bad_alloc&) {
-    return nullptr;
-  }
-}
-void* operator new[](size_t size, const std::nothrow_t& tag) noexcept { return operator new(size, tag); }
+void* operator new(size_t size, const std::nothrow_t&) noexcept { return tryAllocate(size); }
+void* operator new[](size_t size, const std::nothrow_t&) noexcept { return tryAllocate(size); }
 void operator delete(void* p) noexcept { release(p); }
 void operator delete[](void* p) noexcept { release(p); }
 void operator delete(void* p, size_t) noexcept { release(p); }

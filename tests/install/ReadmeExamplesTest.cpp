@@ -1,10 +1,8 @@
-// Every "$ orvane-batch" example of README.md, run as written from the repository root
-// with the built tool on the PATH, must print what the README shows under it: standard
-// output, then standard error. A line "..." stands for any number of lines, and a line
-// ending in "..." for any line that starts with the text before it. An example that
-// shows no output must succeed. The examples run in order in one folder, so a file one
-// of them writes is there for the next; that folder mirrors the repository root, so
-// nothing is written into the repository.
+// Every "$ orvane-batch" example of README.md, run as written with the built tool on the
+// PATH, must print what the README shows under it: standard output, then standard error.
+// A line "..." stands for any lines, a line ending in "..." for any line that starts so.
+// An example that shows no output must succeed. The examples run in order in a folder
+// that mirrors the repository root, so nothing is written into the repository.
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -46,11 +44,10 @@ std::vector<Example> readmeExamples(const fs::path& readme) {
   return examples;
 }
 
-std::vector<std::string> linesOf(const fs::path& file) {
+// Appends the lines of `file` to `lines`.
+void readLines(const fs::path& file, std::vector<std::string>& lines) {
   std::ifstream in(file);
-  std::vector<std::string> lines;
   for (std::string line; std::getline(in, line);) lines.push_back(line);
-  return lines;
 }
 
 bool lineMatches(const std::string& shown, const std::string& printed) {
@@ -58,16 +55,15 @@ bool lineMatches(const std::string& shown, const std::string& printed) {
   return shown == printed;
 }
 
-bool outputMatches(const std::vector<std::string>& shown, size_t s,
-                   const std::vector<std::string>& printed, size_t p) {
+// Whether printed[p...] matches shown[s...].
+bool outputMatches(const std::vector<std::string>& shown, size_t s, const std::vector<std::string>& printed, size_t p) {
   if (s == shown.size()) return p == printed.size();
   if (shown[s] == "...") {
     for (size_t skip = p; skip <= printed.size(); ++skip)
       if (outputMatches(shown, s + 1, printed, skip)) return true;
     return false;
   }
-  return p < printed.size() && lineMatches(shown[s], printed[p]) &&
-         outputMatches(shown, s + 1, printed, p + 1);
+  return p < printed.size() && lineMatches(shown[s], printed[p]) && outputMatches(shown, s + 1, printed, p + 1);
 }
 
 std::string joined(const std::vector<std::string>& lines) {
@@ -100,8 +96,9 @@ TEST(ReadmeExamples, PrintWhatTheReadmeShows) {
     const std::string run = "cd " + quoted(folder.string()) + " && PATH=" + quoted(ORVANE_BATCH_FOLDER) +
                             ":\"$PATH\" sh -c " + quoted(example.command) + " >.out 2>.err";
     const int status = std::system(run.c_str());
-    std::vector<std::string> printed = linesOf(folder / ".out");
-    for (const std::string& line : linesOf(folder / ".err")) printed.push_back(line);
+    std::vector<std::string> printed;
+    readLines(folder / ".out", printed);
+    readLines(folder / ".err", printed);
     EXPECT_TRUE(outputMatches(example.shown, 0, printed, 0))
         << "README shows:\n" << joined(example.shown) << "printed:\n" << joined(printed);
     if (example.shown.empty()) EXPECT_EQ(status, 0) << joined(printed);

@@ -1,3 +1,5 @@
+// The drawing surface and the printed page, through the recorders the routines' tests use.
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -6,6 +8,7 @@
 #include <vector>
 
 #include "platform/RecordingCanvas.h"
+#include "platform/RecordingPrinterPage.h"
 #include "platform/RuntimeError.h"
 
 namespace orvane {
@@ -22,14 +25,10 @@ TEST(Canvas, ScalesConvertBetweenUnits) {
 
   canvas.Scale(-10, 10, 10, -10);  // y grows upward
   EXPECT_FLOAT_EQ(canvas.ScaleHeight(), -20);
-  const struct {
-    float x, y;
-    double px, py;
-  } points[] = {{-10, 10, 0, 0}, {10, -10, 200, 100}, {0, 0, 100, 50}, {5, 5, 150, 25}};
-  for (const auto& p : points) {
-    EXPECT_DOUBLE_EQ(canvas.toPixelX(p.x), p.px) << p.x;
-    EXPECT_DOUBLE_EQ(canvas.toPixelY(p.y), p.py) << p.y;
-  }
+  const struct { float x, y; double px, py; } points[] = {{-10, 10, 0, 0}, {10, -10, 200, 100}, {0, 0, 100, 50},
+                                                          {5, 5, 150, 25}};
+  for (const auto& [x, y, px, py] : points)
+    EXPECT_EQ(std::pair(canvas.toPixelX(x), canvas.toPixelY(y)), std::pair(px, py)) << x << "," << y;
   // The clipboard copy's way of finding the client area works under any scale.
   EXPECT_FLOAT_EQ(canvas.ScaleX(canvas.ScaleWidth(), ScaleUnit::User, ScaleUnit::Pixels), 200);
   EXPECT_FLOAT_EQ(canvas.ScaleY(canvas.ScaleHeight(), ScaleUnit::User, ScaleUnit::Pixels), 100);
@@ -51,11 +50,9 @@ TEST(Canvas, DegenerateScaleIsAnErrorAndKeepsTheOldOne) {
   RecordingCanvas canvas = makeCanvas();
   canvas.Scale(0, 0, 4, 2);
   const float nan = std::numeric_limits<float>::quiet_NaN(), inf = std::numeric_limits<float>::infinity();
-  const struct {
-    float x1, y1, x2, y2;
-    int32_t error;
-  } cases[] = {{1, 0, 1, 5, err::InvalidCall}, {0, 3, 5, 3, err::InvalidCall}, {nan, 0, 1, 1, err::Overflow},
-               {0, 0, inf, 1, err::Overflow},  {-3e38f, 0, 3e38f, 1, err::Overflow}};
+  const struct { float x1, y1, x2, y2; int32_t error; } cases[] = {
+      {1, 0, 1, 5, err::InvalidCall}, {0, 3, 5, 3, err::InvalidCall}, {nan, 0, 1, 1, err::Overflow},
+      {0, 0, inf, 1, err::Overflow},  {-3e38f, 0, 3e38f, 1, err::Overflow}};
   for (const auto& c : cases) {
     try {
       canvas.Scale(c.x1, c.y1, c.x2, c.y2);
@@ -126,6 +123,46 @@ TEST(Canvas, PrintMovesDownTheScreenWhicheverWayYGrows) {
   ASSERT_EQ(canvas.count(CanvasCall::Kind::Text), 2u);
   EXPECT_EQ(canvas.describe(0), "text (0,0) \"ab\" #000000");
   EXPECT_EQ(canvas[1].text, "c");
+}
+
+TEST(RecordingPrinterPage, TabColumnsLineUpAsInAFixedPitchFont) {
+  RecordingPrinterPage page;
+  for (const char* last : {"RESIDUAL:", "-0.1 "}) {
+    page.Write("DATA:");
+    page.Tab(34);
+    page.Write("ESTIMATE:");
+    page.Tab(57);
+    page.Write(last);
+    page.NewLine();
+  }
+  page.Write(std::string(40, 'x'));
+  page.Tab(34);  // behind the position: the next line
+  page.Write("v");
+  page.Tab(3);  // column 3 is behind column 35 as well
+  page.Write("w");
+  page.Write("");
+  page.Tab(4);  // already at column 4 after "  w": stays on the line
+  page.Write("z");
+  page.NewLine();
+  const std::string header = "DATA:" + std::string(28, ' ') + "ESTIMATE:" + std::string(14, ' ');
+  EXPECT_EQ(page.texts(), (std::vector<std::string>{header + "RESIDUAL:", header + "-0.1 ", std::string(40, 'x'),
+                                                    std::string(33, ' ') + "v", "  wz"}));
+}
+
+TEST(RecordingPrinterPage, LinesCarryTheirYInTwipsAndOverflowToANewPage) {
+  RecordingPrinterPage page(240, 1000);  // four lines to a page
+  page.PrintLine("a");
+  page.PrintLine();
+  page.SetCurrentY(480);
+  for (const char* text : {"c", "d", "e"}) page.PrintLine(text);
+  const std::vector<PrintedLine>& lines = page.lines();
+  ASSERT_EQ(lines.size(), 5u);
+  const double ys[] = {0, 240, 480, 720, 0};
+  for (size_t i = 0; i < lines.size(); ++i) {
+    EXPECT_EQ(lines[i].y, ys[i]) << i;
+    EXPECT_EQ(lines[i].page, i < 4 ? 1 : 2) << i;
+  }
+  EXPECT_EQ(page.CurrentY(), 240);
 }
 
 }  // namespace

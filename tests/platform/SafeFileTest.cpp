@@ -28,11 +28,27 @@ class SafeFileTest : public ::testing::Test {
   void TearDown() override { fs::remove_all(dir_); }
   std::string path(const std::string& name) const { return (dir_ / name).string(); }
   static std::string read(const std::string& file) { return ReadWholeFile(file).value_or("<missing>"); }
-  std::vector<std::string> entries() const {
+  std::vector<std::string> entries(const std::string& folder = "") const {
     std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator(dir_)) names.push_back(entry.path().filename().string());
+    for (const auto& entry : fs::directory_iterator(dir_ / folder)) names.push_back(entry.path().filename().string());
     std::sort(names.begin(), names.end());
     return names;
+  }
+  using Files = std::vector<std::pair<std::string, std::string>>;  // {target, text}
+  static void save(const Files& files) {
+    SafeSave group;
+    for (const auto& [target, text] : files) group.Text(target, text);
+    group.Commit();
+  }
+  // The error of saving `files` as one group; a group that saved is a failure.
+  static SaveError saveFailure(const Files& files) {
+    try {
+      save(files);
+    } catch (const SaveError& e) {
+      return e;
+    }
+    ADD_FAILURE() << "saved";
+    return SaveError("", "");
   }
 
   fs::path dir_;
@@ -49,16 +65,8 @@ TEST_F(SafeFileTest, AGroupReplacesItsTargetsOnlyWhenEveryMemberIsWritten) {
   EXPECT_EQ(read(path("b.txt")), "old b");
 
   fs::permissions(path("b.txt"), fs::perms::owner_read | fs::perms::group_read);  // b cannot be replaced
-  try {
-    SafeSave save;
-    save.Text(path("a.txt"), "new a");
-    save.Text(path("b.txt"), "new b");
-    save.Commit();
-    ADD_FAILURE() << "saved over a read-only file";
-  } catch (const SaveError& e) {
-    EXPECT_EQ(e.target(), path("b.txt"));
-    EXPECT_EQ(e.reason(), "Permission denied");
-  }
+  const SaveError e = saveFailure({{path("a.txt"), "new a"}, {path("b.txt"), "new b"}});
+  EXPECT_EQ(std::pair(e.target(), e.reason()), std::pair(path("b.txt"), std::string("Permission denied")));
   EXPECT_EQ(read(path("a.txt")), "one\r\ntwo\r\n");
   EXPECT_EQ(read(path("b.txt")), "old b");
   EXPECT_EQ(entries(), (std::vector<std::string>{"a.txt", "b.txt"}));  // no temporary left
@@ -73,11 +81,7 @@ TEST_F(SafeFileTest, TargetsThatAreNotPlainWritableFilesAreRefused) {
   fs::permissions(path("locked"), fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
   fs::create_symlink("locked", path("link-to-locked"));
   fs::create_symlink("loop", path("loop"));
-  struct Row {
-    std::string target;
-    std::string reason;
-  };
-  std::vector<Row> rows = {
+  Files rows = {  // {target, reason}
       {path("missing/x.txt"), "No such file or directory"},
       {path("folder"), "Is a directory"},
       {path("pipe"), "not a regular file"},
@@ -86,19 +90,13 @@ TEST_F(SafeFileTest, TargetsThatAreNotPlainWritableFilesAreRefused) {
       {path("loop"), "Too many levels of symbolic links"},
   };
   // A device node of our own (only root may make one): what root would otherwise replace.
-  if (::mknod(path("null").c_str(), S_IFCHR | 0666, makedev(1, 3)) == 0) rows.push_back({path("null"), "not a regular file"});
+  if (::mknod(path("null").c_str(), S_IFCHR | 0666, makedev(1, 3)) == 0)
+    rows.push_back({path("null"), "not a regular file"});
   const std::vector<std::string> before = entries();
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.target);
-    try {
-      SafeSave save;
-      save.Text(row.target, "new");
-      save.Commit();
-      ADD_FAILURE() << "saved";
-    } catch (const SaveError& e) {
-      EXPECT_EQ(e.reason(), row.reason);
-      EXPECT_EQ(std::string(e.what()), "Cannot write \"" + row.target + "\": " + row.reason);
-    }
+  for (const auto& [target, reason] : rows) {
+    const SaveError e = saveFailure({{target, "new"}});
+    EXPECT_EQ(e.reason(), reason) << target;
+    EXPECT_EQ(std::string(e.what()), "Cannot write \"" + target + "\": " + reason);
   }
   EXPECT_EQ(entries(), before);
   EXPECT_EQ(read(path("locked")), "keep");
@@ -111,9 +109,7 @@ TEST_F(SafeFileTest, AReplacedFileKeepsItsPermissionsAndALinkKeepsPointing) {
                                    fs::perms::others_read | fs::perms::owner_exec}) {
     std::ofstream(path("kept")) << "old";
     fs::permissions(path("kept"), mode);
-    SafeSave save;
-    save.Text(path("kept"), "new");
-    save.Commit();
+    save({{path("kept"), "new"}});
     EXPECT_EQ(read(path("kept")), "new");
     EXPECT_EQ(fs::status(path("kept")).permissions(), mode);
   }
@@ -121,9 +117,7 @@ TEST_F(SafeFileTest, AReplacedFileKeepsItsPermissionsAndALinkKeepsPointing) {
   // A new file gets what the user's file-creation mask allows, as any new file does.
   const mode_t mask = ::umask(022);
   ::umask(mask);
-  SafeSave fresh;
-  fresh.Text(path("fresh"), "x");
-  fresh.Commit();
+  save({{path("fresh"), "x"}});
   EXPECT_EQ(static_cast<mode_t>(fs::status(path("fresh")).permissions()), 0666 & ~mask);
 
   // A link, relative and across folders, and one that leads to no file yet.
@@ -131,18 +125,12 @@ TEST_F(SafeFileTest, AReplacedFileKeepsItsPermissionsAndALinkKeepsPointing) {
   std::ofstream(path("real/target")) << "old";
   fs::create_symlink("real/target", path("link"));
   fs::create_symlink(path("real/later"), path("dangling"));
-  SafeSave save;
-  save.Text(path("link"), "through the link");
-  save.Text(path("dangling"), "made");
-  save.Commit();
+  save({{path("link"), "through the link"}, {path("dangling"), "made"}});
   EXPECT_TRUE(fs::is_symlink(path("link")));
   EXPECT_TRUE(fs::is_symlink(path("dangling")));
   EXPECT_EQ(read(path("real/target")), "through the link");
   EXPECT_EQ(read(path("real/later")), "made");
-  std::vector<std::string> real;
-  for (const auto& entry : fs::directory_iterator(path("real"))) real.push_back(entry.path().filename().string());
-  std::sort(real.begin(), real.end());
-  EXPECT_EQ(real, (std::vector<std::string>{"later", "target"}));
+  EXPECT_EQ(entries("real"), (std::vector<std::string>{"later", "target"}));
 }
 
 // (Pipes, devices and folders offered to every reader: hardening/RegressionFileHostileTest.)

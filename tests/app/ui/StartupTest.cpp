@@ -1,25 +1,31 @@
-// Start-up: the decimal-separator guard, the splash and its wait, the main window.
+// Start-up (the decimal-separator guard, the splash and its wait, the main window) and
+// the running shell: the About box, the Help entry and every way out of the program.
 
+#include <QAbstractButton>
+#include <QAction>
 #include <QApplication>
 #include <QImage>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <QTextBrowser>
 #include <QtTest>
 #include <cstdlib>
 #include <functional>
 #include <optional>
 #include <vector>
 
+#include "app/HelpFolders.h"
 #include "app/SubMain.h"
 #include "app/frmAbout.h"
 #include "platform/ScriptedDialogs.h"
+#include "platform/ui/QtDialogs.h"
 #include "regression/ui/frmOrvane.h"
 
 namespace orvane {
 namespace {
 
 // Hands out the readings in order; a reading after the last counts as an overrun and
-// answers far in the future so the wait still ends.
+// answers far in the future, ten seconds on each time, so the wait always ends.
 struct ScriptedClock {
   explicit ScriptedClock(std::vector<double> r) : readings(std::move(r)) {}
   std::vector<double> readings;
@@ -31,8 +37,7 @@ struct ScriptedClock {
     return [this] {
       if (onReading) onReading();
       if (calls < readings.size()) return readings[calls++];
-      ++overruns;
-      return 1e12;
+      return 1e12 + 10.0 * ++overruns;
     };
   }
 };
@@ -61,19 +66,78 @@ struct MainWindowShowWatcher : QObject {
   }
 };
 
-bool anyWindowVisible() {
-  for (QWidget* window : QApplication::topLevelWidgets())
-    if (window->isVisible()) return true;
-  return false;
+int visibleWindows() {
+  int count = 0;
+  for (QWidget* window : QApplication::topLevelWidgets()) count += window->isVisible();
+  return count;
 }
 
 DecimalPoint::SeparatorSource separatorOf(std::string separator) {
   return [separator] { return separator; };
 }
 
-}  // namespace
+// The program on its way up: dialogs of the given kind, a clock handing out `readings`,
+// and the user's separator.
+template <class Dialogs = ScriptedDialogs>
+struct Launch {
+  Dialogs dialogs;
+  ScriptedClock clock;
+  SubMain subMain;
+  explicit Launch(std::vector<double> readings = {}, const std::string& separator = ".")
+      : clock(std::move(readings)), subMain(dialogs, clock.clock(), separatorOf(separator)) {}
+  frmOrvane* window() { return subMain.mainWindow(); }
+  frmAbout* about() { return subMain.about(); }
+  QAction* action(const char* name) { return subMain.mainWindow()->findChild<QAction*>(name); }
+  void openAbout() {  // the About entry shows once a problem is set up; here it is shown directly
+    action("mnuAbout")->setVisible(true);
+    action("mnuAbout")->trigger();
+  }
+  // Starts with `folder` as the current one, as when the program is started from there,
+  // and puts the test's own current folder back.
+  bool startIn(const QString& folder) {
+    const QString old = QDir::currentPath();
+    QDir::setCurrent(folder);
+    const bool started = subMain.Start();
+    QDir::setCurrent(old);
+    return started;
+  }
+};
 
-class StartupTest : public QObject {
+void writeFile(const QString& path, const char* text) {
+  QFile file(path);
+  if (file.open(QIODevice::WriteOnly)) file.write(text);
+}
+
+// The desktop's own dialogs, with message boxes recorded instead of shown.
+struct HelpDialogs : QtDialogs {
+  HelpDialogs() : QtDialogs(nullptr) {}
+  QStringList messages;
+  int MsgBox(std::string_view prompt, int, std::string_view) override {
+    messages << QString::fromUtf8(prompt.data(), qsizetype(prompt.size()));
+    return mb::OK;
+  }
+};
+
+}  // namespace
+}  // namespace orvane
+
+// An answer to the decimal-comma warning: the separator the system reports, the answer
+// given (-1: none asked), whether the program runs on, and whether the point is in force.
+struct WarningCase {
+  std::string separator;
+  int answer;
+  bool runs, point;
+};
+// The locale variables LC_ALL, LC_NUMERIC and LANG (empty: unset), and the separator they give.
+struct LocaleCase {
+  QString lcAll, lcNumeric, lang, expected;
+};
+Q_DECLARE_METATYPE(WarningCase)
+Q_DECLARE_METATYPE(LocaleCase)
+
+namespace orvane {
+
+class StartupAndShellTest : public QObject {
   Q_OBJECT
 
  private slots:
@@ -98,138 +162,114 @@ class StartupTest : public QObject {
   }
 
   void guardThenSplashThenMainWindow() {
-    WatchingDialogs dialogs;
-    dialogs.queueMsgBox(mb::Yes);
-    ScriptedClock clock({500.2, 501.0, 502.5, 503.1});
-    SubMain subMain(dialogs, clock.clock(), separatorOf(","));
+    Launch<WatchingDialogs> p({500.2, 501.0, 502.5, 503.1}, ",");
+    p.dialogs.queueMsgBox(mb::Yes);
     QStringList faults;
     auto fault = [&](bool bad, const char* what) {
       if (bad) faults << what;
     };
-    dialogs.onMsgBox = [&] { fault(anyWindowVisible(), "a window was visible while the guard asked"); };
-    dialogs.onDoEvents = [&] {
-      fault(!subMain.about() || !subMain.about()->isVisible() || subMain.about()->printedLines().size() != 10,
+    p.dialogs.onMsgBox = [&] { fault(visibleWindows() > 0, "a window was visible while the guard asked"); };
+    p.dialogs.onDoEvents = [&] {
+      fault(!p.about() || !p.about()->isVisible() || p.about()->printedLines().size() != 10,
             "the splash was not shown with its text before events ran");
     };
-    clock.onReading = [&] {
-      fault(dialogs.doEvents() == 0, "the wait began before the splash was painted");
-      fault(!subMain.about() || !subMain.about()->isVisible(), "the splash was hidden during the wait");
-      fault(subMain.mainWindow() != nullptr, "the main window existed during the wait");
+    p.clock.onReading = [&] {
+      fault(p.dialogs.doEvents() == 0, "the wait began before the splash was painted");
+      fault(!p.about() || !p.about()->isVisible(), "the splash was hidden during the wait");
+      fault(p.subMain.mainWindow() != nullptr, "the main window existed during the wait");
     };
     bool mainShown = false;
     MainWindowShowWatcher watcher([&] {
       mainShown = true;
-      fault(subMain.about()->isVisible(), "the splash was still up when the main window showed");
+      fault(p.about()->isVisible(), "the splash was still up when the main window showed");
     });
 
-    QVERIFY(subMain.Start());
+    QVERIFY(p.subMain.Start());
     QVERIFY(mainShown);
     QCOMPARE(faults, QStringList());
-    QCOMPARE(dialogs.messages().size(), size_t{1});
-    QCOMPARE(dialogs.messages()[0].title, std::string("Decimal Comma Warning!"));
-    QCOMPARE(dialogs.messages()[0].style, 19);
-    QCOMPARE(dialogs.messages()[0].prompt,
-             std::string("Proper operation of this application requires the use of the DECIMAL POINT.\r"
-                         "Your system is currently using the DECIMAL COMMA.\r\r"
-                         "Do you wish to temporarily change this system setting to decimal point?\r"
-                         "(Upon exiting, this application will restore your setting.)\r"
-                         "(See HELP FILE or visit www.orvane.example for instructions on how to change MANUALLY)\r\r"
-                         "Press YES to change."));
-    QCOMPARE(clock.calls, size_t{4});
-    QVERIFY(!subMain.about()->isVisible());
-    QVERIFY(subMain.mainWindow() && subMain.mainWindow()->isVisible());
-    QVERIFY(subMain.decimalPoint().pointInForce());
+    QCOMPARE(p.dialogs.messages().size(), size_t{1});
+    const ScriptedDialogs::MessageRecord& warning = p.dialogs.messages()[0];
+    QCOMPARE(std::tie(warning.title, warning.style), std::tuple(std::string("Decimal Comma Warning!"), 19));
+    QCOMPARE(warning.prompt, DecimalPoint::warningText());
+    QVERIFY(warning.prompt.starts_with("Proper operation of this application requires the use of the DECIMAL POINT.\r"
+                                       "Your system is currently using the DECIMAL COMMA.\r\rDo you wish"));
+    QCOMPARE(p.clock.calls, size_t{4});
+    QVERIFY(!p.about()->isVisible());
+    QVERIFY(p.subMain.mainWindow() && p.subMain.mainWindow()->isVisible());
+    QVERIFY(p.subMain.decimalPoint().pointInForce());
   }
 
-  // The wait ends at the first reading whose whole second is three past the starting one.
-  void waitEndsAfterTheThirdSecondBoundary_data() {
-    QTest::addColumn<std::vector<double>>("readings");
-    QTest::newRow("late in its second") << std::vector<double>{100.9, 101.0, 102.0, 102.999, 103.0};
-    QTest::newRow("on a boundary") << std::vector<double>{100.0, 100.5, 101.0, 102.0, 102.9999, 103.0};
-    QTest::newRow("a long first pass") << std::vector<double>{100.0, 103.5};
-    QTest::newRow("clock jumps past") << std::vector<double>{100.3, 101.7, 250.0};
-  }
+  // The wait ends at the first reading whose whole second is three past the starting one:
+  // late in its second, on a boundary, after a long first pass, with a clock that jumps past.
   void waitEndsAfterTheThirdSecondBoundary() {
-    QFETCH(std::vector<double>, readings);
-    ScriptedDialogs dialogs;
-    ScriptedClock clock(readings);
-    SubMain subMain(dialogs, clock.clock(), separatorOf("."));
-    bool mainWindowDuringWait = false;
-    clock.onReading = [&] { mainWindowDuringWait |= subMain.mainWindow() != nullptr; };
-    QVERIFY(subMain.Start());
-    QCOMPARE(clock.overruns, 0);
-    QCOMPARE(clock.calls, readings.size());
-    QVERIFY(!mainWindowDuringWait);
+    for (const std::vector<double>& readings : {std::vector<double>{100.9, 101.0, 102.0, 102.999, 103.0},
+                                                 {100.0, 100.5, 101.0, 102.0, 102.9999, 103.0},
+                                                 {100.0, 103.5}, {100.3, 101.7, 250.0}}) {
+      Launch p(readings);
+        bool mainWindowDuringWait = false;
+      p.clock.onReading = [&] { mainWindowDuringWait |= p.subMain.mainWindow() != nullptr; };
+      QVERIFY(p.subMain.Start());
+      QCOMPARE(p.clock.overruns, 0);
+      QCOMPARE(p.clock.calls, readings.size());
+      QVERIFY(!mainWindowDuringWait);
+    }
   }
 
   // Whatever the separator (several characters, several bytes, none), it is saved whole
   // and restored once when the main window closes.
   void answersToTheWarning_data() {
-    QTest::addColumn<QString>("separator");
-    QTest::addColumn<int>("answer");
-    QTest::addColumn<bool>("runs");
-    QTest::addColumn<bool>("point");
-    QTest::newRow("Yes runs on with the point") << "," << mb::Yes << true << true;
-    QTest::newRow("No ends") << "," << mb::No << false << false;
-    QTest::newRow("Cancel ends") << "," << mb::Cancel << false << false;
-    QTest::newRow("another answer changes nothing") << "," << mb::OK << true << false;
-    QTest::newRow("two characters") << ",." << mb::Yes << true << true;
-    QTest::newRow("multibyte") << QString::fromUtf8("\u066B") << mb::Yes << true << true;
-    QTest::newRow("empty reading") << "" << mb::Yes << true << true;
-    QTest::newRow("a point asks nothing") << "." << -1 << true << true;
+    QTest::addColumn<WarningCase>("c");
+    QTest::newRow("Yes runs on with the point") << WarningCase{",", mb::Yes, true, true};
+    QTest::newRow("No ends") << WarningCase{",", mb::No, false, false};
+    QTest::newRow("Cancel ends") << WarningCase{",", mb::Cancel, false, false};
+    QTest::newRow("another answer changes nothing") << WarningCase{",", mb::OK, true, false};
+    QTest::newRow("two characters") << WarningCase{",.", mb::Yes, true, true};
+    QTest::newRow("multibyte") << WarningCase{"\u066B", mb::Yes, true, true};
+    QTest::newRow("empty reading") << WarningCase{"", mb::Yes, true, true};
+    QTest::newRow("a point asks nothing") << WarningCase{".", -1, true, true};
   }
   void answersToTheWarning() {
-    QFETCH(QString, separator);
-    QFETCH(int, answer);
-    QFETCH(bool, runs);
-    QFETCH(bool, point);
-    const std::string text = separator.toStdString();
-    ScriptedDialogs dialogs;
-    if (answer >= 0) dialogs.queueMsgBox(answer);
-    ScriptedClock clock({10.0, 13.0});
-    SubMain subMain(dialogs, clock.clock(), separatorOf(text));
+    QFETCH(WarningCase, c);
+    const auto& [text, answer, runs, point] = c;
+    Launch p({10.0, 13.0}, text);
+    if (answer >= 0) p.dialogs.queueMsgBox(answer);
 
-    QCOMPARE(subMain.Start(), runs);
-    QCOMPARE(dialogs.messages().size(), size_t(answer >= 0 ? 1 : 0));
-    QCOMPARE(subMain.decimalPoint().pointInForce(), point);
-    QCOMPARE(subMain.decimalPoint().savedSeparator(), text);
+    QCOMPARE(p.subMain.Start(), runs);
+    QCOMPARE(p.dialogs.messages().size(), size_t(answer >= 0 ? 1 : 0));
+    QCOMPARE(p.subMain.decimalPoint().pointInForce(), point);
+    QCOMPARE(p.subMain.decimalPoint().savedSeparator(), text);
     if (!runs) {
-      QCOMPARE(clock.calls, size_t{0});
-      QVERIFY(!subMain.about() && !subMain.mainWindow() && !anyWindowVisible());
+      QCOMPARE(p.clock.calls, size_t{0});
+      QVERIFY(!p.about() && !p.subMain.mainWindow() && visibleWindows() == 0);
       return;
     }
-    QVERIFY(subMain.mainWindow() && subMain.mainWindow()->isVisible());
-    subMain.mainWindow()->close();
-    QCOMPARE(subMain.decimalPoint().restoreCount(), 1);
-    QCOMPARE(subMain.decimalPoint().savedSeparator(), text);
-    if (answer >= 0) QVERIFY(!subMain.decimalPoint().pointInForce());
+    QVERIFY(p.subMain.mainWindow() && p.subMain.mainWindow()->isVisible());
+    p.subMain.mainWindow()->close();
+    QCOMPARE(p.subMain.decimalPoint().restoreCount(), 1);
+    QCOMPARE(p.subMain.decimalPoint().savedSeparator(), text);
+    if (answer >= 0) QVERIFY(!p.subMain.decimalPoint().pointInForce());
   }
 
   // The user's separator as the system has it: a locale with a decimal comma is compiled
   // into a temporary folder (LOCPATH) so the test does not depend on installed locales.
   void separatorComesFromTheNumericLocale_data() {
-    QTest::addColumn<QString>("lcAll");
-    QTest::addColumn<QString>("lcNumeric");
-    QTest::addColumn<QString>("lang");
-    QTest::addColumn<QString>("expected");
+    QTest::addColumn<LocaleCase>("c");
     const QString comma = "de_DE.UTF-8";
-    QTest::newRow("nothing set") << "" << "" << "" << ".";
-    QTest::newRow("LANG") << "" << "" << comma << ",";
-    QTest::newRow("LC_NUMERIC") << "" << comma << "" << ",";
-    QTest::newRow("LC_NUMERIC before LANG") << "" << "C" << comma << ".";
-    QTest::newRow("LC_ALL before LC_NUMERIC") << comma << "C" << "" << ",";
-    QTest::newRow("LC_ALL C wins") << "C" << comma << comma << ".";
-    QTest::newRow("unknown locale") << "xx_YY.UTF-8" << "" << "" << ".";
+    QTest::newRow("nothing set") << LocaleCase{"", "", "", "."};
+    QTest::newRow("LANG") << LocaleCase{"", "", comma, ","};
+    QTest::newRow("LC_NUMERIC") << LocaleCase{"", comma, "", ","};
+    QTest::newRow("LC_NUMERIC before LANG") << LocaleCase{"", "C", comma, "."};
+    QTest::newRow("LC_ALL before LC_NUMERIC") << LocaleCase{comma, "C", "", ","};
+    QTest::newRow("LC_ALL C wins") << LocaleCase{"C", comma, comma, "."};
+    QTest::newRow("unknown locale") << LocaleCase{"xx_YY.UTF-8", "", "", "."};
   }
   void separatorComesFromTheNumericLocale() {
     static QTemporaryDir localeDir;
     static const bool compiled =
         QProcess::execute("localedef", {"-i", "de_DE", "-f", "UTF-8", localeDir.filePath("de_DE.UTF-8")}) == 0;
     if (!compiled) QSKIP("localedef cannot compile de_DE here: the locale sources come with the locales package");
-    QFETCH(QString, lcAll);
-    QFETCH(QString, lcNumeric);
-    QFETCH(QString, lang);
-    QFETCH(QString, expected);
+    QFETCH(LocaleCase, c);
+    const auto& [lcAll, lcNumeric, lang, expected] = c;
     const std::pair<const char*, QString> settings[] = {
         {"LOCPATH", localeDir.path()}, {"LC_ALL", lcAll}, {"LC_NUMERIC", lcNumeric}, {"LANG", lang}};
     std::vector<std::pair<const char*, std::optional<QByteArray>>> saved;
@@ -241,9 +281,104 @@ class StartupTest : public QObject {
     for (const auto& [name, value] : saved) value ? qputenv(name, *value) : qunsetenv(name);
     QCOMPARE(separator, expected);
   }
+
+  void aboutAppendsUntilClosed() {
+    Launch p;
+    QVERIFY(p.subMain.Start());
+    p.openAbout();  // the splash's lines went with the splash
+    QVERIFY(p.about()->isVisible());
+    QCOMPARE(p.about()->printedLines(), frmAbout::splashLines());
+    p.openAbout();
+    QCOMPARE(p.about()->printedLines(), frmAbout::splashLines() + frmAbout::splashLines());
+
+    QTest::mouseClick(p.about(), Qt::LeftButton, {}, QPoint(20, 20));
+    QVERIFY(!p.about()->isVisible());
+    QVERIFY(p.window()->isVisible());
+    QCOMPARE(p.subMain.decimalPoint().restoreCount(), 0);
+    p.openAbout();
+    QCOMPARE(p.about()->printedLines().size(), 10);
+  }
+
+  // Help is orvane.hlp in the folder that was current when the main window loaded,
+  // whatever the current folder is later; a decoy elsewhere must not be found.
+  void helpLooksInTheStartDirectory() {
+    for (const bool fileThere : {false, true}) {
+      for (const bool moveAway : {false, true}) {
+        QTemporaryDir startDir, otherDir;
+        const QString expected = QDir(QFileInfo(startDir.path()).canonicalFilePath()).filePath("orvane.hlp");
+        if (fileThere) writeFile(expected, "<html><body><h1>Help</h1></body></html>");
+        writeFile(QDir(otherDir.path()).filePath("orvane.hlp"), "<html><body>decoy</body></html>");
+        Launch p;
+        QVERIFY(p.startIn(startDir.path()));
+        const QString old = QDir::currentPath();
+        QDir::setCurrent(moveAway ? otherDir.path() : startDir.path());
+        p.action("mnuHelp")->trigger();
+        QDir::setCurrent(old);
+        QCOMPARE(p.dialogs.helpRequests(), std::vector<std::string>{expected.toStdString()});
+        QCOMPARE(p.dialogs.messages().size(), size_t(fileThere ? 0 : 1));
+        if (!fileThere) {
+          const QString prompt = QString::fromStdString(p.dialogs.messages()[0].prompt);
+          QVERIFY2(prompt.startsWith("Cannot find the help file") && prompt.contains(expected), qPrintable(prompt));
+        }
+        QVERIFY(p.window()->isVisible());
+      }
+    }
+  }
+
+  // Started from "/", where no help document is: the help window shows the installed
+  // document beside the program when there is one, else the source tree's.
+  void helpOpensWhenStartedFromRoot() {
+    for (const bool installed : {false, true}) {
+      QTemporaryDir prefix;
+      QDir(prefix.path()).mkpath("bin");
+      QDir(prefix.path()).mkpath("share/orvane/help");
+      const QString document = prefix.filePath("share/orvane/help/orvane.hlp");
+      if (installed) writeFile(document, "<html><body>Installed help</body></html>");
+      Launch<HelpDialogs> p;
+      const QString programFolder = installed ? prefix.filePath("bin") : QCoreApplication::applicationDirPath();
+      p.dialogs.setHelpFolders(HelpFolders(programFolder));
+      QVERIFY(p.startIn("/"));
+      p.action("mnuHelp")->trigger();
+      QCOMPARE(p.dialogs.messages, QStringList());
+      QTextBrowser* browser = nullptr;
+      for (QWidget* window : QApplication::topLevelWidgets())
+        if (window->objectName() == "helpWindow" && window->isVisible()) browser = window->findChild<QTextBrowser*>();
+      QVERIFY(browser);
+      QVERIFY(browser->toPlainText().startsWith(installed ? "Installed help" : "Orvane Regression"));
+      browser->window()->close();
+    }
+  }
+
+  // By the Exit button or the close box, with the About box and another window open or
+  // not: the separator is restored once and every window closes.
+  void exitRestoresOnceAndClosesEverything() {
+    for (const bool byButton : {false, true}) {
+      for (const bool aboutOpen : {false, true}) {
+        Launch p({}, ",");
+        QVERIFY(p.subMain.Start());
+        if (aboutOpen) p.openAbout();
+        QWidget other(nullptr, Qt::Window);  // stands for a plot or editor window left open
+        other.show();
+        QCOMPARE(visibleWindows(), aboutOpen ? 3 : 2);
+        if (byButton) {
+          auto* exitButton = p.window()->findChild<QAbstractButton*>("cmdExit");
+          QCOMPARE(exitButton->text(), QString("E&xit"));
+          QTest::mouseClick(exitButton, Qt::LeftButton);
+        } else {
+          p.window()->close();
+        }
+        QCOMPARE(p.subMain.decimalPoint().restoreCount(), 1);
+        QCOMPARE(p.subMain.decimalPoint().savedSeparator(), std::string(","));
+        QCOMPARE(visibleWindows(), 0);
+        QVERIFY(p.about()->printedLines().isEmpty());
+        p.window()->close();  // a second unload (the close box after Exit) restores nothing more
+        QCOMPARE(p.subMain.decimalPoint().restoreCount(), 1);
+      }
+    }
+  }
 };
 
 }  // namespace orvane
 
-QTEST_MAIN(orvane::StartupTest)
+QTEST_MAIN(orvane::StartupAndShellTest)
 #include "StartupTest.moc"
