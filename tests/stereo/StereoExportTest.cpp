@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <initializer_list>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "stereo/StereoExport.h"
@@ -64,26 +66,18 @@ TEST_F(StereoFileTest, DefaultSettingsWriteTheseExactLines) {
 TEST_F(StereoFileTest, ExportThenImportRestoresEverySetting) {
   for (bool parametric : {true, false}) {
     SCOPED_TRACE(parametric ? "parametric" : "explicit");
-    StereoFields f;
+    StereoFields f;  // every field away from its default, a comma inside a quoted string
     f.parametric = parametric;
-    f.equationX = "u*Cos(v)";
-    f.equationY = "u*Sin(v)";
-    f.equationZ = "u, v";  // a comma inside a quoted string
-    f.rangelxu = "0.25";
-    f.rangegxu = "pi/2";
-    f.spacexu = "7";
-    f.segsyv = "3";
-    f.windowlz = "-4";
-    f.xrot = "30";
-    f.ztr = "-0.5";
-    f.stereo = "1.5";
-    f.reduce = "0.75";
-    f.ndots = "1234";
-    f.grid = "0";
-    f.xorigin = "0.1";
-    f.divz = "0.2";
     f.background = kBackgroundBlack;
-    f.xder = f.yder = "1";
+    using SF = StereoFields;
+    for (const auto& [field, text] : std::initializer_list<std::pair<std::string SF::*, const char*>>{
+             {&SF::equationX, "u*Cos(v)"}, {&SF::equationY, "u*Sin(v)"}, {&SF::equationZ, "u, v"},
+             {&SF::rangelxu, "0.25"},      {&SF::rangegxu, "pi/2"},      {&SF::spacexu, "7"},
+             {&SF::segsyv, "3"},           {&SF::windowlz, "-4"},        {&SF::xrot, "30"},
+             {&SF::ztr, "-0.5"},           {&SF::stereo, "1.5"},         {&SF::reduce, "0.75"},
+             {&SF::ndots, "1234"},         {&SF::grid, "0"},             {&SF::xorigin, "0.1"},
+             {&SF::divz, "0.2"},           {&SF::xder, "1"},             {&SF::yder, "1"}})
+      f.*field = text;
     testing::TableReader reader;
     const StereoSettings written = ReadPlotSettings(f, reader).settings;
     const Lines constants = {"a=2.37", "k = 3"};
@@ -115,9 +109,6 @@ TEST_F(StereoFileTest, AnythingWithoutTheMagicIsIncompatibleAndChangesNothing) {
     EXPECT_EQ(r.fields.equationZ, "x+y");
     EXPECT_TRUE(r.constants.empty());
   }
-  const StereoImport missing = ReadStereoFile(path("none.txt"), current);
-  EXPECT_EQ(missing.status, ImportStatus::Unreadable);
-  EXPECT_NE(missing.message.find("none.txt"), std::string::npos);
 }
 
 TEST_F(StereoFileTest, ExplicitFileWithUnquotedMagicAndBareLineEnds) {

@@ -123,9 +123,10 @@ class StereoPlotTest : public QObject {
  private slots:
   // Parametric shows the x and y formulas and hides what only an explicit surface has;
   // the step buttons (one table, up and down) rewrite their fields without plotting.
-  void parametricSwitchesTheFieldsAndStepsDoNotPlot() {
+  // Copied pictures have the reduced size; the left picture keeps its right edge, the
+  // right one its left edge. Help names the file it looks for; Exit unloads.
+  void controlsSwitchStepCopyHelpAndExit() {
     Fixture f;
-    QCOMPARE(f.image(0).size(), QSize(400, 400));
     auto shown = [&](const char* name) { return f.find<QWidget>(name)->isVisibleTo(f.form.get()); };
     QVERIFY(!shown("txtEquationX") && shown("FraDer"));
     f.find<QCheckBox>("chkParametric")->click();
@@ -137,6 +138,18 @@ class StereoPlotTest : public QObject {
     f.click("cmdDecRotZ");
     QCOMPARE(f.texts({"txtWindowlx", "txtWindowgx", "txtZrot"}), QStringList({"-3", "3", "-5"}));
     QCOMPARE(f.dialogs.beeps(), 0);
+
+    f.set("txtReduce", "0.5");
+    f.click("cmdPlot");
+    f.trigger("mnuCopyRight");
+    QCOMPARE(f.dialogs.copiedPictures(), (std::vector<std::pair<int, int>>{{200, 200}}));
+    QCOMPARE(f.find<PictureBox>("pic(0)")->geometry(), QRect(200, 0, 200, 200));
+    QVERIFY(f.find<PictureBox>("pic(1)")->geometry().left() > 400);
+    f.trigger("mnuHelp");
+    QCOMPARE(f.dialogs.helpRequests(), std::vector<std::string>({"/nonexistent/start/deptrix.hlp"}));
+    QSignalSpy unloaded(f.form.get(), &frmStereoPlot::unloaded);
+    f.click("cmdExit");
+    QCOMPARE(unloaded.count(), 1);
   }
 
   // Both pictures: background, axes, origin, data marks, border, and the mesh only with
@@ -344,23 +357,6 @@ class StereoPlotTest : public QObject {
       QCOMPARE(f.find<QLabel>("lblZ")->text(), r.parametric ? QString("z(u,v)=") : QString("z(x,y)="));
       QVERIFY(f.form->fileName().empty());
     }
-  }
-
-  // Copied pictures have the reduced size; the left picture keeps its right edge, the
-  // right one its left edge. Help names the file it looks for; Exit unloads.
-  void reducedPicturesCopiedThenHelpAndExit() {
-    Fixture f;
-    f.set("txtReduce", "0.5");
-    f.click("cmdPlot");
-    f.trigger("mnuCopyRight");
-    QCOMPARE(f.dialogs.copiedPictures(), (std::vector<std::pair<int, int>>{{200, 200}}));
-    QCOMPARE(f.find<PictureBox>("pic(0)")->geometry(), QRect(200, 0, 200, 200));
-    QVERIFY(f.find<PictureBox>("pic(1)")->geometry().left() > 400);
-    f.trigger("mnuHelp");
-    QCOMPARE(f.dialogs.helpRequests(), std::vector<std::string>({"/nonexistent/start/deptrix.hlp"}));
-    QSignalSpy unloaded(f.form.get(), &frmStereoPlot::unloaded);
-    f.click("cmdExit");
-    QCOMPARE(unloaded.count(), 1);
   }
 
   // The window yields while it draws (three looks at the events per plot: after sizing,
