@@ -77,11 +77,9 @@ TEST(StepField, IncrementAndDecrementButtons) {
   } rows[] = {
       {StepTarget::WindX, StepDirection::Inc, "1", &SF::windowlx, &SF::windowgx, "-3", "3"},
       {StepTarget::WindX, StepDirection::Dec, "1", &SF::windowlx, &SF::windowgx, "-2", "2"},
-      {StepTarget::WindZ, StepDirection::Inc, "0.5", &SF::windowlz, &SF::windowgz, "-1.75",
-       "1.75"},
+      {StepTarget::WindZ, StepDirection::Inc, "0.5", &SF::windowlz, &SF::windowgz, "-1.75", "1.75"},
       {StepTarget::RangXU, StepDirection::Inc, "1", &SF::rangelxu, &SF::rangegxu, "-1.5", "1.5"},
-      {StepTarget::RangYV, StepDirection::Dec, "3", &SF::rangelyv, &SF::rangegyv, "0.5",
-       "-0.5"},  // not checked
+      {StepTarget::RangYV, StepDirection::Dec, "3", &SF::rangelyv, &SF::rangegyv, "0.5", "-0.5"},  // unchecked
       {StepTarget::RotZ, StepDirection::Dec, "5", &SF::zrot, nullptr, "-5", ""},
       {StepTarget::RotX, StepDirection::Inc, "7.5", &SF::xrot, nullptr, "7.5", ""},
       {StepTarget::TranY, StepDirection::Inc, "abc", &SF::ytr, nullptr, "0", ""},
