@@ -327,50 +327,26 @@ class StereoPlotTest : public QObject {
   }
 
   // The window yields while it draws (three looks at the events per plot: after sizing,
-  // before the surface, between the families): a plot, a zoom (through the buttons'
-  // table; the codes: ViewControlsTest) and an export arriving then wait for the plot
-  // to end; a close stops the plot, and the window goes after it.
-  void commandsDuringAPlotWaitForIt() {
+  // before the surface, between the families; during a long surface every 20 ms). A plot,
+  // a zoom (through the buttons' table; the codes: ViewControlsTest) and an export
+  // arriving then wait for the plot to end. Esc stops the plot at its next look: what it
+  // drew stays, it says so and does not beep, and the plot asked for meanwhile is not
+  // drawn. A close stops the plot, and the window goes after it.
+  void commandsDuringAPlotWaitEscStopsItCloseEndsIt() {
     QTemporaryDir dir;
     const QString path = dir.filePath("later.dup");
-    Fixture e;
-    e.dialogs.queueSaveFileName(path.toStdString());
-    e.dialogs.onDoEvents = [&](int call) {
-      if (call == 1) e.trigger("mnuSaveAs");
-    };
-    e.click("cmdPlot");
-    QVERIFY(!QFile::exists(path));
-    QTRY_VERIFY(QFile::exists(path) && QFile::exists(path + "_right.bmp"));
-
     Fixture f;
     f.form->show();
-    QSignalSpy unloaded(f.form.get(), &frmStereoPlot::unloaded);
-    f.dialogs.onDoEvents = [&](int call) {
-      QVERIFY(f.form->plotting());
-      if (call == 1) {
-        f.click("cmdPlot");
-        f.click("cmdZoomIn");
-      } else if (call == 4) {
-        f.form->close();
-        QCOMPARE(unloaded.count(), 0);
-      }
-    };
-    f.click("cmdPlot");
-    QCOMPARE(f.dialogs.beeps(), 1);  // the first plot; the queued one was closed midway
-    QCOMPARE(f.textOf("txtWindowgx"), QString("1.25"));
-    QCOMPARE(unloaded.count(), 1);
-    QVERIFY(!f.form->plotting());
-  }
-
-  // Esc during a mesh of 100,000 x 100,000 spacings: the plot stops at its next look at
-  // the events, keeps what it drew, says so and does not beep; the plot asked for
-  // meanwhile is not drawn, and the next one runs as ever.
-  void escStopsALongPlot() {
-    Fixture f;
     f.set("txtSpacexu", "100000");
     f.set("txtSpaceyv", "100000");
+    f.dialogs.queueSaveFileName(path.toStdString());
     f.dialogs.onDoEvents = [&](int call) {  // 1 and 2 come before the surface, 3 after 20 ms of it
-      if (call == 1) f.click("cmdPlot");
+      QVERIFY(f.form->plotting());
+      if (call == 1) {
+        f.trigger("mnuSaveAs");
+        f.click("cmdPlot");
+        f.click("cmdZoomIn");
+      }
       if (call == 3) QTest::keyClick(f.txt("txtNdots"), Qt::Key_Escape);
     };
     f.click("cmdPlot");
@@ -379,12 +355,26 @@ class StereoPlotTest : public QObject {
     QCOMPARE(f.dialogs.beeps(), 0);
     QVERIFY(!f.form->plotting() && !f.dialogs.busy());
     QVERIFY(countPixels(f.image(1), kBlack) > 0);  // part of the mesh
-    f.dialogs.onDoEvents = nullptr;
+    QCOMPARE(f.textOf("txtWindowgx"), QString("1.25"));
+    QVERIFY(!QFile::exists(path));
+    QTRY_VERIFY(QFile::exists(path) && QFile::exists(path + "_right.bmp"));
+
     f.set("txtSpacexu", "4");
     f.set("txtSpaceyv", "4");
+    QSignalSpy unloaded(f.form.get(), &frmStereoPlot::unloaded);
+    f.dialogs.onDoEvents = [&](int call) {
+      QVERIFY(f.form->plotting());
+      if (call == 4) f.click("cmdPlot");
+      if (call == 7) {
+        QVERIFY(f.find<QLabel>("lblPlotStatus")->text().isEmpty());
+        f.form->close();
+        QCOMPARE(unloaded.count(), 0);
+      }
+    };
     f.click("cmdPlot");
-    QCOMPARE(f.dialogs.beeps(), 1);
-    QVERIFY(f.find<QLabel>("lblPlotStatus")->text().isEmpty());
+    QCOMPARE(f.dialogs.beeps(), 1);  // the first plot; the queued one was closed midway
+    QCOMPARE(unloaded.count(), 1);
+    QVERIFY(!f.form->plotting());
   }
 
   // Both pictures: background, axes, origin, data marks, border, and the mesh only with
