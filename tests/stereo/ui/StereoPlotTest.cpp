@@ -259,6 +259,10 @@ class StereoPlotTest : public QObject {
     f.find<QComboBox>("cboConstants")->setEditText("k=2.37");
     f.click("cmdAddCons");
     f.click("cmdPlot");
+    f.dialogs.queueSaveFileName(dir.filePath("no/such/folder.dup").toStdString());
+    f.trigger("mnuSaveAs");  // a save that fails is said, and the window keeps no name
+    QVERIFY(f.messages().size() == 1 && f.messages()[0].contains("no/such/folder.dup"));
+    QVERIFY(f.form->fileName().empty());
     f.dialogs.queueSaveFileName(path.toStdString());
     f.trigger("mnuSaveAs");
     QVERIFY(QFile::exists(path + "_left.bmp") && QFile::exists(path + "_right.bmp"));
