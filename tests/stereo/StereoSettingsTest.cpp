@@ -18,8 +18,6 @@ TEST(ReadPlotSettings, DefaultsDerivedValuesAndExpressions) {
             std::vector<float>({0.5f, 0.5f, 0.5f, 5, 4, 3, 0}));
   EXPECT_FLOAT_EQ(s.depthSlopeY, 0.8f);
   EXPECT_FLOAT_EQ(s.depthSlopeZ, 0.6f);
-  EXPECT_EQ(s.ndots, 5000);
-  EXPECT_EQ(s.selector, kSurfaceItself);
   StereoFields f;
   f.rangegxu = "pi/2";  // expression fields go through the engine, into singles
   f.xrot = "pi";

@@ -7,7 +7,9 @@
 #include <vector>
 
 #include "engine/PointEvaluation.h"
+#include "platform/RuntimeError.h"
 #include "stereo/EngineSurface.h"
+#include "stereo/PartialDerivatives.h"
 #include "stereo/StereoTestDoubles.h"
 #include "stereo/SurfaceMesh.h"
 #include "stereo/SurfaceSampler.h"
@@ -54,6 +56,21 @@ std::vector<Step> trace(const StereoSettings& s, testing::Formula z, int* pumps 
 }
 
 double flat(double, double, double, double) { return 0; }
+
+// A window's engine with the math object registered and the engine's messages noted, in
+// order, with whatever a test adds.
+struct EngineWindow {
+  ExpressionEngine engine;
+  Class1 sh;
+  int32_t shared = 0;
+  EngineSurface surface{engine, sh};
+  std::vector<std::string> seen;
+  EngineWindow() {
+    sh.sharedError = &shared;
+    RegisterMathObject(engine, sh);
+    engine.SetErrorHandler([this](const RuntimeError& e) { seen.push_back("error " + std::to_string(e.number())); });
+  }
+};
 
 TEST(TraceMesh, PenSequenceOnATwoByTwoGridWithAndWithoutAPole) {
   int pumps = 0;
@@ -187,48 +204,35 @@ TEST(BlockEvaluation, MeshAndDotsAgreeWithSampleBySample) {
    private:
     SurfaceEvaluator& e_;
   };
-  struct Window {
-    ExpressionEngine engine;
-    Class1 sh;
-    int32_t shared = 0;
-    EngineSurface surface{engine, sh};
-    std::vector<std::string> seen;  // reported errors and the points drawn, in order
-    Window() {
-      sh.sharedError = &shared;
-      RegisterMathObject(engine, sh);
-      engine.SetErrorHandler([this](const RuntimeError& e) { seen.push_back("error " + std::to_string(e.number())); });
-    }
-    void draw(const StereoSettings& s, SurfaceEvaluator& evaluator, int32_t stopAfter) {
-      SurfaceParameters uv;
-      SurfaceSampler sampler(s, evaluator, uv);
-      int32_t drawn = 0;
-      auto note = [&](const Point3& p, const char* what) {
-        seen.push_back(std::string(what) + " " + std::to_string(p.x) + " " + std::to_string(p.y) + " " +
+  // Mesh, dots, then the generator's next number, u, v and the math object's errors.
+  auto draw = [](EngineWindow& w, const StereoSettings& s, SurfaceEvaluator& evaluator, int32_t stopAfter) {
+    SurfaceParameters uv;
+    SurfaceSampler sampler(s, evaluator, uv);
+    int32_t drawn = 0;
+    auto note = [&](const Point3& p, const char* what) {
+      w.seen.push_back(std::string(what) + " " + std::to_string(p.x) + " " + std::to_string(p.y) + " " +
                        std::to_string(p.z));
-        return ++drawn < stopAfter;
-      };
-      TraceMesh(s, sampler, [&](const Point3& p, bool down) { return note(p, down ? "line" : "move"); }, nullptr);
-      DotGenerator random(77);
-      TraceDots(s, sampler, random, [&](const Point3& p) { return note(p, "dot"); });
-      seen.push_back("then " + std::to_string(random.next()) + " u " + std::to_string(uv.u) + " v " +
-                     std::to_string(uv.v) + " ierr " + std::to_string(sh.ierr) + " shared " + std::to_string(shared));
-    }
+      return ++drawn < stopAfter;
+    };
+    TraceMesh(s, sampler, [&](const Point3& p, bool down) { return note(p, down ? "line" : "move"); }, nullptr);
+    DotGenerator random(77);
+    TraceDots(s, sampler, random, [&](const Point3& p) { return note(p, "dot"); });
+    w.seen.push_back("then " + std::to_string(random.next()) + " u " + std::to_string(uv.u) + " v " +
+                     std::to_string(uv.v) + " ierr " + std::to_string(w.sh.ierr) + " shared " +
+                     std::to_string(w.shared));
   };
-  StereoSettings explicitSurface = grid(20, 30);
-  explicitSurface.ndots = 3000;
-  StereoSettings parametric = explicitSurface;
-  parametric.parametric = true;
-  StereoSettings zx = grid(8, 10);
-  zx.ndots = 300;
-  zx.selector = kZx;
-  StereoSettings zxyLow = zx;
-  zxyLow.selector = kZxy;
-  zxyLow.accuracy = kAccuracyMed;
-  StereoSettings zxyHigh = zx;
-  zxyHigh.selector = kZxy;
-  StereoSettings parametricZyy = zx;
-  parametricZyy.parametric = true;
-  parametricZyy.selector = kZyy;
+  auto with = [](StereoSettings s, bool parametric, int selector, int accuracy = kAccuracyHigh) {
+    s.parametric = parametric;
+    s.selector = selector;
+    s.accuracy = accuracy;
+    return s;
+  };
+  StereoSettings large = grid(20, 30), small = grid(8, 10);
+  large.ndots = 3000;
+  small.ndots = 300;
+  const StereoSettings explicitSurface = large, parametric = with(large, true, kSurfaceItself);
+  const StereoSettings zx = with(small, false, kZx), zxyLow = with(small, false, kZxy, kAccuracyMed);
+  const StereoSettings zxyHigh = with(small, false, kZxy), parametricZyy = with(small, true, kZyy);
   const struct {
     const StereoSettings* s;
     const char* z;
@@ -253,13 +257,121 @@ TEST(BlockEvaluation, MeshAndDotsAgreeWithSampleBySample) {
     s.equationZ = row.z;
     s.equationX = row.x;
     s.equationY = row.y;
-    Window blocks, samples;
+    EngineWindow blocks, samples;
     SampleBySample oneByOne(samples.surface);
-    blocks.draw(s, blocks.surface, row.stopAfter);
-    samples.draw(s, oneByOne, row.stopAfter);
+    draw(blocks, s, blocks.surface, row.stopAfter);
+    draw(samples, s, oneByOne, row.stopAfter);
     ASSERT_EQ(blocks.seen.size(), samples.seen.size());
     for (size_t i = 0; i < blocks.seen.size(); ++i) ASSERT_EQ(blocks.seen[i], samples.seen[i]) << "entry " << i;
   }
+}
+
+TEST(EngineSurface, FormulasSeeTheFourVariablesAndFailuresBecomeErrorNumbers) {
+  const struct {
+    const char* formula;
+    double x, y, u, v;
+    int32_t error;  // -1: some error the window reports
+    double value;
+  } rows[] = {
+      {"x*10+y", 2, 3, 0, 0, 0, 23},       {"u-v", 0, 0, 5, 1.5, 0, 3.5},
+      {"Asin(x)", 2, 0, 0, 0, 5, 0},       {"Atanh(y)", 0, 1, 0, 0, 11, 0},  // the math object's error field
+      {"1/(x-y)", 1, 1, 0, 0, 11, 0},      {"nosuchname*x", 1, 1, 0, 0, -1, 0},  // the engine's own
+  };
+  for (const auto& r : rows) {
+    SCOPED_TRACE(r.formula);
+    EngineWindow w;
+    EngineSurface& surface = w.surface;
+    double value = -1;
+    const int32_t error = surface.tryEvaluate(r.formula, r.x, r.y, r.u, r.v, value);
+    EXPECT_TRUE(r.error < 0 ? error != 0 && !isSilencedError(error) : error == r.error) << error;
+    if (r.error == 0) {
+      EXPECT_DOUBLE_EQ(value, r.value);
+      EXPECT_DOUBLE_EQ(surface.evaluate(r.formula, r.x, r.y, r.u, r.v), r.value);
+    } else {
+      try {
+        surface.evaluate(r.formula, r.x, r.y, r.u, r.v);
+        ADD_FAILURE() << "gave a value";
+      } catch (const RuntimeError& e) {
+        EXPECT_EQ(e.number(), error);
+      }
+    }
+  }
+  // An error field left set by one failing point must not spoil the next point.
+  EngineWindow w;
+  EngineSurface& surface = w.surface;
+  double value = 1;
+  EXPECT_EQ(surface.tryEvaluate("Acosh(x)", 0.5, 0, 0, 0, value), 5);
+  EXPECT_EQ(surface.tryEvaluate("Acosh(x)", 1, 0, 0, 0, value), 0);
+  EXPECT_DOUBLE_EQ(value, 0);
+
+  // Setting fields are expressions too, user constants included; the window hears errors.
+  EngineReader reader(w.engine);
+  EXPECT_DOUBLE_EQ(reader.evalSetting("pi/2"), 1.5707963267948966);
+  w.engine.ExecuteStatement("k=2.5");
+  EXPECT_DOUBLE_EQ(reader.evalSetting("-k"), -2.5);
+  EXPECT_THROW(reader.evalSetting("2*"), RuntimeError);
+  EXPECT_EQ(w.seen.size(), 1u);
+}
+
+// Against the analytic derivatives of x*x*y (exact for the five-point formulas up to
+// rounding) and of x^2 y^3, at both accuracies. Single-precision samples and the h^2 terms
+// stay well inside half a percent; a wrong step, sign or constant does not.
+TEST(PartialDerivatives, MatchTheAnalyticDerivatives) {
+  using Fn = int32_t (*)(float, float, float&);
+  const Fn xxy = [](float a, float b, float& z) {
+    z = a * a * b;
+    return int32_t{0};
+  };
+  const Fn x2y3 = [](float a, float b, float& z) {
+    z = static_cast<float>(double(a) * a * b * b * b);
+    return int32_t{0};
+  };
+  const double x = 0.8, y = -1.1;  // both exact enough as singles for the tolerance
+  const struct {
+    Fn f;
+    float x, y;
+    double zx, zy, zxx, zyy, zxy;
+  } rows[] = {
+      {xxy, 0.8f, -1.1f, 2 * x * y, x * x, 2 * y, 0, 2 * x},
+      {x2y3, 1.5f, 0.5f, 2 * 1.5 * 0.125, 3 * 2.25 * 0.25, 2 * 0.125, 6 * 2.25 * 0.5, 6 * 1.5 * 0.25},
+      {x2y3, -0.7f, 1.2f, 2 * -0.7 * 1.728, 3 * 0.49 * 1.44, 2 * 1.728, 6 * 0.49 * 1.2, 6 * -0.7 * 1.44},
+  };
+  for (const auto& r : rows) {
+    const double exact[] = {0, r.zx, r.zy, r.zxx, r.zyy, r.zxy};
+    for (int selector : {kZx, kZy, kZxx, kZyy, kZxy})
+      for (bool high : {true, false}) {
+        float out = 1e9f;
+        ASSERT_EQ(TryPartialDerivative(selector, high, r.x, r.y, r.f, out), 0);
+        EXPECT_NEAR(out, exact[selector], 5e-3 * std::max(1.0, std::fabs(exact[selector])))
+            << kDerivativeNames[static_cast<size_t>(selector)] << (high ? " High" : " Med") << " at " << r.x
+            << "," << r.y;
+      }
+  }
+}
+
+TEST(PartialDerivatives, AnyFailingEvaluationInvalidatesTheSample) {
+  // A pole just beyond x + h: only the five-point formulas reach it.
+  auto pole = [](float a, float, float& z) {
+    if (a > 1.03f) return err::DivisionByZero;
+    z = a;
+    return int32_t{0};
+  };
+  float out = 0;
+  EXPECT_EQ(TryPartialDerivative(kZx, true, 1.0f, 0, pole, out), err::DivisionByZero);
+  EXPECT_EQ(TryPartialDerivative(kZx, false, 1.0f, 0, pole, out), 0);
+  EXPECT_NEAR(out, 1.0, 1e-3);
+  // The first error met is the one returned: x-h fails with 5 before x+2h with 11.
+  auto two = [](float a, float, float& z) {
+    z = 0;
+    return a < 0.99f ? err::InvalidCall : a > 1.03f ? err::DivisionByZero : int32_t{0};
+  };
+  EXPECT_EQ(TryPartialDerivative(kZx, true, 1.0f, 0, two, out), err::InvalidCall);
+  auto steep = [](float a, float, float& z) {  // a result beyond single precision
+    z = a > 0 ? 3e38f : -3e38f;
+    return int32_t{0};
+  };
+  EXPECT_EQ(TryPartialDerivative(kZx, false, 0, 0, steep, out), err::Overflow);
+  EXPECT_EQ(TryPartialDerivative(9, false, 0, 0, steep, out), err::InvalidCall);
 }
 
 }  // namespace
