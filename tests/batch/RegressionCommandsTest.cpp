@@ -1,7 +1,6 @@
 // eval, fit and report through the executable: the window texts they print, the CSV
 // reader's handling of real-world and hostile files, the file pair written by --save,
-// the exit status of a fit that fails, and the accuracy of the fit against NIST's
-// certified values.
+// and the exit status of a fit that fails.
 
 #include <gtest/gtest.h>
 
@@ -29,18 +28,16 @@ struct EvalCase {
   std::vector<std::string> args;
   int status;
   std::string out;  // the whole standard output
-  std::string err;  // the whole standard error, or a prefix when it ends in "*"
+  std::string err;  // the whole standard error
 };
 
 TEST(BatchEval, PrintsValuesAndEngineErrors) {
   const std::vector<EvalCase> cases = {
       {{"--", "-2^2"}, 0, "4\n", ""},
       {{"-2^2"}, 0, "4\n", ""},
-      {{"2^3^2"}, 0, "64\n", ""},
       {{"--x", "3", "x^2"}, 0, "9\n", ""},
       {{"--y", "2", "--u", "3", "--v", "4", "y*100+u*10+v"}, 0, "234\n", ""},
       {{"Asin(1)"}, 0, "1.5707963267949\n", ""},
-      {{"Asin(0.5)"}, 0, "0.523598775598299\n", ""},
       {{"1", "+", "2"}, 0, "3\n", ""},
       {{"1E-05*1"}, 0, "1E-05\n", ""},
       {{"--const", "a=2.37", "--const", "b=2*a", "b"}, 0, "4.74\n", ""},
@@ -53,7 +50,8 @@ TEST(BatchEval, PrintsValuesAndEngineErrors) {
       {{"1/0"}, 1, "", "error 11: Division by zero\n"},
       // Shown once, not once by the engine's event and again by the command.
       {{"foo+1"}, 1, "", "error 500: Variable is undefined: 'foo'\n"},
-      {{"--const", "2a=1", "1"}, 1, "", "orvane-batch eval: --const: *"},
+      {{"--const", "2a=1", "1"}, 1, "",
+       "orvane-batch eval: --const: \"2a=1\" is not NAME=EXPR with a name of a letter followed by letters and digits\n"},
       {{"--x", "abc", "x"}, 1, "", "orvane-batch eval: --x: not a number: \"abc\"\n"},
       {{"--x"}, 1, "", "orvane-batch eval: --x needs 1 value\n"},
       {{}, 1, "", "orvane-batch eval: missing EXPR\n"},
@@ -65,10 +63,7 @@ TEST(BatchEval, PrintsValuesAndEngineErrors) {
     SCOPED_TRACE(c.args.empty() ? std::string("(none)") : c.args.back());
     EXPECT_EQ(run.status, c.status);
     EXPECT_EQ(run.out, c.out);
-    if (!c.err.empty() && c.err.back() == '*')
-      EXPECT_EQ(run.err.substr(0, c.err.size() - 1), c.err.substr(0, c.err.size() - 1));
-    else
-      EXPECT_EQ(run.err, c.err);
+    EXPECT_EQ(run.err, c.err);
   }
 }
 
@@ -83,22 +78,21 @@ TEST(BatchCommandLine, HelpForEveryCommandAndClearUsageErrors) {
   EXPECT_EQ(top.status, 0);
   EXPECT_NE(top.out.find("stereo"), std::string::npos);
 
-  const BatchRun none = runBatch({});
-  EXPECT_EQ(none.status, 1);
-  EXPECT_EQ(none.out, "");
-  EXPECT_NE(none.err.find("Usage:"), std::string::npos);
-
-  const BatchRun unknown = runBatch({"frobnicate"});
-  EXPECT_EQ(unknown.status, 1);
-  EXPECT_NE(unknown.err.find("unknown command \"frobnicate\""), std::string::npos);
-
-  const BatchRun badOption = runBatch({"fit", "--bogus", "x.csv"});
-  EXPECT_EQ(badOption.status, 1);
-  EXPECT_EQ(badOption.err, "orvane-batch fit: unknown option --bogus\n");
-
-  const BatchRun twice = runBatch({"study", "x", "--error", "1", "--error", "2", "roots"});
-  EXPECT_EQ(twice.status, 1);
-  EXPECT_EQ(twice.err, "orvane-batch study: --error is given more than once\n");
+  const struct {
+    std::vector<std::string> args;
+    std::string err;  // a part of standard error
+  } usageErrors[] = {
+      {{}, "Usage:"},
+      {{"frobnicate"}, "unknown command \"frobnicate\""},
+      {{"fit", "--bogus", "x.csv"}, "orvane-batch fit: unknown option --bogus\n"},
+      {{"study", "x", "--error", "1", "--error", "2", "roots"}, "orvane-batch study: --error is given more than once\n"},
+  };
+  for (const auto& row : usageErrors) {
+    const BatchRun run = runBatch(row.args);
+    EXPECT_EQ(run.status, 1) << row.err;
+    EXPECT_EQ(run.out, "") << row.err;
+    EXPECT_NE(run.err.find(row.err), std::string::npos) << run.err;
+  }
 }
 
 class BatchFiles : public ::testing::Test {
@@ -108,6 +102,8 @@ class BatchFiles : public ::testing::Test {
     writeFile(path(name), bytes);
     return path(name);
   }
+  // Four sets near a line: the listing below.
+  std::string line() const { return csv("line.csv", "y,x\n3.5,1\n4.5,2\n7.5,3\n8,4\n"); }
   QTemporaryDir dir;
 };
 
@@ -125,10 +121,9 @@ const std::vector<std::string> kLineListing = {
 };
 
 TEST_F(BatchFiles, CsvWithQuotedNamesBlankLinesAndCrLfGivesTheWindowsListing) {
-  const std::string plain = csv("plain.csv", "y,x\n3.5,1\n4.5,2\n7.5,3\n8,4\n");
   const std::string messy =
       csv("messy.txt", "\xEF\xBB\xBF\"y\" , \"x\"\r\n\r\n 3.5 ,1\r\n   \r\n4.5,\"2\"\r\n7.5,3\r\n8,4\r\n\r\n");
-  for (const std::string& file : {plain, messy}) {
+  for (const std::string& file : {line(), messy}) {
     const BatchRun run = runBatch({"fit", file});
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(run.outLines(), kLineListing) << file;
@@ -268,7 +263,7 @@ TEST_F(BatchFiles, WhatIsNoRegularFileIsRefusedAtOnce) {
 // --stats adds the statistics after the listing, --json gives them instead as one object;
 // ill-conditioned data warn on standard error and still succeed.
 TEST_F(BatchFiles, StatisticsBesideOrInsteadOfTheListing) {
-  const std::string file = csv("plain.csv", "y,x\n3.5,1\n4.5,2\n7.5,3\n8,4\n");
+  const std::string file = line();
   const BatchRun stats = runBatch({"fit", "--stats", file});
   ASSERT_EQ(stats.status, 0) << stats.err;
   EXPECT_EQ(stats.err, "");
@@ -329,8 +324,9 @@ TEST_F(BatchFiles, SavedPairOpensWithTheSameListing) {
   EXPECT_FALSE(std::filesystem::exists(path("no")));
 }
 
-TEST_F(BatchFiles, ReportTextIsThePrintedReport) {
-  const std::string file = csv("r.csv", "y,x\n3.5,1\n4.5,2\n7.5,3\n8,4\n");
+// The printed report as text, or a PDF written whole or not at all.
+TEST_F(BatchFiles, ReportAsTextOrAWholePdf) {
+  const std::string file = line();
   const BatchRun run = runBatch({"report", file, "--text"});
   ASSERT_EQ(run.status, 0) << run.err;
   const std::vector<std::string> lines = run.outLines();
@@ -349,25 +345,19 @@ TEST_F(BatchFiles, ReportTextIsThePrintedReport) {
   EXPECT_EQ(lines[22], "y= 4.5                            5.05                  -0.549999999999999 ");
   EXPECT_EQ(lines[30], "y= 8                              8.35                  -0.35 ");
   EXPECT_EQ(lines[31], "");
-}
 
-TEST_F(BatchFiles, ReportPdfIsWrittenWholeOrNotAtAll) {
-  const std::string file = csv("r.csv", "y,x\n3.5,1\n4.5,2\n7.5,3\n8,4\n");
   const std::string pdf = path("report.pdf");
-  const BatchRun run = runBatch({"report", file, "--pdf", pdf});
-  ASSERT_EQ(run.status, 0) << run.err;
+  ASSERT_EQ(runBatch({"report", file, "--pdf", pdf}).status, 0);
   std::ifstream in(pdf, std::ios::binary);
   std::string head(5, '\0');
   in.read(head.data(), 5);
   EXPECT_EQ(head, "%PDF-");
-  EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), (QStringList{"r.csv", "report.pdf"}));  // no temporary left
+  EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), (QStringList{"line.csv", "report.pdf"}));  // no temporary left
 
   const BatchRun noTarget = runBatch({"report", file});
   EXPECT_EQ(noTarget.status, 1);
   EXPECT_EQ(noTarget.err, "orvane-batch report: give --pdf OUT.pdf or --text\n");
-
-  const BatchRun unwritable = runBatch({"report", file, "--pdf", path("missing/r.pdf")});
-  EXPECT_EQ(unwritable.status, 1);
+  EXPECT_EQ(runBatch({"report", file, "--pdf", path("missing/r.pdf")}).status, 1);
   EXPECT_FALSE(std::filesystem::exists(path("missing")));
 }
 
@@ -407,24 +397,6 @@ TEST(BatchCsv, AStreamedFitPrintsWhatTheHeldFitPrints) {
       EXPECT_EQ(b.status, table.ends_with("bad.csv") ? 1 : 0) << b.err;
     }
   }
-}
-
-// The NIST StRD "Norris" line against its certified values. The normal equations
-// reach about 12 correct digits on it; 11 are required.
-TEST(BatchNist, NorrisMatchesTheCertifiedValues) {
-  const BatchRun run = runBatch({"fit", dataFile("Norris.csv")});
-  ASSERT_EQ(run.status, 0) << run.err;
-  const std::vector<std::string> lines = run.outLines();
-  ASSERT_EQ(lines.size(), 9u);
-  auto value = [&](size_t i) { return parseStrict(lines[i].substr(lines[i].find('=') + 1)); };
-  auto lre = [](double estimate, double certified) {
-    return -std::log10(std::fabs(estimate - certified) / std::fabs(certified));
-  };
-  EXPECT_GE(lre(value(7), -0.262323073774029), 11);                     // B0
-  EXPECT_GE(lre(value(8), 1.00211681802045), 11);                       // B1
-  EXPECT_GE(lre(value(1), 0.884796396144373), 11);                      // residual SD, N - 2 = 34
-  EXPECT_GE(lre(value(2), 26.6173985294224), 11);                       // residual SS
-  EXPECT_GE(lre(value(0) * value(0), 0.999993745883712), 11);           // R squared
 }
 
 }  // namespace
