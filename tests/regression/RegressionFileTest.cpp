@@ -201,31 +201,6 @@ TEST(RegressionFile, LargeFilesKeepTheirOrderAndTheirFirstFault) {
   for (const auto& c : cases) EXPECT_EQ(refusal(main, c.data), "/tmp/study.txt.dat, " + c.message) << c.what;
 }
 
-// Saving over a pair replaces what the files hold, not what they are: a private pair
-// stays private and a pair of links keeps its links, the files they lead to replaced.
-TEST(RegressionFile, SavingOverAPairKeepsItsPermissionsAndLinks) {
-  TempDir dir;
-  const std::string secret = dir.file("secret.txt");
-  WriteRegressionFiles(secret, sample());
-  const auto privateMode = fs::perms::owner_read | fs::perms::owner_write;
-  for (const std::string& file : {secret, secret + ".dat"}) fs::permissions(file, privateMode);
-  RegressionProblem after = sample();
-  after.dependentName = "other";
-  WriteRegressionFiles(secret, after);
-  for (const std::string& file : {secret, secret + ".dat"}) EXPECT_EQ(fs::status(file).permissions(), privateMode);
-  EXPECT_EQ(ReadRegressionFiles(secret).dependentName, "other");
-
-  TempDir elsewhere;
-  WriteRegressionFiles(elsewhere.file("real.txt"), sample());
-  fs::create_symlink(elsewhere.file("real.txt"), dir.file("link.txt"));
-  fs::create_symlink("../" + elsewhere.path.filename().string() + "/real.txt.dat", dir.file("link.txt.dat"));
-  WriteRegressionFiles(dir.file("link.txt"), after);
-  EXPECT_TRUE(fs::is_symlink(dir.file("link.txt")) && fs::is_symlink(dir.file("link.txt.dat")));
-  EXPECT_EQ(readText(elsewhere.file("real.txt")), ProblemText(after));
-  EXPECT_EQ(readText(elsewhere.file("real.txt.dat")), DataText(after));
-  EXPECT_EQ(elsewhere.entries(), 2) << "no temporary file left behind";
-}
-
 // A save that cannot replace the data file or may not write over it changes neither file
 // of the pair: the data file is replaced first.
 TEST(RegressionFile, FailedSavesChangeNeitherFile) {

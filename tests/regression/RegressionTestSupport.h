@@ -6,7 +6,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -16,6 +15,7 @@
 #include <vector>
 
 #include "platform/NumberText.h"
+#include "regression/CsvProblem.h"
 #include "regression/RegressionProblem.h"
 
 namespace orvane::testing {
@@ -55,29 +55,8 @@ inline std::string readDataText(const std::string& name) {
   return text.str();
 }
 
-// A data file "y,x1,...,xm" (the header names the columns, the dependent one first),
-// then one set a line.
-inline RegressionProblem readDataCsv(const std::string& name) {
-  std::istringstream in(readDataText(name + ".csv"));
-  std::string line, field;
-  std::vector<std::vector<std::string>> rows;
-  while (std::getline(in, line)) {
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    if (line.empty()) continue;
-    std::istringstream fields(line);
-    rows.emplace_back();
-    while (std::getline(fields, field, ',')) rows.back().push_back(field);
-    std::rotate(rows.back().begin(), rows.back().begin() + 1, rows.back().end());  // {x1..xm, y}
-  }
-  std::vector<std::vector<double>> sets;
-  for (size_t i = 1; i < rows.size(); ++i) {
-    sets.emplace_back();
-    for (const std::string& text : rows[i]) sets.back().push_back(parseStrict(text));
-  }
-  const std::vector<std::string>& header = rows.at(0);
-  return makeProblem(static_cast<int>(header.size()) - 1, sets,
-                     std::vector<std::string>(header.begin(), header.end() - 1), header.back());
-}
+// A table under tests/regression/data, read as the program reads tables.
+inline RegressionProblem readDataCsv(const std::string& name) { return ParseCsvProblem(name, readDataText(name + ".csv")); }
 
 inline QJsonObject readDataJson(const std::string& name) {
   return QJsonDocument::fromJson(QByteArray::fromStdString(readDataText(name))).object();
