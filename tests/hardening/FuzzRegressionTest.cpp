@@ -5,12 +5,11 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <functional>
-#include <sstream>
 #include <string>
 
 #include "../../fuzz/FuzzChecks.h"
+#include "regression/RegressionTestSupport.h"
 // The checks are compiled here too, so that this program needs no fuzzer.
 #include "../../fuzz/FuzzChecks.cpp"
 
@@ -24,12 +23,6 @@ fs::path sourceDir() {
   return fs::path(__FILE__).parent_path().parent_path().parent_path();
 }
 
-std::string contents(const fs::path& path) {
-  std::ostringstream text;
-  text << std::ifstream(path, std::ios::binary).rdbuf();
-  return text.str();
-}
-
 // The inputs of one target: seeds and kept findings; how many were checked.
 int checkAll(const std::string& target, const std::function<std::string(std::string_view)>& check) {
   int checked = 0;
@@ -38,7 +31,7 @@ int checkAll(const std::string& target, const std::function<std::string(std::str
     if (!fs::is_directory(dir)) continue;
     for (const auto& entry : fs::directory_iterator(dir)) {
       SCOPED_TRACE(entry.path().string());
-      EXPECT_EQ(check(contents(entry.path())), "");
+      EXPECT_EQ(check(testing::readText(entry.path())), "");
       ++checked;
     }
   }

@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
-#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <future>
@@ -13,7 +11,6 @@
 #include <string>
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include "hardening/AllocationProbe.h"
 #include "regression/RegressionFile.h"
@@ -161,11 +158,8 @@ TEST(RegressionFileHostile, NamesWithQuotesAndCommas) {
 // once with a message naming it. A pipe without a writer must not hold the reader, nor
 // /dev/zero fill the memory.
 TEST(RegressionFileHostile, WhatIsNoRegularFileIsRefusedWithoutWaiting) {
-  namespace fs = std::filesystem;
-  const fs::path dir = fs::temp_directory_path() / ("orvane-hostile-" + std::to_string(::getpid()));
-  fs::create_directories(dir);
-  const std::string pipe = (dir / "pipe").string(), lonely = (dir / "lonely.reg").string(),
-                    piped = (dir / "piped.reg").string();
+  const testing::TempDir dir;
+  const std::string pipe = dir.file("pipe"), lonely = dir.file("lonely.reg"), piped = dir.file("piped.reg");
   ASSERT_EQ(::mkfifo(pipe.c_str(), 0644), 0);
   ASSERT_EQ(::mkfifo((piped + ".dat").c_str(), 0644), 0);
   for (const std::string& problemFile : {lonely, piped}) std::ofstream(problemFile, std::ios::binary) << kGoodProblem;
@@ -187,7 +181,7 @@ TEST(RegressionFileHostile, WhatIsNoRegularFileIsRefusedWithoutWaiting) {
   } rows[] = {
       {"pair: a pipe", pair(pipe), "Cannot read the file " + pipe + ": not a regular file"},
       {"pair: /dev/zero", pair("/dev/zero"), "Cannot read the file /dev/zero: not a regular file"},
-      {"pair: a folder", pair(dir.string()), "Cannot read the file " + dir.string() + ": Is a directory"},
+      {"pair: a folder", pair(dir.path), "Cannot read the file " + dir.path.string() + ": Is a directory"},
       {"pair: no data file", pair(lonely), "Cannot read the file " + lonely + ".dat: No such file or directory"},
       {"pair: a pipe for data", pair(piped), "Cannot read the file " + piped + ".dat: not a regular file"},
       {"stereo: a pipe", [&pipe] { return ReadStereoFile(pipe, StereoFields{}).message; },
@@ -203,7 +197,6 @@ TEST(RegressionFileHostile, WhatIsNoRegularFileIsRefusedWithoutWaiting) {
     }
     EXPECT_EQ(reading.get(), row.expected);
   }
-  fs::remove_all(dir);
 }
 
 }  // namespace

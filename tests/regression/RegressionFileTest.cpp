@@ -1,10 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -18,26 +14,8 @@ namespace {
 namespace fs = std::filesystem;
 using testing::column;
 using testing::makeProblem;
-
-struct TempDir {
-  fs::path path = fs::temp_directory_path() / ("orvane-regfile-" + std::to_string(::getpid()) + "-" +
-                                               std::to_string(counter++));
-  static inline int counter = 0;
-  TempDir() { fs::create_directories(path); }
-  ~TempDir() {
-    std::error_code ignored;
-    fs::permissions(path, fs::perms::owner_all, ignored);
-    fs::remove_all(path, ignored);
-  }
-  std::string file(const std::string& name) const { return (path / name).string(); }
-  long entries() const { return std::distance(fs::directory_iterator(path), fs::directory_iterator()); }
-};
-
-std::string readText(const std::string& path) {
-  std::ostringstream text;
-  text << std::ifstream(path, std::ios::binary).rdbuf();
-  return text.str();
-}
+using testing::readText;
+using testing::TempDir;
 
 std::string crlf(const std::vector<std::string>& lines) {
   std::string text;
@@ -199,40 +177,6 @@ TEST(RegressionFile, LargeFilesKeepTheirOrderAndTheirFirstFault) {
       {"short and bad", data({{10, "x"}}, 3), "line 599999: expected value 2 of data set 299999 (the file ends before it)."},
   };
   for (const auto& c : cases) EXPECT_EQ(refusal(main, c.data), "/tmp/study.txt.dat, " + c.message) << c.what;
-}
-
-// A save that cannot replace the data file or may not write over it changes neither file
-// of the pair: the data file is replaced first.
-TEST(RegressionFile, FailedSavesChangeNeitherFile) {
-  TempDir dir;
-  const std::string path = dir.file("keep.txt");
-  WriteRegressionFiles(path, sample());
-  const std::string oldMain = readText(path), oldData = readText(path + ".dat");
-  RegressionProblem after = sample();
-  after.N = 3;
-  after.dependentName = "other";
-
-  // A directory stands in the data file's way.
-  TempDir blocked;
-  const std::string blockedMain = blocked.file("keep.txt");
-  WriteRegressionFiles(blockedMain, sample());
-  fs::remove(blockedMain + ".dat");
-  fs::create_directories(blockedMain + ".dat/inside");
-  EXPECT_THROW(WriteRegressionFiles(blockedMain, after), RegressionFileError);
-  EXPECT_EQ(readText(blockedMain), oldMain);
-  EXPECT_EQ(blocked.entries(), 2) << "no temporary file left behind";
-
-  // A read-only data file is refused with the reason, for the superuser too: it was made
-  // read-only on purpose.
-  fs::permissions(path + ".dat", fs::perms::owner_read | fs::perms::group_read);
-  try {
-    WriteRegressionFiles(path, after);
-    ADD_FAILURE() << "saved over a read-only data file";
-  } catch (const RegressionFileError& e) {
-    EXPECT_EQ(std::string(e.what()), "Cannot write the file " + path + ".dat: Permission denied");
-  }
-  EXPECT_EQ(readText(path), oldMain);
-  EXPECT_EQ(readText(path + ".dat"), oldData);
 }
 
 }  // namespace

@@ -6,6 +6,8 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <unistd.h>
+
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -44,15 +46,37 @@ inline std::vector<double> column(const RegressionProblem& p, int j) {
   return values;
 }
 
+// A folder of one test's own, removed with what it holds.
+struct TempDir {
+  std::filesystem::path path = std::filesystem::temp_directory_path() /
+                               ("orvane-test-" + std::to_string(::getpid()) + "-" + std::to_string(counter++));
+  static inline int counter = 0;
+  TempDir() { std::filesystem::create_directories(path); }
+  ~TempDir() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path, ignored);
+  }
+  std::string file(const std::string& name) const { return (path / name).string(); }
+  long entries() const {
+    return std::distance(std::filesystem::directory_iterator(path), std::filesystem::directory_iterator());
+  }
+};
+
+// A file's bytes; none when it cannot be read.
+inline std::string readText(const std::filesystem::path& path) {
+  std::ostringstream text;
+  text << std::ifstream(path, std::ios::binary).rdbuf();
+  return text.str();
+}
+
 // A file under tests/regression/data, read whole; a missing one ends the test.
 inline std::string readDataText(const std::string& name) {
   const char* root = std::getenv("ORVANE_SOURCE_DIR");
   const std::filesystem::path path = (root ? std::filesystem::path(root) / "tests/regression/data"
                                            : std::filesystem::path(__FILE__).parent_path() / "data") / name;
-  std::ostringstream text;
-  text << std::ifstream(path, std::ios::binary).rdbuf();
-  if (text.str().empty()) throw std::runtime_error("no test data in " + path.string());
-  return text.str();
+  std::string text = readText(path);
+  if (text.empty()) throw std::runtime_error("no test data in " + path.string());
+  return text;
 }
 
 // A table under tests/regression/data, read as the program reads tables.
