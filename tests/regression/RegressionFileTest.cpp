@@ -78,10 +78,7 @@ TEST(RegressionFile, RoundTripThroughDisk) {
     EXPECT_EQ(dir.entries(), 2) << "no temporary file left behind";
 
     const RegressionProblem back = ReadRegressionFiles(path);
-    EXPECT_EQ(back.N, 4);
-    EXPECT_EQ(back.m, 2);
-    EXPECT_EQ(back.computed, computed);
-    EXPECT_TRUE(back.dataDimensioned);
+    EXPECT_TRUE(back.N == 4 && back.m == 2 && back.computed == computed && back.dataDimensioned);
     EXPECT_EQ(back.dependentName, "yield");
     EXPECT_EQ(back.names, (std::vector<std::string>{"x", "t"}));
     for (int j = 1; j <= 3; ++j) EXPECT_EQ(column(back, j), column(p, j)) << j;
