@@ -47,7 +47,8 @@ TEST(BatchEval, PrintsValuesAndEngineErrors) {
       // Shown once, not once by the engine's event and again by the command.
       {{"foo+1"}, 1, "", "error 500: Variable is undefined: 'foo'\n"},
       {{"--const", "2a=1", "1"}, 1, "",
-       "orvane-batch eval: --const: \"2a=1\" is not NAME=EXPR with a name of a letter followed by letters and digits\n"},
+       "orvane-batch eval: --const: \"2a=1\" is not NAME=EXPR with a name of a letter followed by letters and "
+       "digits\n"},
       {{"--x", "abc", "x"}, 1, "", "orvane-batch eval: --x: not a number: \"abc\"\n"},
       {{"--x"}, 1, "", "orvane-batch eval: --x needs 1 value\n"},
       {{}, 1, "", "orvane-batch eval: missing EXPR\n"},
@@ -81,7 +82,8 @@ TEST(BatchCommandLine, HelpForEveryCommandAndClearUsageErrors) {
       {{}, "Usage:"},
       {{"frobnicate"}, "unknown command \"frobnicate\""},
       {{"fit", "--bogus", "x.csv"}, "orvane-batch fit: unknown option --bogus\n"},
-      {{"study", "x", "--error", "1", "--error", "2", "roots"}, "orvane-batch study: --error is given more than once\n"},
+      {{"study", "x", "--error", "1", "--error", "2", "roots"},
+       "orvane-batch study: --error is given more than once\n"},
   };
   for (const auto& row : usageErrors) {
     const BatchRun run = runBatch(row.args);

@@ -89,7 +89,8 @@ TEST(RegressionFileHostile, BadPairsNameTheFileAndTheLine) {
       {"10 MB count", head(huge + ",1,#FALSE#,\"y\""), kGoodData, "hostile.reg, line 1:"},
       {"10 MB of text for the header", head(hugeText), kGoodData, "hostile.reg, line 1:"},
       {"10 MB of commas for the header", head(commas), kGoodData, "hostile.reg, line 1:"},
-      {"10 MB value", kGoodProblem, "3,1\r\n 1\r\n" + huge + "\r\n 2\r\n 4\r\n 3\r\n 6\r\n", "hostile.reg.dat, line 3:"},
+      {"10 MB value", kGoodProblem, "3,1\r\n 1\r\n" + huge + "\r\n 2\r\n 4\r\n 3\r\n 6\r\n",
+       "hostile.reg.dat, line 3:"},
       {"10 MB text for a value", kGoodProblem, "3,1\r\n 1\r\n" + hugeText + "\r\n 2\r\n 4\r\n 3\r\n 6\r\n",
        "hostile.reg.dat, line 3:"},
       {"10 MB of commas for a value", kGoodProblem, "3,1\r\n" + commas + "\r\n 2\r\n 2\r\n 4\r\n 3\r\n 6\r\n",
@@ -117,8 +118,8 @@ TEST(RegressionFileHostile, BadPairsNameTheFileAndTheLine) {
     rows.push_back({value, kGoodProblem, "3,1\r\n 1\r\n 2\r\n 2\r\n" + std::string(value) + "\r\n 3\r\n 6\r\n",
                     "hostile.reg.dat, line 5: expected the value of y in data set 2"});
   for (const char* value : {"NaN", "Inf", "1E+999"})
-    rows.push_back({value, head("3,1,#TRUE#,\"y\"", "x\r\n 1\r\n" + std::string(value) + "\r\n1,0,0,0,0\r\n"), kGoodData,
-                    "hostile.reg, line 4:"});
+    rows.push_back({value, head("3,1,#TRUE#,\"y\"", "x\r\n 1\r\n" + std::string(value) + "\r\n1,0,0,0,0\r\n"),
+                    kGoodData, "hostile.reg, line 4:"});
   for (const Row& row : rows) {
     SCOPED_TRACE(row.what);
     test::resetLargestAllocation();

@@ -52,7 +52,8 @@ TEST(SaveFailure, AMessageNamingTheFileAndThePreviousFilesIntact) {
   const std::string problem = dir.file("old.reg"), stereo = dir.file("old.ste");
   WriteRegressionFiles(problem, problemOf(3));
   WriteStereoFile(stereo, StereoSettings{}, {"a=1"});
-  const std::string oldFiles[] = {testing::readText(problem), testing::readText(problem + ".dat"), testing::readText(stereo)};
+  const std::string oldFiles[] = {testing::readText(problem), testing::readText(problem + ".dat"),
+                                  testing::readText(stereo)};
   StereoSettings longer;
   longer.equationZ = std::string(100000, 'x');
 

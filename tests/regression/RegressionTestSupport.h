@@ -80,7 +80,9 @@ inline std::string readDataText(const std::string& name) {
 }
 
 // A table under tests/regression/data, read as the program reads tables.
-inline RegressionProblem readDataCsv(const std::string& name) { return ParseCsvProblem(name, readDataText(name + ".csv")); }
+inline RegressionProblem readDataCsv(const std::string& name) {
+  return ParseCsvProblem(name, readDataText(name + ".csv"));
+}
 
 inline QJsonObject readDataJson(const std::string& name) {
   return QJsonDocument::fromJson(QByteArray::fromStdString(readDataText(name))).object();
