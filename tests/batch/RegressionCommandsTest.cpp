@@ -15,8 +15,6 @@
 #include <filesystem>
 
 #include "batch/BatchSupport.h"
-#include "regression/CsvProblem.h"
-#include "hardening/AllocationProbe.h"
 #include "platform/NumberText.h"
 #include "regression/RegressionFile.h"
 #include "regression/Solver.h"
@@ -189,38 +187,6 @@ TEST_F(BatchFiles, RenamedHeaderNamesAreSaved) {
   EXPECT_EQ(saved.dependentName, "stackloss");
   EXPECT_EQ(saved.names, (std::vector<std::string>{"AcidConc", "y1"}));
   EXPECT_EQ(saved.X(3, 4), 28);
-}
-
-// A line of 10 MB costs a few times the line, however many fields it holds, and the
-// message quotes at most 40 characters of it.
-TEST(BatchCsv, HugeLinesCostAFewTimesTheLineAndGiveAShortMessage) {
-  const size_t huge = 10 << 20;
-  const struct {
-    const char* what;
-    std::string text;
-    std::string message;  // after "big.csv, "
-  } rows[] = {
-      {"a 10 MB field", "y,x\n1," + std::string(huge, '7') + "x\n",
-       "line 2: expected a number in column 2 (x), not \"" + std::string(40, '7') + "...\"."},
-      {"10 MB of commas in a set", "y,x\n1" + std::string(huge, ',') + "\n",
-       "line 2: expected 2 numbers separated by \",\", found " + std::to_string(huge + 1) + " fields."},
-      {"10 MB of commas in the header", "y" + std::string(huge, ',') + "\n",
-       "line 1: expected at most 16383 columns (more variables than a fit can solve), found " +
-           std::to_string(huge + 1) + "."},
-      {"a 10 MB name of quotes", "y," + std::string(huge, '"') + "\n",
-       "line 1: expected at least 3 data sets, found 0."},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.what);
-    test::resetLargestAllocation();
-    try {
-      ParseCsvProblem("big.csv", row.text);
-      ADD_FAILURE() << "read";
-    } catch (const RegressionFileError& e) {
-      EXPECT_EQ(std::string(e.what()), "big.csv, " + row.message);
-    }
-    EXPECT_LT(test::peakAllocated(), 4 * huge);  // a comma-separated 10 MB took 700 MB
-  }
 }
 
 TEST_F(BatchFiles, SingularAndOverflowingFitsExitWithTheReason) {

@@ -13,6 +13,7 @@
 #include <sys/stat.h>
 
 #include "hardening/AllocationProbe.h"
+#include "regression/CsvProblem.h"
 #include "regression/RegressionFile.h"
 #include "regression/RegressionTestSupport.h"
 #include "stereo/StereoExport.h"
@@ -22,9 +23,13 @@ namespace {
 
 constexpr const char* kProblemFile = "hostile.reg";
 
-std::string refusal(const std::string& problemText, const std::string& data) {
+// What reading says of the pair hostile.reg, or of `problemText` as the table hostile.csv.
+std::string refusal(const std::string& problemText, const std::string& data, bool table = false) {
   try {
-    ParseRegressionFiles(kProblemFile, problemText, data);
+    if (table)
+      ParseCsvProblem("hostile.csv", problemText);
+    else
+      ParseRegressionFiles(kProblemFile, problemText, data);
   } catch (const RegressionFileError& e) {
     return e.what();
   }
@@ -56,15 +61,16 @@ TEST(RegressionFileHostile, NoDataSetsIsAnEmptyProblem) {
 
 // Each bad pair is refused with a message that starts with the file and the line at
 // fault (the data file alone for sizes beyond memory), short enough for a message box;
-// a huge line costs a few times its own size, not a string per field of it, and counts
-// that promise more than the file or the memory holds are refused before the data
-// matrix exists.
+// a huge line costs a few times its own size, not a string per field of it (a table of
+// 10 MB of commas once took 700 MB), and counts that promise more than the file or the
+// memory holds are refused before the data matrix exists.
 TEST(RegressionFileHostile, BadPairsNameTheFileAndTheLine) {
   const std::string huge(10 << 20, '7'), hugeText(10 << 20, 'q'), commas(10 << 20, ',');
   const auto head = [](const std::string& first, const std::string& rest = "x\r\n") { return first + "\r\n" + rest; };
   struct Row {
     std::string what, problemText, data, where;
     size_t allocationLimit = size_t{64} << 20;
+    bool table = false;  // read as a table of text
   };
   std::vector<Row> rows = {
       {"empty problem file", "", kGoodData, "hostile.reg, line 1:"},
@@ -96,6 +102,15 @@ TEST(RegressionFileHostile, BadPairsNameTheFileAndTheLine) {
       {"10 MB of commas for a value", kGoodProblem, "3,1\r\n" + commas + "\r\n 2\r\n 2\r\n 4\r\n 3\r\n 6\r\n",
        "hostile.reg.dat, line 2:"},
       {"10 MB data counts", kGoodProblem, huge + "\r\n", "hostile.reg.dat, line 1:"},
+      {"table: a 10 MB field", "y,x\n1," + huge + "x\n", "",
+       "hostile.csv, line 2: expected a number in column 2 (x), not \"" + huge.substr(0, 40) + "...\".", 40 << 20, true},
+      {"table: 10 MB of commas in a set", "y,x\n1" + commas + "\n", "",
+       "hostile.csv, line 2: expected 2 numbers separated by \",\", found 10485761 fields.", 40 << 20, true},
+      {"table: 10 MB of commas in the header", "y" + commas + "\n", "",
+       "hostile.csv, line 1: expected at most 16383 columns (more variables than a fit can solve), found 10485761.",
+       40 << 20, true},
+      {"table: a 10 MB name of quotes", "y," + std::string(10 << 20, '"') + "\n", "",
+       "hostile.csv, line 1: expected at least 3 data sets, found 0.", 40 << 20, true},
   };
   // Counts that are no count, or out of range; those of the data file must also be the
   // problem file's.
@@ -123,8 +138,8 @@ TEST(RegressionFileHostile, BadPairsNameTheFileAndTheLine) {
   for (const Row& row : rows) {
     SCOPED_TRACE(row.what);
     test::resetLargestAllocation();
-    const std::string message = refusal(row.problemText, row.data);
-    EXPECT_LT(test::largestAllocation(), row.allocationLimit);
+    const std::string message = refusal(row.problemText, row.data, row.table);
+    EXPECT_LT(test::peakAllocated(), row.allocationLimit);
     EXPECT_EQ(message.substr(0, row.where.size()), row.where) << message.substr(0, 200);
     EXPECT_LT(message.size(), 1000u);
   }
