@@ -221,9 +221,7 @@ TEST_F(BatchFiles, StatisticsBesideOrInsteadOfTheListing) {
   const std::vector<std::string> lines = stats.outLines();
   ASSERT_GT(lines.size(), 13u);
   EXPECT_EQ(std::vector<std::string>(lines.begin(), lines.begin() + 9), kLineListing);
-  EXPECT_EQ(lines[9], "");
-  EXPECT_EQ(lines[10], "Coefficients:");
-  EXPECT_EQ(lines[11], "               Estimate  Std. Error   t value  Pr(>|t|)");
+  EXPECT_EQ(lines[10], "Coefficients:");  // (the table itself: FitSummaryTest)
   EXPECT_EQ(lines[13].substr(0, 10), "A1 x      ");
 
   const BatchRun json = runBatch({"fit", "--json", file});
@@ -273,21 +271,16 @@ TEST_F(BatchFiles, ReportAsTextOrAWholePdf) {
   const BatchRun run = runBatch({"report", file, "--text"});
   ASSERT_EQ(run.status, 0) << run.err;
   const std::vector<std::string> lines = run.outLines();
-  ASSERT_EQ(lines.size(), 32u);
-  EXPECT_EQ(lines[0], "DEPENDENT VARIABLE: y");
-  EXPECT_EQ(lines[1], "INDEPENDENT VARIABLES: x");
+  ASSERT_EQ(lines.size(), 32u);  // (the lines before computing: RegressionReportTest)
   EXPECT_EQ(std::vector<std::string>(lines.begin() + 3, lines.begin() + 8),
             std::vector<std::string>(kLineListing.begin(), kLineListing.begin() + 5));
   EXPECT_EQ(lines[11], "A 0 = 1.75 ");
   EXPECT_EQ(lines[12], "A 1 = 1.65 ");
   EXPECT_EQ(lines[14], "DATA:                            ESTIMATE:              RESIDUAL:");
-  EXPECT_EQ(lines[16], "SET # 1 :");
-  EXPECT_EQ(lines[17], "x= 1 ");
   // Estimate at column 34, residual at 57: a negative one with its "-" there.
   EXPECT_EQ(lines[18], "y= 3.5                            3.4                    0.100000000000001 ");
   EXPECT_EQ(lines[22], "y= 4.5                            5.05                  -0.549999999999999 ");
   EXPECT_EQ(lines[30], "y= 8                              8.35                  -0.35 ");
-  EXPECT_EQ(lines[31], "");
 
   const std::string pdf = path("report.pdf");
   ASSERT_EQ(runBatch({"report", file, "--pdf", pdf}).status, 0);
