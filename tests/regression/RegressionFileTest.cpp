@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -11,7 +10,6 @@
 namespace orvane {
 namespace {
 
-namespace fs = std::filesystem;
 using testing::column;
 using testing::makeProblem;
 using testing::readText;
