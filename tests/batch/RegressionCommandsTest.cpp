@@ -128,7 +128,8 @@ TEST_F(BatchFiles, CsvWithQuotedNamesBlankLinesAndCrLfGivesTheWindowsListing) {
 
 // A refusal exits with 1, prints nothing and says why: a bad table names the file and
 // the line; names the window would not take are refused with the names it offers; what
-// is no regular file is refused at once by every command that reads a file.
+// is no regular file is refused at once by every reader (a pipe without a writer must
+// not hold it, nor /dev/zero fill the memory), as is a pair without its data file.
 TEST_F(BatchFiles, RefusalsSayWhyAndPrintNothing) {
   const struct {
     std::string bytes;
@@ -154,7 +155,10 @@ TEST_F(BatchFiles, RefusalsSayWhyAndPrintNothing) {
   const std::string stack = csv("stack.csv", "stack.loss;\"Acid Conc.\";y_1\n42;89;80\n37;86;80\n37;72;75\n28;79;62\n");
   const std::string dependent = csv("dep.csv", "y,x1,x2\n1,1,1\n2,2,2\n3,3,3\n4,4,4\n");
   const std::string pipe = path("pipe"), folder = dir.path().toStdString(), none = path("none.csv");
+  const std::string pairHead = "3,1,#FALSE#,\"y\"\r\nx\r\n";
+  const std::string lonely = csv("lonely.txt", pairHead), piped = csv("piped.txt", pairHead);
   ASSERT_EQ(::mkfifo(pipe.c_str(), 0644), 0);
+  ASSERT_EQ(::mkfifo((piped + ".dat").c_str(), 0644), 0);
   rows.insert(rows.end(), {
       {{"fit", none}, "Cannot read the file " + none + ": No such file or directory\n"},
       {{"fit", stack}, stack + ": the column names \"stack.loss\", \"Acid Conc.\", \"y_1\" are not a letter followed "
@@ -165,6 +169,9 @@ TEST_F(BatchFiles, RefusalsSayWhyAndPrintNothing) {
       {{"report", line()}, "orvane-batch report: give --pdf OUT.pdf or --text\n"},
       {{"fit", pipe}, "Cannot read the file " + pipe + ": not a regular file\n"},
       {{"fit", "--csv", "/dev/zero"}, "Cannot read the file /dev/zero: not a regular file\n"},
+      {{"report", "--text", "/dev/zero"}, "Cannot read the file /dev/zero: not a regular file\n"},
+      {{"fit", lonely}, "Cannot read the file " + lonely + ".dat: No such file or directory\n"},
+      {{"fit", piped}, "Cannot read the file " + piped + ".dat: not a regular file\n"},
       {{"report", "--text", folder}, "Cannot read the file " + folder + ": Is a directory\n"},
       {{"plot2d", "--data", pipe, "--out", path("p.png")}, "Cannot read the file " + pipe + ": not a regular file\n"},
       {{"stereo", "--import", pipe, "--out", path("s")}, "Cannot open \"" + pipe + "\": not a regular file.\n"},

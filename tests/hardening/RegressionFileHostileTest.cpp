@@ -1,22 +1,18 @@
-// Regression file pairs no one should have to open: garbage, absurd counts, huge lines,
-// values that are not numbers, pipes and devices. Each is refused with a message naming
-// the file and the line, without allocating for what the header claims.
+// Regression file pairs and tables no one should have to open: garbage, absurd counts,
+// huge lines, values that are not numbers. Each is refused with a message naming the
+// file and the line, without allocating for what the header claims. (Pipes, devices and
+// folders, to every reader through the commands: RegressionCommandsTest.)
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <functional>
-#include <future>
 #include <random>
 #include <string>
 
-#include <sys/stat.h>
 
 #include "hardening/AllocationProbe.h"
 #include "regression/CsvProblem.h"
 #include "regression/RegressionFile.h"
 #include "regression/RegressionTestSupport.h"
-#include "stereo/StereoExport.h"
 
 namespace orvane {
 namespace {
@@ -153,51 +149,6 @@ TEST(RegressionFileHostile, NamesWithQuotesAndOddCharactersReadBack) {
     const RegressionProblem back = ParseRegressionFiles(kProblemFile, ProblemText(p), DataText(p));
     EXPECT_EQ(back.names, p.names);
     EXPECT_EQ(back.X(2, 1), -3);
-  }
-}
-
-// Every reader of a user's file, offered what is no regular file: each is refused at
-// once with a message naming it. A pipe without a writer must not hold the reader, nor
-// /dev/zero fill the memory.
-TEST(RegressionFileHostile, WhatIsNoRegularFileIsRefusedWithoutWaiting) {
-  const testing::TempDir dir;
-  const std::string pipe = dir.file("pipe"), lonely = dir.file("lonely.reg"), piped = dir.file("piped.reg");
-  ASSERT_EQ(::mkfifo(pipe.c_str(), 0644), 0);
-  ASSERT_EQ(::mkfifo((piped + ".dat").c_str(), 0644), 0);
-  for (const std::string& problemFile : {lonely, piped}) std::ofstream(problemFile, std::ios::binary) << kGoodProblem;
-
-  const auto pair = [](const std::string& file) {
-    return [file] {
-      try {
-        ReadRegressionFiles(file);
-      } catch (const RegressionFileError& e) {
-        return std::string(e.what());
-      }
-      return std::string("<read>");
-    };
-  };
-  const struct {
-    std::string what;
-    std::function<std::string()> read;  // the message
-    std::string expected;
-  } rows[] = {
-      {"pair: a pipe", pair(pipe), "Cannot read the file " + pipe + ": not a regular file"},
-      {"pair: /dev/zero", pair("/dev/zero"), "Cannot read the file /dev/zero: not a regular file"},
-      {"pair: a folder", pair(dir.path), "Cannot read the file " + dir.path.string() + ": Is a directory"},
-      {"pair: no data file", pair(lonely), "Cannot read the file " + lonely + ".dat: No such file or directory"},
-      {"pair: a pipe for data", pair(piped), "Cannot read the file " + piped + ".dat: not a regular file"},
-      {"stereo: a pipe", [&pipe] { return ReadStereoFile(pipe, StereoFields{}).message; },
-       "Cannot open \"" + pipe + "\": not a regular file."},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.what);
-    auto reading = std::async(std::launch::async, row.read);
-    if (reading.wait_for(std::chrono::seconds(20)) != std::future_status::ready) {
-      ADD_FAILURE() << "the reader waits";
-      std::ofstream(pipe) << "";  // lets it go
-      std::ofstream(piped + ".dat") << "";
-    }
-    EXPECT_EQ(reading.get(), row.expected);
   }
 }
 
