@@ -7,7 +7,7 @@
 
 #include <random>
 #include <string>
-
+#include <vector>
 
 #include "hardening/AllocationProbe.h"
 #include "regression/CsvProblem.h"
