@@ -1,7 +1,8 @@
 // Regression file pairs and tables no one should have to open: garbage, absurd counts,
 // huge lines, values that are not numbers. Each is refused with a message naming the
 // file and the line, without allocating for what the header claims. (Pipes, devices and
-// folders, to every reader through the commands: RegressionCommandsTest.)
+// folders, to every reader through the commands: RegressionCommandsTest; names that
+// survive a save: RegressionFileTest.)
 
 #include <gtest/gtest.h>
 
@@ -12,7 +13,6 @@
 #include "hardening/AllocationProbe.h"
 #include "regression/CsvProblem.h"
 #include "regression/RegressionFile.h"
-#include "regression/RegressionTestSupport.h"
 
 namespace orvane {
 namespace {
@@ -34,13 +34,6 @@ std::string refusal(const std::string& problemText, const std::string& data, boo
 
 const std::string kGoodProblem = "3,1,#FALSE#,\"y\"\r\nx\r\n";
 const std::string kGoodData = "3,1\r\n 1\r\n 2\r\n 2\r\n 4\r\n 3\r\n 6\r\n";
-
-TEST(RegressionFileHostile, NoDataSetsIsAnEmptyProblem) {
-  const RegressionProblem p = ParseRegressionFiles(kProblemFile, "0,2,#FALSE#,\"y\"\r\na\r\nb\r\n", "0,2\r\n");
-  EXPECT_EQ(p.N, 0);
-  EXPECT_EQ(p.m, 2);
-  EXPECT_EQ(p.X.lastRow(), 0);
-}
 
 // Each bad pair is refused with a message that starts with the file and the line at
 // fault (the data file alone for sizes beyond memory), short enough for a message box;
@@ -135,17 +128,6 @@ TEST(RegressionFileHostile, BadPairsNameTheFileAndTheLine) {
     EXPECT_LT(test::peakAllocated(), row.allocationLimit);
     EXPECT_EQ(message.substr(0, row.where.size()), row.where) << message.substr(0, 200);
     EXPECT_LT(message.size(), 1000u);
-  }
-}
-
-// Names the writer can give back as they were survive a save and a read.
-TEST(RegressionFileHostile, NamesWithQuotesAndOddCharactersReadBack) {
-  for (const char* name : {"a\"b", "a\"", "\"x", "a\"b\"c", "it's", "x;y", "\xc3\xa9t\xc3\xa9", "a b"}) {
-    SCOPED_TRACE(name);
-    const RegressionProblem p = testing::makeProblem(1, {{2, -3}}, {name});
-    const RegressionProblem back = ParseRegressionFiles(kProblemFile, ProblemText(p), DataText(p));
-    EXPECT_EQ(back.names, p.names);
-    EXPECT_EQ(back.X(2, 1), -3);
   }
 }
 
