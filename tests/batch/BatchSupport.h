@@ -18,7 +18,6 @@ struct BatchRun {
   std::string err;
 
   std::vector<std::string> outLines() const { return lines(out); }
-  std::vector<std::string> errLines() const { return lines(err); }
 
   static std::vector<std::string> lines(const std::string& text) {
     std::vector<std::string> result;

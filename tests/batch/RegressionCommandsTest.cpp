@@ -1,7 +1,6 @@
 // eval, fit and report through the executable: the window texts they print, the CSV
 // reader's handling of real-world and hostile files, the file pair written by --save,
-// the exit status of a fit that fails, and the accuracy of the fit against NIST's
-// certified values.
+// and the exit status of a fit that fails.
 
 #include <gtest/gtest.h>
 
@@ -16,8 +15,6 @@
 #include <filesystem>
 
 #include "batch/BatchSupport.h"
-#include "regression/CsvProblem.h"
-#include "hardening/AllocationProbe.h"
 #include "platform/NumberText.h"
 #include "regression/RegressionFile.h"
 #include "regression/Solver.h"
@@ -29,31 +26,27 @@ struct EvalCase {
   std::vector<std::string> args;
   int status;
   std::string out;  // the whole standard output
-  std::string err;  // the whole standard error, or a prefix when it ends in "*"
+  std::string err;  // the whole standard error
 };
 
 TEST(BatchEval, PrintsValuesAndEngineErrors) {
   const std::vector<EvalCase> cases = {
-      {{"--", "-2^2"}, 0, "4\n", ""},
       {{"-2^2"}, 0, "4\n", ""},
-      {{"2^3^2"}, 0, "64\n", ""},
       {{"--x", "3", "x^2"}, 0, "9\n", ""},
       {{"--y", "2", "--u", "3", "--v", "4", "y*100+u*10+v"}, 0, "234\n", ""},
       {{"Asin(1)"}, 0, "1.5707963267949\n", ""},
-      {{"Asin(0.5)"}, 0, "0.523598775598299\n", ""},
       {{"1", "+", "2"}, 0, "3\n", ""},
       {{"1E-05*1"}, 0, "1E-05\n", ""},
-      {{"--const", "a=2.37", "--const", "b=2*a", "b"}, 0, "4.74\n", ""},
       {{"--const", "a=1", "--const", "a=2", "a"}, 0, "2\n", ""},
       {{"--const", "c=pi/2", "c=halfpi"}, 0, "-1\n", ""},
       // Domain errors come back through the math object's error field.
-      {{"Asin(2)"}, 1, "", "error 5: Invalid procedure call or argument\n"},
-      {{"Atanh(1)"}, 1, "", "error 11: Division by zero\n"},
       {{"Tanh(800)"}, 1, "", "error 6: Overflow\n"},
       {{"1/0"}, 1, "", "error 11: Division by zero\n"},
       // Shown once, not once by the engine's event and again by the command.
       {{"foo+1"}, 1, "", "error 500: Variable is undefined: 'foo'\n"},
-      {{"--const", "2a=1", "1"}, 1, "", "orvane-batch eval: --const: *"},
+      {{"--const", "2a=1", "1"}, 1, "",
+       "orvane-batch eval: --const: \"2a=1\" is not NAME=EXPR with a name of a letter followed by letters and "
+       "digits\n"},
       {{"--x", "abc", "x"}, 1, "", "orvane-batch eval: --x: not a number: \"abc\"\n"},
       {{"--x"}, 1, "", "orvane-batch eval: --x needs 1 value\n"},
       {{}, 1, "", "orvane-batch eval: missing EXPR\n"},
@@ -65,10 +58,7 @@ TEST(BatchEval, PrintsValuesAndEngineErrors) {
     SCOPED_TRACE(c.args.empty() ? std::string("(none)") : c.args.back());
     EXPECT_EQ(run.status, c.status);
     EXPECT_EQ(run.out, c.out);
-    if (!c.err.empty() && c.err.back() == '*')
-      EXPECT_EQ(run.err.substr(0, c.err.size() - 1), c.err.substr(0, c.err.size() - 1));
-    else
-      EXPECT_EQ(run.err, c.err);
+    EXPECT_EQ(run.err, c.err);
   }
 }
 
@@ -83,22 +73,22 @@ TEST(BatchCommandLine, HelpForEveryCommandAndClearUsageErrors) {
   EXPECT_EQ(top.status, 0);
   EXPECT_NE(top.out.find("stereo"), std::string::npos);
 
-  const BatchRun none = runBatch({});
-  EXPECT_EQ(none.status, 1);
-  EXPECT_EQ(none.out, "");
-  EXPECT_NE(none.err.find("Usage:"), std::string::npos);
-
-  const BatchRun unknown = runBatch({"frobnicate"});
-  EXPECT_EQ(unknown.status, 1);
-  EXPECT_NE(unknown.err.find("unknown command \"frobnicate\""), std::string::npos);
-
-  const BatchRun badOption = runBatch({"fit", "--bogus", "x.csv"});
-  EXPECT_EQ(badOption.status, 1);
-  EXPECT_EQ(badOption.err, "orvane-batch fit: unknown option --bogus\n");
-
-  const BatchRun twice = runBatch({"study", "x", "--error", "1", "--error", "2", "roots"});
-  EXPECT_EQ(twice.status, 1);
-  EXPECT_EQ(twice.err, "orvane-batch study: --error is given more than once\n");
+  const struct {
+    std::vector<std::string> args;
+    std::string err;  // a part of standard error
+  } usageErrors[] = {
+      {{}, "Usage:"},
+      {{"frobnicate"}, "unknown command \"frobnicate\""},
+      {{"fit", "--bogus", "x.csv"}, "orvane-batch fit: unknown option --bogus\n"},
+      {{"study", "x", "--error", "1", "--error", "2", "roots"},
+       "orvane-batch study: --error is given more than once\n"},
+  };
+  for (const auto& row : usageErrors) {
+    const BatchRun run = runBatch(row.args);
+    EXPECT_EQ(run.status, 1) << row.err;
+    EXPECT_EQ(run.out, "") << row.err;
+    EXPECT_NE(run.err.find(row.err), std::string::npos) << run.err;
+  }
 }
 
 class BatchFiles : public ::testing::Test {
@@ -108,6 +98,8 @@ class BatchFiles : public ::testing::Test {
     writeFile(path(name), bytes);
     return path(name);
   }
+  // Four sets near a line: the listing below.
+  std::string line() const { return csv("line.csv", "y,x\n3.5,1\n4.5,2\n7.5,3\n8,4\n"); }
   QTemporaryDir dir;
 };
 
@@ -125,22 +117,24 @@ const std::vector<std::string> kLineListing = {
 };
 
 TEST_F(BatchFiles, CsvWithQuotedNamesBlankLinesAndCrLfGivesTheWindowsListing) {
-  const std::string plain = csv("plain.csv", "y,x\n3.5,1\n4.5,2\n7.5,3\n8,4\n");
   const std::string messy =
       csv("messy.txt", "\xEF\xBB\xBF\"y\" , \"x\"\r\n\r\n 3.5 ,1\r\n   \r\n4.5,\"2\"\r\n7.5,3\r\n8,4\r\n\r\n");
-  for (const std::string& file : {plain, messy}) {
+  for (const std::string& file : {line(), messy}) {
     const BatchRun run = runBatch({"fit", file});
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(run.outLines(), kLineListing) << file;
   }
 }
 
-TEST_F(BatchFiles, BadCsvFilesNameTheFileAndTheLine) {
-  struct Case {
+// A refusal exits with 1, prints nothing and says why: a bad table names the file and
+// the line; names the window would not take are refused with the names it offers; what
+// is no regular file is refused at once by every reader (a pipe without a writer must
+// not hold it, nor /dev/zero fill the memory), as is a pair without its data file.
+TEST_F(BatchFiles, RefusalsSayWhyAndPrintNothing) {
+  const struct {
     std::string bytes;
     std::string expected;  // after "<file>, "
-  };
-  const std::vector<Case> cases = {
+  } tables[] = {
       {"y,x\r\n1,2\r\n\r\n2,abc\r\n3,4\r\n", "line 4: expected a number in column 2 (x), not \"abc\".\n"},
       {"y,x\n1,2\n2,3,4\n3,4\n", "line 3: expected 2 numbers separated by \",\", found 3 fields.\n"},
       {"y,x\n1,2\n2,\n3,4\n", "line 3: expected a number in column 2 (x), not \"\".\n"},
@@ -153,29 +147,49 @@ TEST_F(BatchFiles, BadCsvFilesNameTheFileAndTheLine) {
       {"y,\"x\n1,2\n", "line 1: expected a closing quote.\n"},
       {"y,x\n1,nan\n2,3\n3,4\n", "line 2: expected a number in column 2 (x), not \"nan\".\n"},
   };
-  for (const Case& c : cases) {
-    const std::string file = csv("bad.csv", c.bytes);
-    const BatchRun run = runBatch({"fit", file});
+  std::vector<std::pair<std::vector<std::string>, std::string>> rows;
+  for (const auto& table : tables) {
+    const std::string file = csv("bad" + std::to_string(rows.size()) + ".csv", table.bytes);
+    rows.push_back({{"fit", file}, file + ", " + table.expected});
+  }
+  const std::string stack = csv("stack.csv", "stack.loss;\"Acid Conc.\";y_1\n42;89;80\n37;86;80\n37;72;75\n28;79;62\n");
+  const std::string dependent = csv("dep.csv", "y,x1,x2\n1,1,1\n2,2,2\n3,3,3\n4,4,4\n");
+  const std::string pipe = path("pipe"), folder = dir.path().toStdString(), none = path("none.csv");
+  const std::string pairHead = "3,1,#FALSE#,\"y\"\r\nx\r\n";
+  const std::string lonely = csv("lonely.txt", pairHead), piped = csv("piped.txt", pairHead);
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0644), 0);
+  ASSERT_EQ(::mkfifo((piped + ".dat").c_str(), 0644), 0);
+  rows.insert(rows.end(), {
+      {{"fit", none}, "Cannot read the file " + none + ": No such file or directory\n"},
+      {{"fit", stack}, stack + ": the column names \"stack.loss\", \"Acid Conc.\", \"y_1\" are not a letter followed "
+                               "by letters and digits, each a name of its own; --rename takes stackloss, AcidConc, "
+                               "y1 instead\n"},
+      {{"fit", "--json", dependent}, "YIELDS LINEARLY DEPENDENT SYSTEM\n"},
+      {{"fit", "--stats", "--json", line()}, "orvane-batch fit: give --stats or --json, not both\n"},
+      {{"report", line()}, "orvane-batch report: give --pdf OUT.pdf or --text\n"},
+      {{"report", line(), "--pdf", path("no/r.pdf")},
+       "Cannot write \"" + path("no/r.pdf") + "\": No such file or directory\n"},
+      {{"fit", pipe}, "Cannot read the file " + pipe + ": not a regular file\n"},
+      {{"fit", "--csv", "/dev/zero"}, "Cannot read the file /dev/zero: not a regular file\n"},
+      {{"report", "--text", "/dev/zero"}, "Cannot read the file /dev/zero: not a regular file\n"},
+      {{"fit", lonely}, "Cannot read the file " + lonely + ".dat: No such file or directory\n"},
+      {{"fit", piped}, "Cannot read the file " + piped + ".dat: not a regular file\n"},
+      {{"report", "--text", folder}, "Cannot read the file " + folder + ": Is a directory\n"},
+      {{"plot2d", "--data", pipe, "--out", path("p.png")}, "Cannot read the file " + pipe + ": not a regular file\n"},
+      {{"stereo", "--import", pipe, "--out", path("s")}, "Cannot open \"" + pipe + "\": not a regular file.\n"},
+  });
+  for (const auto& [args, err] : rows) {
+    SCOPED_TRACE(args.front() + " " + args[1]);
+    const BatchRun run = runBatch(args);
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.out, "");
-    EXPECT_EQ(run.err, file + ", " + c.expected);
+    EXPECT_EQ(run.err, err);
   }
-  const BatchRun missing = runBatch({"fit", path("none.csv")});
-  EXPECT_EQ(missing.status, 1);
-  EXPECT_EQ(missing.err, "Cannot read the file " + path("none.csv") + ": No such file or directory\n");
 }
 
-// Names the window would not take are refused with the names it offers; --rename takes
-// them, whatever the separator.
-TEST_F(BatchFiles, HeaderNamesAreRefusedOrRenamed) {
-  const std::string file =
-      csv("stack.csv", "stack.loss;\"Acid Conc.\";y_1\n42;89;80\n37;86;80\n37;72;75\n28;79;62\n");
-  const BatchRun refused = runBatch({"fit", file});
-  EXPECT_EQ(refused.status, 1);
-  EXPECT_EQ(refused.out, "");
-  EXPECT_EQ(refused.err, file + ": the column names \"stack.loss\", \"Acid Conc.\", \"y_1\" are not a letter "
-                                "followed by letters and digits, each a name of its own; --rename takes stackloss, "
-                                "AcidConc, y1 instead\n");
+// --rename takes the names the window offers, whatever the separator.
+TEST_F(BatchFiles, RenamedHeaderNamesAreSaved) {
+  const std::string file = csv("stack.csv", "stack.loss;\"Acid Conc.\";y_1\n42;89;80\n37;86;80\n37;72;75\n28;79;62\n");
   const BatchRun renamed = runBatch({"fit", "--rename", file, "--save", path("stack.txt")});
   EXPECT_EQ(renamed.status, 0) << renamed.err;
   const RegressionProblem saved = ReadRegressionFiles(path("stack.txt"));
@@ -184,46 +198,10 @@ TEST_F(BatchFiles, HeaderNamesAreRefusedOrRenamed) {
   EXPECT_EQ(saved.X(3, 4), 28);
 }
 
-// A line of 10 MB costs a few times the line, however many fields it holds, and the
-// message quotes at most 40 characters of it.
-TEST(BatchCsv, HugeLinesCostAFewTimesTheLineAndGiveAShortMessage) {
-  const size_t huge = 10 << 20;
-  const struct {
-    const char* what;
-    std::string text;
-    std::string message;  // after "big.csv, "
-  } rows[] = {
-      {"a 10 MB field", "y,x\n1," + std::string(huge, '7') + "x\n",
-       "line 2: expected a number in column 2 (x), not \"" + std::string(40, '7') + "...\"."},
-      {"10 MB of commas in a set", "y,x\n1" + std::string(huge, ',') + "\n",
-       "line 2: expected 2 numbers separated by \",\", found " + std::to_string(huge + 1) + " fields."},
-      {"10 MB of commas in the header", "y" + std::string(huge, ',') + "\n",
-       "line 1: expected at most 16383 columns (more variables than a fit can solve), found " +
-           std::to_string(huge + 1) + "."},
-      {"a 10 MB name of quotes", "y," + std::string(huge, '"') + "\n",
-       "line 1: expected at least 3 data sets, found 0."},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.what);
-    test::resetLargestAllocation();
-    try {
-      ParseCsvProblem("big.csv", row.text);
-      ADD_FAILURE() << "read";
-    } catch (const RegressionFileError& e) {
-      EXPECT_EQ(std::string(e.what()), "big.csv, " + row.message);
-    }
-    EXPECT_LT(test::peakAllocated(), 4 * huge);  // a comma-separated 10 MB took 700 MB
-  }
-}
-
 TEST_F(BatchFiles, SingularAndOverflowingFitsExitWithTheReason) {
   const BatchRun dependent = runBatch({"fit", csv("dep.csv", "y,x1,x2\n1,1,1\n2,2,2\n3,3,3\n4,4,4\n")});
   EXPECT_EQ(dependent.status, 1);
   EXPECT_EQ(dependent.outLines(), std::vector<std::string>{"YIELDS LINEARLY DEPENDENT SYSTEM"});
-  const BatchRun json = runBatch({"fit", "--json", path("dep.csv")});
-  EXPECT_EQ(json.status, 1);
-  EXPECT_EQ(json.out, "");
-  EXPECT_EQ(json.err, "YIELDS LINEARLY DEPENDENT SYSTEM\n");
 
   // Squares of 1e300 overflow: the window lists what its error trap left (a residual sum
   // of 0 among it); the tool lists it too, but fails and says why, and saves nothing.
@@ -242,42 +220,17 @@ TEST_F(BatchFiles, SingularAndOverflowingFitsExitWithTheReason) {
   EXPECT_FALSE(std::filesystem::exists(path("huge.pdf")));
 }
 
-// Pipes, devices and folders are refused at once by every command that reads a file.
-TEST_F(BatchFiles, WhatIsNoRegularFileIsRefusedAtOnce) {
-  const std::string pipe = path("pipe");
-  ASSERT_EQ(::mkfifo(pipe.c_str(), 0644), 0);
-  const std::string folder = dir.path().toStdString();
-  const struct {
-    std::vector<std::string> args;
-    std::string err;
-  } rows[] = {
-      {{"fit", pipe}, "Cannot read the file " + pipe + ": not a regular file\n"},
-      {{"fit", "--csv", "/dev/zero"}, "Cannot read the file /dev/zero: not a regular file\n"},
-      {{"report", "--text", folder}, "Cannot read the file " + folder + ": Is a directory\n"},
-      {{"plot2d", "--data", pipe, "--out", path("p.png")}, "Cannot read the file " + pipe + ": not a regular file\n"},
-      {{"stereo", "--import", pipe, "--out", path("s")}, "Cannot open \"" + pipe + "\": not a regular file.\n"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.args.front());
-    const BatchRun run = runBatch(row.args);
-    EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.err, row.err);
-  }
-}
-
 // --stats adds the statistics after the listing, --json gives them instead as one object;
 // ill-conditioned data warn on standard error and still succeed.
 TEST_F(BatchFiles, StatisticsBesideOrInsteadOfTheListing) {
-  const std::string file = csv("plain.csv", "y,x\n3.5,1\n4.5,2\n7.5,3\n8,4\n");
+  const std::string file = line();
   const BatchRun stats = runBatch({"fit", "--stats", file});
   ASSERT_EQ(stats.status, 0) << stats.err;
   EXPECT_EQ(stats.err, "");
   const std::vector<std::string> lines = stats.outLines();
   ASSERT_GT(lines.size(), 13u);
   EXPECT_EQ(std::vector<std::string>(lines.begin(), lines.begin() + 9), kLineListing);
-  EXPECT_EQ(lines[9], "");
-  EXPECT_EQ(lines[10], "Coefficients:");
-  EXPECT_EQ(lines[11], "               Estimate  Std. Error   t value  Pr(>|t|)");
+  EXPECT_EQ(lines[10], "Coefficients:");  // (the table itself: FitSummaryTest)
   EXPECT_EQ(lines[13].substr(0, 10), "A1 x      ");
 
   const BatchRun json = runBatch({"fit", "--json", file});
@@ -287,11 +240,6 @@ TEST_F(BatchFiles, StatisticsBesideOrInsteadOfTheListing) {
   EXPECT_NEAR(slope.value("estimate").toDouble(), 1.65, 1e-14);  // the listing's A1
   EXPECT_NEAR(slope.value("std_error").toDouble(), std::sqrt(1.075 / 2 / 5), 1e-15);  // s² / Sxx
   EXPECT_EQ(object.value("df_residual").toInt(), 2);
-  EXPECT_NEAR(object.value("sum_squared_residuals").toDouble(), 1.075, 1e-14);
-
-  const BatchRun both = runBatch({"fit", "--stats", "--json", file});
-  EXPECT_EQ(both.status, 1);
-  EXPECT_EQ(both.err, "orvane-batch fit: give --stats or --json, not both\n");
 
   const BatchRun filip = runBatch({"fit", dataFile("../../regression/data/Filip.csv")});
   EXPECT_EQ(filip.status, 0);
@@ -308,13 +256,10 @@ TEST_F(BatchFiles, SavedPairOpensWithTheSameListing) {
 
   // What the regression window's Open reads.
   const RegressionProblem opened = ReadRegressionFiles(rule);
-  EXPECT_TRUE(opened.computed);
-  EXPECT_EQ(opened.m, 2);
-  EXPECT_EQ(opened.N, 4);
+  EXPECT_TRUE(opened.computed && opened.N == 4);
   EXPECT_EQ(opened.dependentName, "yield");
   EXPECT_EQ(opened.names, (std::vector<std::string>{"temp", "pressure"}));
-  EXPECT_EQ(opened.X(2, 4), -1);
-  EXPECT_EQ(opened.X(3, 3), 3);
+  EXPECT_TRUE(opened.X(2, 4) == -1 && opened.X(3, 3) == 3);
   EXPECT_EQ(ResultsListing(opened), fit.outLines());
 
   // And the pair read back by the tool itself gives the same list.
@@ -329,46 +274,30 @@ TEST_F(BatchFiles, SavedPairOpensWithTheSameListing) {
   EXPECT_FALSE(std::filesystem::exists(path("no")));
 }
 
-TEST_F(BatchFiles, ReportTextIsThePrintedReport) {
-  const std::string file = csv("r.csv", "y,x\n3.5,1\n4.5,2\n7.5,3\n8,4\n");
+// The printed report as text, or a PDF written whole or not at all.
+TEST_F(BatchFiles, ReportAsTextOrAWholePdf) {
+  const std::string file = line();
   const BatchRun run = runBatch({"report", file, "--text"});
   ASSERT_EQ(run.status, 0) << run.err;
   const std::vector<std::string> lines = run.outLines();
-  ASSERT_EQ(lines.size(), 32u);
-  EXPECT_EQ(lines[0], "DEPENDENT VARIABLE: y");
-  EXPECT_EQ(lines[1], "INDEPENDENT VARIABLES: x");
+  ASSERT_EQ(lines.size(), 32u);  // (the lines before computing: RegressionReportTest)
   EXPECT_EQ(std::vector<std::string>(lines.begin() + 3, lines.begin() + 8),
             std::vector<std::string>(kLineListing.begin(), kLineListing.begin() + 5));
   EXPECT_EQ(lines[11], "A 0 = 1.75 ");
   EXPECT_EQ(lines[12], "A 1 = 1.65 ");
   EXPECT_EQ(lines[14], "DATA:                            ESTIMATE:              RESIDUAL:");
-  EXPECT_EQ(lines[16], "SET # 1 :");
-  EXPECT_EQ(lines[17], "x= 1 ");
   // Estimate at column 34, residual at 57: a negative one with its "-" there.
   EXPECT_EQ(lines[18], "y= 3.5                            3.4                    0.100000000000001 ");
   EXPECT_EQ(lines[22], "y= 4.5                            5.05                  -0.549999999999999 ");
   EXPECT_EQ(lines[30], "y= 8                              8.35                  -0.35 ");
-  EXPECT_EQ(lines[31], "");
-}
 
-TEST_F(BatchFiles, ReportPdfIsWrittenWholeOrNotAtAll) {
-  const std::string file = csv("r.csv", "y,x\n3.5,1\n4.5,2\n7.5,3\n8,4\n");
   const std::string pdf = path("report.pdf");
-  const BatchRun run = runBatch({"report", file, "--pdf", pdf});
-  ASSERT_EQ(run.status, 0) << run.err;
+  ASSERT_EQ(runBatch({"report", file, "--pdf", pdf}).status, 0);
   std::ifstream in(pdf, std::ios::binary);
   std::string head(5, '\0');
   in.read(head.data(), 5);
   EXPECT_EQ(head, "%PDF-");
-  EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), (QStringList{"r.csv", "report.pdf"}));  // no temporary left
-
-  const BatchRun noTarget = runBatch({"report", file});
-  EXPECT_EQ(noTarget.status, 1);
-  EXPECT_EQ(noTarget.err, "orvane-batch report: give --pdf OUT.pdf or --text\n");
-
-  const BatchRun unwritable = runBatch({"report", file, "--pdf", path("missing/r.pdf")});
-  EXPECT_EQ(unwritable.status, 1);
-  EXPECT_FALSE(std::filesystem::exists(path("missing")));
+  EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), (QStringList{"line.csv", "report.pdf"}));  // no temporary left
 }
 
 // Without --save a table is read pass by pass instead of held: what fit prints must be
@@ -407,24 +336,6 @@ TEST(BatchCsv, AStreamedFitPrintsWhatTheHeldFitPrints) {
       EXPECT_EQ(b.status, table.ends_with("bad.csv") ? 1 : 0) << b.err;
     }
   }
-}
-
-// The NIST StRD "Norris" line against its certified values. The normal equations
-// reach about 12 correct digits on it; 11 are required.
-TEST(BatchNist, NorrisMatchesTheCertifiedValues) {
-  const BatchRun run = runBatch({"fit", dataFile("Norris.csv")});
-  ASSERT_EQ(run.status, 0) << run.err;
-  const std::vector<std::string> lines = run.outLines();
-  ASSERT_EQ(lines.size(), 9u);
-  auto value = [&](size_t i) { return parseStrict(lines[i].substr(lines[i].find('=') + 1)); };
-  auto lre = [](double estimate, double certified) {
-    return -std::log10(std::fabs(estimate - certified) / std::fabs(certified));
-  };
-  EXPECT_GE(lre(value(7), -0.262323073774029), 11);                     // B0
-  EXPECT_GE(lre(value(8), 1.00211681802045), 11);                       // B1
-  EXPECT_GE(lre(value(1), 0.884796396144373), 11);                      // residual SD, N - 2 = 34
-  EXPECT_GE(lre(value(2), 26.6173985294224), 11);                       // residual SS
-  EXPECT_GE(lre(value(0) * value(0), 0.999993745883712), 11);           // R squared
 }
 
 }  // namespace

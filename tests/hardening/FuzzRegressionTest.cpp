@@ -5,12 +5,11 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <functional>
-#include <sstream>
 #include <string>
 
 #include "../../fuzz/FuzzChecks.h"
+#include "regression/RegressionTestSupport.h"
 // The checks are compiled here too, so that this program needs no fuzzer.
 #include "../../fuzz/FuzzChecks.cpp"
 
@@ -24,13 +23,6 @@ fs::path sourceDir() {
   return fs::path(__FILE__).parent_path().parent_path().parent_path();
 }
 
-std::string contents(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
-
 // The inputs of one target: seeds and kept findings; how many were checked.
 int checkAll(const std::string& target, const std::function<std::string(std::string_view)>& check) {
   int checked = 0;
@@ -39,20 +31,18 @@ int checkAll(const std::string& target, const std::function<std::string(std::str
     if (!fs::is_directory(dir)) continue;
     for (const auto& entry : fs::directory_iterator(dir)) {
       SCOPED_TRACE(entry.path().string());
-      EXPECT_EQ(check(contents(entry.path())), "");
+      EXPECT_EQ(check(testing::readText(entry.path())), "");
       ++checked;
     }
   }
   return checked;
 }
 
-TEST(FuzzRegression, EngineInputs) { EXPECT_GE(checkAll("fuzz_engine", fuzz::CheckEngine), 10); }
-
-TEST(FuzzRegression, RegressionFileInputs) {
+TEST(FuzzRegression, SeedsAndKeptFindingsPassTheChecks) {
+  EXPECT_GE(checkAll("fuzz_engine", fuzz::CheckEngine), 10);
   EXPECT_GE(checkAll("fuzz_regression_file", fuzz::CheckRegressionFile), 5);
+  EXPECT_GE(checkAll("fuzz_stereo_import", fuzz::CheckStereoImport), 4);
 }
-
-TEST(FuzzRegression, StereoImportInputs) { EXPECT_GE(checkAll("fuzz_stereo_import", fuzz::CheckStereoImport), 4); }
 
 // Findings of the fuzzer, as texts, with what the routine must now do with them.
 TEST(FuzzRegression, FindingsAreRefusedWithAMessage) {

@@ -1,32 +1,31 @@
-// Regression file pairs no one should have to open: garbage, absurd counts, huge lines,
-// values that are not numbers, pipes and devices. Each is refused with a message naming
-// the file and the line, without allocating for what the header claims.
+// Regression file pairs and tables no one should have to open: garbage, absurd counts,
+// huge lines, values that are not numbers. Each is refused with a message naming the
+// file and the line, without allocating for what the header claims. (Pipes, devices and
+// folders, to every reader through the commands: RegressionCommandsTest; names that
+// survive a save: RegressionFileTest.)
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
-#include <filesystem>
-#include <fstream>
-#include <functional>
-#include <future>
 #include <random>
 #include <string>
-
-#include <sys/stat.h>
-#include <unistd.h>
+#include <vector>
 
 #include "hardening/AllocationProbe.h"
+#include "regression/CsvProblem.h"
 #include "regression/RegressionFile.h"
-#include "stereo/StereoExport.h"
 
 namespace orvane {
 namespace {
 
 constexpr const char* kProblemFile = "hostile.reg";
 
-std::string refusal(const std::string& problemText, const std::string& data) {
+// What reading says of the pair hostile.reg, or of `problemText` as the table hostile.csv.
+std::string refusal(const std::string& problemText, const std::string& data, bool table = false) {
   try {
-    ParseRegressionFiles(kProblemFile, problemText, data);
+    if (table)
+      ParseCsvProblem("hostile.csv", problemText);
+    else
+      ParseRegressionFiles(kProblemFile, problemText, data);
   } catch (const RegressionFileError& e) {
     return e.what();
   }
@@ -36,213 +35,100 @@ std::string refusal(const std::string& problemText, const std::string& data) {
 const std::string kGoodProblem = "3,1,#FALSE#,\"y\"\r\nx\r\n";
 const std::string kGoodData = "3,1\r\n 1\r\n 2\r\n 2\r\n 4\r\n 3\r\n 6\r\n";
 
-TEST(RegressionFileHostile, BinaryGarbageIsRefusedWithAMessage) {
+// Each bad pair is refused with a message that starts with the file and the line at
+// fault (the data file alone for sizes beyond memory), short enough for a message box;
+// a huge line costs a few times its own size, not a string per field of it (a table of
+// 10 MB of commas once took 700 MB), and counts that promise more than the file or the
+// memory holds are refused before the data matrix exists.
+TEST(RegressionFileHostile, BadPairsNameTheFileAndTheLine) {
+  const std::string huge(10 << 20, '7'), hugeText(10 << 20, 'q'), commas(10 << 20, ',');
+  const auto head = [](const std::string& first, const std::string& rest = "x\r\n") { return first + "\r\n" + rest; };
+  struct Row {
+    std::string what, problemText, data, where;
+    size_t allocationLimit = size_t{64} << 20;
+    bool table = false;  // read as a table of text
+  };
+  std::vector<Row> rows = {
+      {"empty problem file", "", kGoodData, "hostile.reg, line 1:"},
+      {"flag not a boolean", head("3,1,1,\"y\""), kGoodData, "hostile.reg, line 1:"},
+      {"field missing", head("3,1,#FALSE#"), kGoodData, "hostile.reg, line 1:"},
+      {"open quote", head("3,1,#FALSE#,\"y"), kGoodData, "hostile.reg, line 1:"},
+      {"ends before the names", head("3,2,#FALSE#,\"y\""), kGoodData, "hostile.reg, line 3:"},
+      {"huge m, ends early", head("3,2000000000,#FALSE#,\"y\""), kGoodData, "hostile.reg, line 3:"},
+      {"ends before the statistics", head("3,1,#TRUE#,\"y\"", "x\r\n 0\r\n 2\r\n"), kGoodData, "hostile.reg, line 5:"},
+      {"four statistics", head("3,1,#TRUE#,\"y\"", "x\r\n 0\r\n 2\r\n1,0,0,4\r\n"), kGoodData, "hostile.reg, line 5:"},
+      // Names the writer could not give back as they were.
+      {"a quote in the dependent name", head("3,1,#FALSE#,y\"z"), kGoodData, "hostile.reg, line 1:"},
+      {"quotes inside the dependent name", head("3,1,#FALSE#, a\"b\""), kGoodData, "hostile.reg, line 1:"},
+      {"a quoted name with a comma", head("3,1,#FALSE#,\"y\"", "\"a,b\"\r\n"), kGoodData, "hostile.reg, line 2:"},
+      {"a second name with a comma", head("3,2,#FALSE#,\"y\"", "a\r\n\"b,c\"\r\n"), kGoodData, "hostile.reg, line 3:"},
+      {"two names on a line", head("3,1,#FALSE#,\"y\"", "a,b\r\n"), kGoodData, "hostile.reg, line 2:"},
+      {"empty data file", kGoodProblem, "", "hostile.reg.dat, line 1:"},
+      {"data ends early", kGoodProblem, "3,1\r\n 1\r\n 2\r\n 2\r\n 4\r\n", "hostile.reg.dat, line 6:"},
+      {"data ends before the statistics", head("3,1,#TRUE#,\"y\"", "x\r\n 0\r\n 2\r\n1,0,0,4,4\r\n"), kGoodData,
+       "hostile.reg.dat, line 8:"},
+      {"more sets than memory", head("2000000000,1,#FALSE#,\"y\""), "2000000000,1\r\n 1\r\n", "hostile.reg.dat: "},
+      {"10 MB count", head(huge + ",1,#FALSE#,\"y\""), kGoodData, "hostile.reg, line 1:"},
+      {"10 MB of text for the header", head(hugeText), kGoodData, "hostile.reg, line 1:"},
+      {"10 MB of commas for the header", head(commas), kGoodData, "hostile.reg, line 1:"},
+      {"10 MB value", kGoodProblem, "3,1\r\n 1\r\n" + huge + "\r\n 2\r\n 4\r\n 3\r\n 6\r\n",
+       "hostile.reg.dat, line 3:"},
+      {"10 MB text for a value", kGoodProblem, "3,1\r\n 1\r\n" + hugeText + "\r\n 2\r\n 4\r\n 3\r\n 6\r\n",
+       "hostile.reg.dat, line 3:"},
+      {"10 MB of commas for a value", kGoodProblem, "3,1\r\n" + commas + "\r\n 2\r\n 2\r\n 4\r\n 3\r\n 6\r\n",
+       "hostile.reg.dat, line 2:"},
+      {"10 MB data counts", kGoodProblem, huge + "\r\n", "hostile.reg.dat, line 1:"},
+      {"table: a 10 MB field", "y,x\n1," + huge + "x\n", "",
+       "hostile.csv, line 2: expected a number in column 2 (x), not \"" + huge.substr(0, 40) + "...\".", 40 << 20, true},
+      {"table: 10 MB of commas in a set", "y,x\n1" + commas + "\n", "",
+       "hostile.csv, line 2: expected 2 numbers separated by \",\", found 10485761 fields.", 40 << 20, true},
+      {"table: 10 MB of commas in the header", "y" + commas + "\n", "",
+       "hostile.csv, line 1: expected at most 16383 columns (more variables than a fit can solve), found 10485761.",
+       40 << 20, true},
+      {"table: a 10 MB name of quotes", "y," + std::string(10 << 20, '"') + "\n", "",
+       "hostile.csv, line 1: expected at least 3 data sets, found 0.", 40 << 20, true},
+  };
+  // Counts that are no count, or out of range; those of the data file must also be the
+  // problem file's.
+  for (const char* counts : {"three,1", "-1,1", "3,0", "3,-2", "1.5,1", "3,1.5", "2147483648,1", "3,2147483648",
+                             "1E+300,1", "3 3,1", ",1", "3,", "NaN,1", "3,Inf"})
+    rows.push_back({counts, head(counts + std::string(",#FALSE#,\"y\"")), kGoodData, "hostile.reg, line 1:"});
+  for (const char* counts : {"4,1", "3,2", "0,1", "-3,1", "3"})
+    rows.push_back({counts, kGoodProblem, counts + kGoodData.substr(3), "hostile.reg.dat, line 1:"});
+  for (const char* counts : {"1000000000,1", "2147483647,1", "50000000,1", "1000000,2", "1,2147483647", "1000000000,3",
+                             "200000000,1"}) {
+    const int m = std::stoi(std::string(counts).substr(std::string(counts).find(',') + 1));
+    std::string names;
+    for (int j = 0; j < m && m < 10; ++j) names += "x" + std::to_string(j) + "\r\n";
+    rows.push_back({counts, head(counts + std::string(",#FALSE#,\"y\""), names),
+                    counts + std::string("\r\n 1\r\n 2\r\n 3\r\n"), "hostile.reg", size_t{1} << 20});
+  }
+  // Garbage in either file, and after a valid start of the problem file.
   std::mt19937 random(20261123);
   for (int round = 0; round < 300; ++round) {
     std::string garbage(1 + random() % 4096, '\0');
     for (char& c : garbage) c = static_cast<char>(random());
-    SCOPED_TRACE(round);
-    // Garbage in either file, and after a valid start of the problem file.
-    EXPECT_NE(refusal(garbage, kGoodData), "");
-    EXPECT_NE(refusal(kGoodProblem, garbage), "");
-    EXPECT_NE(refusal("3,1,#FALSE#,\"y\"\r\n" + garbage, garbage), "");
+    const std::string what = "garbage " + std::to_string(round);
+    rows.push_back({what + " for the problem file", garbage, kGoodData, "hostile.reg"});
+    rows.push_back({what + " for the data file", kGoodProblem, garbage, "hostile.reg.dat"});
+    rows.push_back({what + " after the counts", "3,1,#FALSE#,\"y\"\r\n" + garbage, garbage, "hostile.reg"});
   }
-}
-
-// Counts that promise more than the file holds, or more than memory holds: refused
-// before the data matrix exists (no allocation anywhere near its size).
-TEST(RegressionFileHostile, AbsurdCountsAreRefusedWithoutAllocating) {
-  struct Row {
-    const char* N;
-    const char* m;
-  };
-  const Row rows[] = {{"1000000000", "1"},   {"2147483647", "1"}, {"50000000", "1"},
-                      {"1000000", "2"},      {"1", "2147483647"},  {"1000000000", "3"},
-                      {"200000000", "1"}};
-  for (const Row& row : rows) {
-    SCOPED_TRACE(std::string(row.N) + " sets of " + row.m);
-    std::string problemText = std::string(row.N) + "," + row.m + ",#FALSE#,\"y\"\r\n";
-    if (std::string(row.m) != "2147483647")
-      for (int j = 0; j < std::stoi(row.m); ++j) problemText += "x" + std::to_string(j) + "\r\n";
-    const std::string data = std::string(row.N) + "," + row.m + "\r\n 1\r\n 2\r\n 3\r\n";
-    test::resetLargestAllocation();
-    const std::string message = refusal(problemText, data);
-    EXPECT_LT(test::largestAllocation(), size_t{1} << 20);
-    EXPECT_NE(message, "");
-    EXPECT_NE(message.find("hostile.reg"), std::string::npos) << message;
-  }
-}
-
-TEST(RegressionFileHostile, BadCountsAreRefused) {
-  const char* headers[] = {"-1,1", "3,0", "3,-1", "1.5,1", "3,1.5", "2147483648,1", "3,2147483648",
-                           "1E+300,1", "3 3,1", ",1", "3,", "NaN,1", "3,Inf"};
-  for (const char* header : headers) {
-    SCOPED_TRACE(header);
-    const std::string message = refusal(std::string(header) + ",#FALSE#,\"y\"\r\nx\r\n", kGoodData);
-    EXPECT_NE(message.find("hostile.reg, line 1:"), std::string::npos) << message;
-  }
-  // Counts in the data file that disagree with the problem file.
-  for (const char* counts : {"4,1", "3,2", "0,1", "-3,1", "3"}) {
-    SCOPED_TRACE(counts);
-    const std::string message = refusal(kGoodProblem, std::string(counts) + "\r\n 1\r\n 2\r\n 2\r\n 4\r\n 3\r\n 6\r\n");
-    EXPECT_NE(message.find("hostile.reg.dat, line 1:"), std::string::npos) << message;
-  }
-}
-
-TEST(RegressionFileHostile, NoDataSetsIsAnEmptyProblem) {
-  const RegressionProblem p = ParseRegressionFiles(kProblemFile, "0,2,#FALSE#,\"y\"\r\na\r\nb\r\n", "0,2\r\n");
-  EXPECT_EQ(p.N, 0);
-  EXPECT_EQ(p.m, 2);
-  EXPECT_EQ(p.X.lastRow(), 0);
-}
-
-TEST(RegressionFileHostile, ValuesThatAreNotFiniteNumbersAreRefused) {
-  const char* values[] = {"NaN", "nan", "-nan", "Inf", "-Infinity", "inf", "1E+400", "-1E+309", "1.#INF",
-                          "1.#QNAN", "0x1p3", "", "1,2", "1 2", "--1", "1e", "\x01"};
-  for (const char* value : values) {
-    SCOPED_TRACE(value);
-    const std::string data = std::string("3,1\r\n 1\r\n 2\r\n 2\r\n") + value + "\r\n 3\r\n 6\r\n";
-    const std::string message = refusal(kGoodProblem, data);
-    EXPECT_NE(message.find("hostile.reg.dat, line 5: expected the value of y in data set 2"), std::string::npos)
-        << message;
-  }
-  // The same in the coefficients and statistics of a computed problem.
-  for (const char* value : {"NaN", "Inf", "1E+999"}) {
-    SCOPED_TRACE(value);
-    const std::string problemText = std::string("3,1,#TRUE#,\"y\"\r\nx\r\n 1\r\n") + value + "\r\n1,0,0,0,0\r\n";
-    EXPECT_NE(refusal(problemText, kGoodData).find("hostile.reg, line 4:"), std::string::npos);
-  }
-}
-
-TEST(RegressionFileHostile, TenMegabyteLinesGiveAShortMessage) {
-  const std::string huge(10 << 20, '7');
-  const std::string hugeText(10 << 20, 'q');
-  struct Row {
-    const char* what;
-    std::string problemText;
-    std::string data;
-    const char* where;
-  };
-  const Row rows[] = {
-      {"header", huge + ",1,#FALSE#,\"y\"\r\nx\r\n", kGoodData, "hostile.reg, line 1:"},
-      {"header text", hugeText + "\r\nx\r\n", kGoodData, "hostile.reg, line 1:"},
-      {"value", kGoodProblem, "3,1\r\n 1\r\n" + huge + "\r\n 2\r\n 4\r\n 3\r\n 6\r\n", "hostile.reg.dat, line 3:"},
-      {"value text", kGoodProblem, "3,1\r\n 1\r\n" + hugeText + "\r\n 2\r\n 4\r\n 3\r\n 6\r\n",
-       "hostile.reg.dat, line 3:"},
-      {"data counts", kGoodProblem, huge + "\r\n", "hostile.reg.dat, line 1:"},
-      {"many fields", std::string(10 << 20, ',') + "\r\nx\r\n", kGoodData, "hostile.reg, line 1:"},
-      {"many values", kGoodProblem, "3,1\r\n" + std::string(10 << 20, ',') + "\r\n 2\r\n 2\r\n 4\r\n 3\r\n 6\r\n",
-       "hostile.reg.dat, line 2:"},
-  };
+  // Values that are no finite number, in the data and in the coefficients of a fit.
+  for (const char* value : {"NaN", "nan", "-nan", "Inf", "-Infinity", "inf", "1E+400", "-1E+309", "1.#INF", "1.#QNAN",
+                            "0x1p3", "", "1,2", "1 2", "--1", "1e", "\x01"})
+    rows.push_back({value, kGoodProblem, "3,1\r\n 1\r\n 2\r\n 2\r\n" + std::string(value) + "\r\n 3\r\n 6\r\n",
+                    "hostile.reg.dat, line 5: expected the value of y in data set 2"});
+  for (const char* value : {"NaN", "Inf", "1E+999"})
+    rows.push_back({value, head("3,1,#TRUE#,\"y\"", "x\r\n 1\r\n" + std::string(value) + "\r\n1,0,0,0,0\r\n"),
+                    kGoodData, "hostile.reg, line 4:"});
   for (const Row& row : rows) {
     SCOPED_TRACE(row.what);
     test::resetLargestAllocation();
-    const std::string message = refusal(row.problemText, row.data);
-    // Reading a line costs a few times its own size, not a string per field of it.
-    EXPECT_LT(test::largestAllocation(), size_t{64} << 20);
-    EXPECT_NE(message.find(row.where), std::string::npos) << message.substr(0, 200);
-    EXPECT_LT(message.size(), 1000u);  // fit for a message box
+    const std::string message = refusal(row.problemText, row.data, row.table);
+    EXPECT_LT(test::peakAllocated(), row.allocationLimit);
+    EXPECT_EQ(message.substr(0, row.where.size()), row.where) << message.substr(0, 200);
+    EXPECT_LT(message.size(), 1000u);
   }
-}
-
-// Names the writer cannot give back as they were are refused on reading; those it can
-// survive a save and a read.
-TEST(RegressionFileHostile, NamesWithQuotesAndCommas) {
-  struct Refused {
-    std::string header;
-    std::string names;
-    const char* where;
-  };
-  const Refused refused[] = {
-      {"3,1,#FALSE#,y\"z", "x\r\n", "hostile.reg, line 1:"},
-      {"3,1,#FALSE#, a\"b\"", "x\r\n", "hostile.reg, line 1:"},
-      {"3,1,#FALSE#,\"y\"", "\"a,b\"\r\n", "hostile.reg, line 2:"},
-      {"3,2,#FALSE#,\"y\"", "a\r\n\"b,c\"\r\n", "hostile.reg, line 3:"},
-      {"3,1,#FALSE#,\"y\"", "a,b\r\n", "hostile.reg, line 2:"},
-  };
-  for (const Refused& row : refused) {
-    SCOPED_TRACE(row.header + " / " + row.names);
-    const std::string message = refusal(row.header + "\r\n" + row.names, "3,1\r\n1\r\n2\r\n3\r\n4\r\n5\r\n6\r\n");
-    EXPECT_NE(message.find(row.where), std::string::npos) << message;
-  }
-
-  for (const char* name : {"a\"b", "a\"", "it's", "x;y", "\xc3\xa9t\xc3\xa9", "a b"}) {
-    SCOPED_TRACE(name);
-    RegressionProblem p;
-    p.m = 1;
-    p.N = 1;
-    p.dependentName = "y";
-    p.names = {name};
-    p.dimensionData();
-    p.X(1, 1) = 2;
-    p.X(2, 1) = -3;
-    const RegressionProblem back = ParseRegressionFiles(kProblemFile, ProblemText(p), DataText(p));
-    ASSERT_EQ(back.names.size(), 1u);
-    EXPECT_EQ(back.names[0], name);
-    EXPECT_EQ(back.X(2, 1), -3);
-  }
-}
-
-// Every reader of a user's file, offered what is no regular file: each is refused at
-// once with a message naming it. A pipe without a writer must not hold the reader, nor
-// /dev/zero fill the memory.
-TEST(RegressionFileHostile, WhatIsNoRegularFileIsRefusedWithoutWaiting) {
-  namespace fs = std::filesystem;
-  const fs::path dir = fs::temp_directory_path() / ("orvane-hostile-" + std::to_string(::getpid()));
-  fs::create_directories(dir);
-  const std::string pipe = (dir / "pipe").string();
-  ASSERT_EQ(::mkfifo(pipe.c_str(), 0644), 0);
-  const std::string lonely = (dir / "lonely.reg").string();
-  std::ofstream(lonely, std::ios::binary) << kGoodProblem;
-  const auto pairWithData = [&dir](const std::string& name, auto makeData) {
-    const std::string problemFile = (dir / name).string();
-    std::ofstream(problemFile, std::ios::binary) << kGoodProblem;
-    makeData(problemFile + ".dat");
-    return problemFile;
-  };
-  const std::string dataPipe = pairWithData("piped.reg", [](const std::string& data) { ::mkfifo(data.c_str(), 0644); });
-  const std::string dataFolder = pairWithData("folder.reg", [](const std::string& data) { fs::create_directory(data); });
-
-  struct Row {
-    std::string what;
-    std::function<std::string()> read;  // the message
-    std::string expected;
-  };
-  const auto pair = [](const std::string& file) {
-    return [file] {
-      try {
-        ReadRegressionFiles(file);
-      } catch (const RegressionFileError& e) {
-        return std::string(e.what());
-      }
-      return std::string("<read>");
-    };
-  };
-  const auto stereo = [](const std::string& file) {
-    return [file] { return ReadStereoFile(file, StereoFields{}).message; };
-  };
-  const std::vector<Row> rows = {
-      {"pair: a pipe", pair(pipe), "Cannot read the file " + pipe + ": not a regular file"},
-      {"pair: /dev/zero", pair("/dev/zero"), "Cannot read the file /dev/zero: not a regular file"},
-      {"pair: a folder", pair(dir.string()), "Cannot read the file " + dir.string() + ": Is a directory"},
-      {"pair: no data file", pair(lonely), "Cannot read the file " + lonely + ".dat: No such file or directory"},
-      {"pair: a pipe for data", pair(dataPipe), "Cannot read the file " + dataPipe + ".dat: not a regular file"},
-      {"pair: a folder for data", pair(dataFolder), "Cannot read the file " + dataFolder + ".dat: Is a directory"},
-      {"stereo: a pipe", stereo(pipe), "Cannot open \"" + pipe + "\": not a regular file."},
-      {"stereo: /dev/zero", stereo("/dev/zero"), "Cannot open \"/dev/zero\": not a regular file."},
-      {"stereo: a folder", stereo(dir.string()), "Cannot open \"" + dir.string() + "\": Is a directory."},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.what);
-    auto reading = std::async(std::launch::async, row.read);
-    if (reading.wait_for(std::chrono::seconds(20)) != std::future_status::ready) {
-      ADD_FAILURE() << "the reader waits";
-      std::ofstream(pipe) << "";  // lets it go
-      std::ofstream(dataPipe + ".dat") << "";
-    }
-    EXPECT_EQ(reading.get(), row.expected);
-  }
-  fs::remove_all(dir);
 }
 
 }  // namespace

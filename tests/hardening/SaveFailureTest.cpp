@@ -5,13 +5,9 @@
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <unistd.h>
 
 #include <csignal>
-#include <filesystem>
-#include <fstream>
 #include <optional>
-#include <sstream>
 #include <string>
 
 #include "platform/RuntimeError.h"
@@ -21,14 +17,6 @@
 
 namespace orvane {
 namespace {
-
-namespace fs = std::filesystem;
-
-std::string contents(const fs::path& path) {
-  std::ostringstream text;
-  text << std::ifstream(path, std::ios::binary).rdbuf();
-  return text.str();
-}
 
 RegressionProblem problemOf(int sets) {
   std::vector<std::vector<double>> rows;
@@ -60,17 +48,16 @@ class FileSizeLimit {
 };
 
 TEST(SaveFailure, AMessageNamingTheFileAndThePreviousFilesIntact) {
-  const fs::path dir = fs::temp_directory_path() / ("orvane-save-" + std::to_string(::getpid()));
-  fs::remove_all(dir);
-  fs::create_directories(dir);
-  const std::string problem = (dir / "old.reg").string(), stereo = (dir / "old.ste").string();
+  const testing::TempDir dir;
+  const std::string problem = dir.file("old.reg"), stereo = dir.file("old.ste");
   WriteRegressionFiles(problem, problemOf(3));
   WriteStereoFile(stereo, StereoSettings{}, {"a=1"});
-  const std::string oldFiles[] = {contents(problem), contents(problem + ".dat"), contents(stereo)};
+  const std::string oldFiles[] = {testing::readText(problem), testing::readText(problem + ".dat"),
+                                  testing::readText(stereo)};
   StereoSettings longer;
   longer.equationZ = std::string(100000, 'x');
 
-  const std::string tooLong = (dir / (std::string(300, 'n') + ".reg")).string();
+  const std::string tooLong = dir.file(std::string(300, 'n') + ".reg");
   const struct {
     const char* what;
     std::string problem, stereo;
@@ -79,7 +66,7 @@ TEST(SaveFailure, AMessageNamingTheFileAndThePreviousFilesIntact) {
   } rows[] = {
       {"a folder that is a file", problem + ".dat/new.reg", stereo + "/new.ste", RLIM_INFINITY, 5},
       {"a name too long", tooLong, tooLong, RLIM_INFINITY, 5},
-      {"no such folder", (dir / "none/x.reg").string(), (dir / "none/x.ste").string(), RLIM_INFINITY, 5},
+      {"no such folder", dir.file("none/x.reg"), dir.file("none/x.ste"), RLIM_INFINITY, 5},
       {"no room at all", problem, stereo, 0, 5},
       {"full during the write", problem, stereo, 4096, 20000},
       // The problem file fits, its data file does not: neither may change, or the pair
@@ -104,12 +91,11 @@ TEST(SaveFailure, AMessageNamingTheFileAndThePreviousFilesIntact) {
       EXPECT_NE(e.description().find(row.stereo.substr(0, 40)), std::string::npos) << e.description();
     }
     room.reset();
-    EXPECT_EQ(contents(problem), oldFiles[0]);
-    EXPECT_EQ(contents(problem + ".dat"), oldFiles[1]);
-    EXPECT_EQ(contents(stereo), oldFiles[2]);
-    EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator()), 3) << "left behind";
+    EXPECT_EQ(testing::readText(problem), oldFiles[0]);
+    EXPECT_EQ(testing::readText(problem + ".dat"), oldFiles[1]);
+    EXPECT_EQ(testing::readText(stereo), oldFiles[2]);
+    EXPECT_EQ(dir.entries(), 3) << "left behind";
   }
-  fs::remove_all(dir);
 }
 
 }  // namespace

@@ -6,7 +6,8 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <algorithm>
+#include <unistd.h>
+
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -16,6 +17,7 @@
 #include <vector>
 
 #include "platform/NumberText.h"
+#include "regression/CsvProblem.h"
 #include "regression/RegressionProblem.h"
 
 namespace orvane::testing {
@@ -44,39 +46,42 @@ inline std::vector<double> column(const RegressionProblem& p, int j) {
   return values;
 }
 
+// A folder of one test's own, removed with what it holds.
+struct TempDir {
+  std::filesystem::path path = std::filesystem::temp_directory_path() /
+                               ("orvane-test-" + std::to_string(::getpid()) + "-" + std::to_string(counter++));
+  static inline int counter = 0;
+  TempDir() { std::filesystem::create_directories(path); }
+  ~TempDir() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path, ignored);
+  }
+  std::string file(const std::string& name) const { return (path / name).string(); }
+  long entries() const {
+    return std::distance(std::filesystem::directory_iterator(path), std::filesystem::directory_iterator());
+  }
+};
+
+// A file's bytes; none when it cannot be read.
+inline std::string readText(const std::filesystem::path& path) {
+  std::ostringstream text;
+  text << std::ifstream(path, std::ios::binary).rdbuf();
+  return text.str();
+}
+
 // A file under tests/regression/data, read whole; a missing one ends the test.
 inline std::string readDataText(const std::string& name) {
   const char* root = std::getenv("ORVANE_SOURCE_DIR");
   const std::filesystem::path path = (root ? std::filesystem::path(root) / "tests/regression/data"
                                            : std::filesystem::path(__FILE__).parent_path() / "data") / name;
-  std::ostringstream text;
-  text << std::ifstream(path, std::ios::binary).rdbuf();
-  if (text.str().empty()) throw std::runtime_error("no test data in " + path.string());
-  return text.str();
+  std::string text = readText(path);
+  if (text.empty()) throw std::runtime_error("no test data in " + path.string());
+  return text;
 }
 
-// A data file "y,x1,...,xm" (the header names the columns, the dependent one first),
-// then one set a line.
+// A table under tests/regression/data, read as the program reads tables.
 inline RegressionProblem readDataCsv(const std::string& name) {
-  std::istringstream in(readDataText(name + ".csv"));
-  std::string line, field;
-  std::vector<std::vector<std::string>> rows;
-  while (std::getline(in, line)) {
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    if (line.empty()) continue;
-    std::istringstream fields(line);
-    rows.emplace_back();
-    while (std::getline(fields, field, ',')) rows.back().push_back(field);
-    std::rotate(rows.back().begin(), rows.back().begin() + 1, rows.back().end());  // {x1..xm, y}
-  }
-  std::vector<std::vector<double>> sets;
-  for (size_t i = 1; i < rows.size(); ++i) {
-    sets.emplace_back();
-    for (const std::string& text : rows[i]) sets.back().push_back(parseStrict(text));
-  }
-  const std::vector<std::string>& header = rows.at(0);
-  return makeProblem(static_cast<int>(header.size()) - 1, sets,
-                     std::vector<std::string>(header.begin(), header.end() - 1), header.back());
+  return ParseCsvProblem(name, readDataText(name + ".csv"));
 }
 
 inline QJsonObject readDataJson(const std::string& name) {

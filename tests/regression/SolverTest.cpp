@@ -97,7 +97,6 @@ TEST(Solver, SingularSystemsGiveOneMessageAndKeepTheStatistics) {
   const std::string dependent = "YIELDS LINEARLY DEPENDENT SYSTEM", inconsistent = "YIELDS INCONSISTENT SYSTEM.";
   const struct { const char* what; RegressionProblem p; bool dependentOnly; } cases[] = {
       {"x2 equal to x1", makeProblem(2, {{1, 1, 2}, {2, 2, 3}, {3, 3, 5}, {4, 4, 4}}), false},
-      {"x2 equal to x1, other data", makeProblem(2, {{0.1, 0.1, 7}, {0.3, 0.3, -1}, {2.9, 2.9, 4}}), false},
       // A zero column is skipped in elimination, then caught in back substitution.
       {"x1 all zero, last column", makeProblem(1, {{0, 1}, {0, 2}, {0, 3}}), true},
       {"x1 all zero, middle column", makeProblem(2, {{0, 1, 1}, {0, 2, 5}, {0, 3, 2}, {0, 5, 1}}), true},
@@ -120,17 +119,9 @@ TEST(Solver, SingularSystemsGiveOneMessageAndKeepTheStatistics) {
   EXPECT_EQ(SingularMessage(FitOutcome::Computed), "");
 }
 
-TEST(Solver, ResultsListing) {
-  RegressionProblem p = makeProblem(1, {});
-  p.A = {0.5, 0.8, 0};
-  p.statistics = {0.8, 0.948683298050514, 1.8, 2.5, -2.5e-7};
-  const std::vector<std::string> expected = {
-      "              CORRELATION COEFFICIENT=0.8", "STANDARD ERROR OF ESTIMATE (UNBIASED)=0.948683298050514",
-      "                    SUM (RESIDUALS)^2=1.8",  "           AVERAGE OF FUNCTION(GIVEN)=2.5",
-      "       AVERAGE OF FUNCTION(ESTIMATED)=-2.5E-07", "", "COEFFICIENTS:", "A0=0.5", "A1=0.8"};
-  EXPECT_EQ(ResultsListing(p), expected);
-  EXPECT_EQ(StatisticsLines(p.statistics), std::vector<std::string>(expected.begin(), expected.begin() + 5));
-
+// Every coefficient is listed, A10 and on included (the whole listing, as printed: the
+// batch fit's tests).
+TEST(Solver, ResultsListingNamesEveryCoefficient) {
   RegressionProblem big = makeProblem(11, {});
   big.A.assign(13, -1);
   big.A[10] = 1e20;
