@@ -238,7 +238,21 @@ void readDataValues(RegressionProblem& p, LineReader& data) {
   const auto values = static_cast<size_t>(int64_t{p.N} * width);
   std::vector<size_t> firstLine{0};  // of each part, counted from the first value line
   for (int k = 0; k < parts; ++k) firstLine.push_back(firstLine.back() + lines[k]);
+  // A reader going from the start meets the first bad line of the parts read.
+  const auto failAtFirstBad = [&](const std::vector<ValueRun>& runs) {
+    for (int k = 0; k < parts; ++k) {
+      if (runs[k].bad == std::string_view::npos) continue;
+      const size_t line = firstLine[k] + runs[k].bad;
+      const size_t i = line / width + 1, j = line % width + 1;
+      data.failAt(line + 1, "the value of " + (static_cast<int>(j) <= p.m ? p.names[j - 1] : p.dependentName) +
+                                " in data set " + std::to_string(i));
+    }
+  };
+  std::vector<ValueRun> runs(static_cast<size_t>(parts));
   if (firstLine.back() < values) {
+    // A bad line before the end is met before the end is.
+    RunParts(parts, [&](int k) { runs[k] = readValueLines(text, bounds[k], lines[k], [](double) {}); });
+    failAtFirstBad(runs);
     const auto have = static_cast<int64_t>(firstLine.back());
     data.failAt(static_cast<size_t>(have) + 1, "value " + std::to_string(have % width + 1) + " of data set " +
                                                    std::to_string(have / width + 1) + " (the file ends before it)");
@@ -246,7 +260,6 @@ void readDataValues(RegressionProblem& p, LineReader& data) {
   p.dimensionData();
   std::vector<double*> columns(static_cast<size_t>(width) + 1);
   for (int j = 1; j <= width; ++j) columns[j] = p.X.column(j);
-  std::vector<ValueRun> runs(static_cast<size_t>(parts));
   RunParts(parts, [&](int k) {
     const size_t first = std::min(firstLine[k], values);
     const size_t count = std::min(firstLine[k + 1], values) - first;
@@ -256,13 +269,7 @@ void readDataValues(RegressionProblem& p, LineReader& data) {
       if (++j > width) j = 1, ++i;
     });
   });
-  for (int k = 0; k < parts; ++k) {
-    if (runs[k].bad == std::string_view::npos) continue;
-    const size_t line = firstLine[k] + runs[k].bad;
-    const size_t i = line / width + 1, j = line % width + 1;
-    data.failAt(line + 1, "the value of " + (static_cast<int>(j) <= p.m ? p.names[j - 1] : p.dependentName) +
-                              " in data set " + std::to_string(i));
-  }
+  failAtFirstBad(runs);
   // The lines after the values: the statistics when there is a fit.
   const auto last = std::find_if(firstLine.begin() + 1, firstLine.end(), [&](size_t f) { return f >= values; });
   data.skip(values == 0 ? 0 : runs[static_cast<size_t>(last - firstLine.begin() - 1)].end, values);
