@@ -47,17 +47,7 @@ const std::vector<Function>& functions() {
 }
 
 PlotSetup window(float lx, float gx, float ly, float gy) {
-  PlotSetup s;
-  s.windowlx = lx;
-  s.windowgx = gx;
-  s.windowly = ly;
-  s.windowgy = gy;
-  s.xorigin = 0;
-  s.yorigin = 0;
-  s.divx = (gx - lx) / 4;
-  s.divy = (gy - ly) / 4;
-  s.plotStep = 15;
-  return s;
+  return {lx, gx, ly, gy, 0, 0, (gx - lx) / 4, (gy - ly) / 4, 15};
 }
 
 const std::vector<std::pair<const char*, PlotSetup>>& windows() {

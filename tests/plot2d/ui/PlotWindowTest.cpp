@@ -21,30 +21,11 @@
 #include "platform/ui/PictureBox.h"
 #include "platform/ui/TextBox.h"
 #include "plot2d/ui/frmPlot.h"
+#include "regression/RegressionTestSupport.h"
 #include "regression/Workbench.h"
 
 namespace orvane {
 namespace {
-
-// Five data sets around y = 1.05 + 1.99 x, with that line fitted.
-void fillFittedProblem(Workbench& w) {
-  RegressionProblem& p = w.problem;
-  p.m = 1;
-  p.N = 5;
-  p.names = {"x"};
-  p.dependentName = "y";
-  p.dimensionData();
-  const double ys[] = {3.1, 4.9, 7.2, 8.8, 11.1};
-  for (int i = 1; i <= 5; ++i) {
-    p.X(0, i) = 1;
-    p.X(1, i) = i;
-    p.X(2, i) = ys[i - 1];
-  }
-  p.A = {1.05, 1.99, 0};
-  p.computed = true;
-  w.fitted = true;
-  w.startDirectory = "/start/here";
-}
 
 // Dialogs whose event pump runs a test's action at a given call, as a click arriving
 // during a plot; the pumps before it come before the work.
@@ -113,8 +94,12 @@ class PlotWindowTest : public QObject {
 
  private slots:
   void init() {
+    // Five data sets around y = 1.05 + 1.99 x, with that line fitted.
     workbench_ = Workbench{};
-    fillFittedProblem(workbench_);
+    workbench_.problem = testing::makeProblem(1, {{1, 3.1}, {2, 4.9}, {3, 7.2}, {4, 8.8}, {5, 11.1}}, {"x"});
+    workbench_.problem.A = {1.05, 1.99, 0};
+    workbench_.problem.computed = workbench_.fitted = true;
+    workbench_.startDirectory = "/start/here";
     dialogs_ = std::make_unique<PumpingDialogs>();
     window_ = std::make_unique<frmPlot>(workbench_, *dialogs_);
     window_->txtEquation->setText(QStringLiteral("1.05+1.99*x"));
@@ -241,8 +226,8 @@ class PlotWindowTest : public QObject {
       QTest::keyClick(box, Qt::Key_Tab);
       return box->hasFocus();
     };
-    const char* corrections[][3] = {{"txtSubintervals", "100", "128"}, {"txtSubintervals", "256", "256"},
-                                    {"txtMaxcy", "3", "7"},  // 256 panels need seven halvings
+    const char* corrections[][3] = {{"txtSubintervals", "100", "128"},
+                                    {"txtMaxcy", "3", "6"},  // 128 panels need six halvings
                                     {"txtPlotStep", "200", "80"}};
     for (const auto& c : corrections) {
       QVERIFY2(!leave(c[0], c[1]), c[0]);
@@ -283,12 +268,11 @@ class PlotWindowTest : public QObject {
     combo->lineEdit()->setText("c=3");
     QTest::keyClick(combo->lineEdit(), Qt::Key_Return);
     QCOMPARE(combo->count(), 2);
-    const char* cases[][4] = {{"x^3", "3", "2", "6"}, {"Sqr(x)", "1", "0", ""}, {"x", "34", "1", ""}};
-    for (const auto& c : cases) {
+    // No value, from the engine or from the order, leaves the panel empty and shows no box.
+    for (const auto& c : {std::array{"Sqr(x)", "1", "0"}, std::array{"x", "34", "1"}}) {
       type({{"txtEquation", c[0]}, {"txtDerNum", c[1]}, {"txtXeval", c[2]}});
       click("cmdDerVal");
-      const QString shown = label("lblDerVal");
-      QCOMPARE(shown.isEmpty() ? shown : QString::number(std::round(shown.toDouble())), QString(c[3]));
+      QVERIFY2(label("lblDerVal").isEmpty(), c[0]);
     }
     QVERIFY(messages().isEmpty());
   }
@@ -363,8 +347,7 @@ class PlotWindowTest : public QObject {
   }
 
   // The window yields while it works: a command arriving then (a zoom, through the
-  // buttons' table) waits for the plot, never nests in it; a close takes the window
-  // once the plot ends.
+  // buttons' table) waits for the plot, never nests in it.
   void commandsDuringAPlotWaitForIt() {
     type({{"txtWindowlx", "-10"}, {"txtWindowgx", "10"}});
     dialogs_->atPump(1, [&] { click("cmdZoomIn"); });
@@ -378,35 +361,12 @@ class PlotWindowTest : public QObject {
     });
     click("cmdPlot");
     QCOMPARE(dialogs_->busyCalls().size(), size_t(8));  // one more whole plot, not nested
-    window_->show();
-    QSignalSpy unloaded(window_.get(), &frmPlot::unloaded);
-    dialogs_->atPump(1, [&] {
-      click("cmdExit");
-      QCOMPARE(unloaded.count(), 0);
-    });
-    click("cmdPlot");
-    QCOMPARE(unloaded.count(), 1);
-    QVERIFY(!window_->isVisible());
   }
 
-  // Esc or the close box stops a long command at its next look at the events (every
-  // 20 ms): what was found stays, the label says so, the wait cursor goes, and a plot
-  // asked for meanwhile is not drawn after an Esc.
+  // Esc (in a field) or the close box stops a long command at its next look at the
+  // events (every 20 ms): what was found stays, the label says so, the wait cursor goes,
+  // and a plot or a study asked for meanwhile is not run after an Esc.
   void longWorkStopsOnEscOrClose() {
-    // An integral to 2^30 panels; Esc pressed in a field, after a plot and roots were asked for.
-    type({{"txtEquation", "Sin(x)"}, {"txtSubintervals", "1073741824"}, {"txtMaxcy", "40"}});
-    dialogs_->atPump(1, [&] {
-      QVERIFY(window_->working());
-      click("cmdPlot");
-      click("cmdRoots");
-      QTest::keyClick(control<TextBox>("txtXeval"), Qt::Key_Escape);
-    });
-    click("cmdIntegrate");
-    QCOMPARE(label("lblIntegral"), QString("Interrupted"));
-    QCOMPARE(dialogs_->doEvents(), 1);  // no more work after the key
-    QVERIFY(!dialogs_->busy() && !window_->working());
-    QVERIFY(!window_->graphDrawn() && label("lblRoots").isEmpty());
-
     // A slow formula's 9th derivative at every screen unit: Esc while the curve is drawn.
     QString slow = "Sin(x)";
     for (int i = 0; i < 2000; ++i) slow += "+0*Sin(x)";
@@ -414,14 +374,16 @@ class PlotWindowTest : public QObject {
     type("txtPlotStep", "1");
     control<QComboBox>("cboDerivative")->setCurrentIndex(9);
     dialogs_->atPump(2, [&] {
+      QVERIFY(window_->working());
       click("cmdZoomIn");
-      QTest::keyClick(window_.get(), Qt::Key_Escape);
+      click("cmdRoots");
+      QTest::keyClick(control<TextBox>("txtXeval"), Qt::Key_Escape);
     });
-    const auto busyBefore = dialogs_->busyCalls().size();
     click("cmdPlot");
     QCOMPARE(label("lblPlotStatus"), QString("Interrupted"));
-    QVERIFY(!dialogs_->duringPump);
-    QCOMPARE(dialogs_->busyCalls().size() - busyBefore, size_t(2));  // the zoom's plot dropped
+    QCOMPARE(dialogs_->doEvents(), 2);  // no more work after the key
+    QCOMPARE(dialogs_->busyCalls().size(), size_t(2));  // the zoom's plot and the roots dropped
+    QVERIFY(!dialogs_->busy() && !window_->working() && label("lblRoots").isEmpty());
     type("txtEquation", "x");
     click("cmdPlot");
     QVERIFY(label("lblPlotStatus").isEmpty());
@@ -429,7 +391,8 @@ class PlotWindowTest : public QObject {
     // Roots of (x-1)(x-2)(x-3) over [0.5, 1e6] in 2^30 steps; the window closed meanwhile.
     window_->show();
     QSignalSpy unloaded(window_.get(), &frmPlot::unloaded);
-    type({{"txtEquation", "(x-1)*(x-2)*(x-3)"}, {"txtXlower", "0.5"}, {"txtXupper", "1e6"}});
+    type({{"txtEquation", "(x-1)*(x-2)*(x-3)"}, {"txtXlower", "0.5"}, {"txtXupper", "1e6"},
+          {"txtSubintervals", "1073741824"}});
     dialogs_->atPump(3, [&] {
       click("cmdExit");
       QCOMPARE(unloaded.count(), 0);
