@@ -63,12 +63,6 @@ class PlotWindowTest : public QObject {
   void click(const char* name) { control<QPushButton>(name)->click(); }
   void trigger(const char* name) { control<QAction>(name)->trigger(); }
   QString label(const char* name) { return control<QLabel>(name)->text(); }
-  QStringList items(const char* name) {
-    QStringList all;
-    auto* list = control<QListWidget>(name);
-    for (int i = 0; i < list->count(); ++i) all << list->item(i)->text();
-    return all;
-  }
   QStringList window() {
     return {text("txtWindowlx"), text("txtWindowgx"), text("txtWindowly"), text("txtWindowgy")};
   }
@@ -81,11 +75,6 @@ class PlotWindowTest : public QObject {
     QStringList all;
     for (const auto& m : dialogs_->messages()) all << QString::fromStdString(m.prompt);
     return all;
-  }
-  void showAndWait() {
-    window_->show();
-    window_->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(window_.get()));
   }
 
   Workbench workbench_;
@@ -116,7 +105,7 @@ class PlotWindowTest : public QObject {
       QCOMPARE(label("lblRoots"), QString("0 roots"));
       const QString before = text(field);
       type(field, before + "0");
-      QVERIFY2(label("lblRoots").isEmpty() && label("lblIntegral").isEmpty() && items("lstRoots").isEmpty() &&
+      QVERIFY2(label("lblRoots").isEmpty() && label("lblIntegral").isEmpty() && !control<QListWidget>("lstRoots")->count() &&
                    label("lblExtrema").isEmpty() && window_->results().roots.roots.empty(),
                field);
       type(field, before);
@@ -145,9 +134,7 @@ class PlotWindowTest : public QObject {
       for (const auto& e : edges) {
         int yellow = 0;
         for (int i = 0; i < e.length; ++i) yellow += image().pixelColor(e.from + i * e.step) == QColor(Qt::yellow);
-        QVERIFY2(yellow > e.length * 9 / 10, qPrintable(QString("edge from %1,%2 at %3 x %4: %5 of %6")
-                                                             .arg(e.from.x()).arg(e.from.y()).arg(w).arg(h)
-                                                             .arg(yellow).arg(e.length)));
+        QVERIFY2(yellow > e.length * 9 / 10, qPrintable(QString("edge %1 at %2 x %3").arg(&e - edges).arg(w).arg(h)));
       }
     }
   }
@@ -218,7 +205,9 @@ class PlotWindowTest : public QObject {
   // Each field's own handler once (the rules: SettingsViewportTest): corrected, refused
   // (the focus stays), an inverted pair (the focus goes to the other limit).
   void fieldsAreCorrectedAsTheyAreLeft() {
-    showAndWait();
+    window_->show();
+    window_->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(window_.get()));
     auto leave = [&](const char* name, const QString& typed) {  // true: the focus stays
       auto* box = control<TextBox>(name);
       box->setFocus(Qt::TabFocusReason);
@@ -398,7 +387,7 @@ class PlotWindowTest : public QObject {
       QCOMPARE(unloaded.count(), 0);
     });
     click("cmdRoots");
-    QCOMPARE(items("lstRoots").size(), 3);
+    QCOMPARE(control<QListWidget>("lstRoots")->count(), 3);
     QCOMPARE(label("lblRoots"), QString("Interrupted"));
     QCOMPARE(unloaded.count(), 1);
     QVERIFY(!window_->isVisible());
