@@ -51,7 +51,6 @@ TEST(StudySettingsReader, ReadsLeadingNumbers) {
   const StudySettings s = readStudySettings(t);
   EXPECT_EQ(s.xupper, 2);
   EXPECT_EQ(s.n, 256);
-  EXPECT_EQ(s.err, 0.01);
   EXPECT_EQ(s.k, 3);
   t.derivative = "Function";
   EXPECT_EQ(readStudySettings(t).k, 0);
@@ -92,13 +91,6 @@ TEST(Zoom, WorksInSinglePrecision) {
   EXPECT_EQ(t, (Texts{"0.25", "0.55", "0.25", "0.75"}));
   EXPECT_EQ(zoomTexts(0, t[0], t[1], t[2], t[3]), (Texts{"0.09999999", "0.7", "0", "1"}));
   EXPECT_THROW(zoomTexts(0, "3e38", "3.4e38", "0", "1"), RuntimeError);
-}
-
-TEST(ClickToCentre, MovesTheLastPlottedWindow) {
-  const PlotSetup plotted{-10, 10, -5, 5};
-  EXPECT_EQ(centreTexts(plotted, 0, 0), (Texts{"-10", "10", "-5", "5"}));
-  EXPECT_EQ(centreTexts(plotted, 2.5f, 1), (Texts{"-7.5", "12.5", "-4", "6"}));
-  EXPECT_EQ(positionTooltip(1.25f, -0.3f), "(1.25, -0.3): Click to center graph here");
 }
 
 // The wheel and the drag from [-10, 10] x [-5, 5] with divisions 1 and 1: 20 across
