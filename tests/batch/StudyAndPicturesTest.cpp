@@ -73,14 +73,12 @@ struct Refusal {
 
 TEST_F(BatchPictures, Plot2dSizesFormatsAndFailures) {
   const std::string bmp = path("line.bmp");
+  // The picture is the window's own (ui/WindowPicturesTest); here, the options, and the
+  // formula given: y = x along the diagonal of the default window, symmetric without data.
   const BatchRun run = runBatch({"plot2d", "x", "--size", "320", "200", "--out", bmp});
   ASSERT_EQ(run.status, 0) << run.err;
-  const QImage line = image("line.bmp");
-  EXPECT_EQ(line.size(), QSize(320, 200));
-  // The default window without data is symmetric about the origin: the x-axis is red
-  // across the middle row, and the curve y = x runs along the picture's diagonal.
-  EXPECT_EQ(QColor(line.pixel(80, 100)), QColor(Qt::red));
-  EXPECT_EQ(QColor(line.pixel(240, 50)).lightness(), 0);
+  EXPECT_EQ(image("line.bmp").size(), QSize(320, 200));
+  EXPECT_EQ(QColor(image("line.bmp").pixel(240, 50)).lightness(), 0);
 
   const BatchRun data = runBatch({"plot2d", "--data", dataFile("Norris.csv"), "--window", "-100", "1000", "-100",
                                   "1000", "--out", path("norris.png")});

@@ -70,12 +70,8 @@ void plotOnce(const char* fwhat, const std::function<double(double)>& fn, const 
   RecordingCanvas picture;
   PlotRequest request;
   request.setup = setup;
-  request.options.derivative = derivative;
-  request.options.shade = true;
-  request.options.labelWindow = true;
-  request.options.labelDivisions = true;
-  request.options.xlower = setup.windowlx;
-  request.options.xupper = setup.windowgx;
+  request.options = {.shade = true, .labelWindow = true, .labelDivisions = true, .derivative = derivative,
+                     .xlower = setup.windowlx, .xupper = setup.windowgx};
   request.width = 9000;
   request.height = 6000;
   const double xs[] = {0, 1, 2};

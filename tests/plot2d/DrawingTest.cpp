@@ -89,9 +89,7 @@ TEST(PlotDriver, CurvePieces) {
 // Shading of the study interval, and the lines at its ends.
 TEST(PlotDriver, ShadingAndIntervalEnds) {
   PlotRequest r = tinyRequest(false);
-  r.options.shade = true;
-  r.options.xlower = -0.5;
-  r.options.xupper = 0.5;
+  r.options = {.shade = true, .xlower = -0.5, .xupper = 0.5};
   const Calls shaded = plot(r, [](double) { return 1.0; });
   EXPECT_EQ(matching(shaded, "#A0A0FF").front(), "pset (-0.5,0) #A0A0FF");
   EXPECT_EQ(matching(shaded, "#A0A0FF").back(), "line (0.499,1)-(0.5,1) #A0A0FF");
@@ -120,11 +118,7 @@ TEST(PlotDriver, AStopEndsOnlyTheEvaluatingParts) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.stopAt);
     PlotRequest r = tinyRequest();
-    if (c.shade) {
-      r.options.shade = true;
-      r.options.xlower = -0.5;
-      r.options.xupper = 0.5;
-    }
+    if (c.shade) r.options = {.shade = true, .fittedFunction = true, .xlower = -0.5, .xupper = 0.5};
     int calls = 0;
     LambdaFunction fn([&](double x) { return ++calls, x; });
     DerivativeEvaluator d(fn);
