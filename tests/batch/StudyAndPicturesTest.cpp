@@ -30,11 +30,9 @@ TEST(BatchStudy, PrintsTheWindowsListsAndLabels) {
       // 3 subintervals become 4, as in the window: the double root at 0 is on the grid.
       {{"x^2", "--interval", "-1", "1", "--subintervals", "3", "roots"}, 0, {"0", "1 roots"}, ""},
       {{"undefinedName", "roots"}, 1, {}, "error 500: Variable is undefined: 'undefinedName'\n"},
-      {{"x^5", "--interval", "0", "1", "--subintervals", "8", "--error", "1e-12", "integral"},
+      {{"x^5", "--interval", "0", "1", "--subintervals", "8", "--maxcy", "10", "--error", "1e-12", "integral"},
        0, {"0.166666666666667"}, ""},
       {{"1/x", "--interval", "-1", "1", "integral"}, 1, {"division by zero"}, ""},
-      {{"Sin(x)", "--interval", "0", "100", "--subintervals", "2", "--maxcy", "0", "--error", "1e-12", "integral"},
-       1, {"No convergence"}, ""},
       {{"--const", "a=3", "a*x", "value", "0", "2"}, 0, {"6"}, ""},
       {{"x", "value", "34", "1"}, 1, {}, "error 9: Subscript out of range\n"},
       {{"x", "--interval", "2", "1", "roots"}, 1, {},
