@@ -393,7 +393,7 @@ class PlotWindowTest : public QObject {
     QVERIFY(!window_->isVisible());
   }
 
-  // Fields from the data (the numbers: StudyDefaultsTest); the line drawn once the
+  // Fields from the data (the rules: StudyDefaultsTest); the line drawn once the
   // window is up and again at each new size. A formula's error box comes once per
   // command (none for a pole the plot samples), not again at each redraw.
   void drawnOnOpeningAndAtEachSize() {
