@@ -31,11 +31,14 @@ class WindowPicturesTest : public QObject {
   Q_OBJECT
 
  private:
-  // The regression window's state after Compute on the file.
-  static void computeFrom(const std::string& csv, Workbench& w) {
+  // The regression window's state after Compute on a data file `name` of these lines.
+  std::string computeFrom(const char* name, const std::string& lines, Workbench& w) {
+    const std::string csv = path(name);
+    testing::writeFile(csv, lines);
     w.problem = ReadCsvProblem(csv);
     Compute(w.problem);
     w.fitted = w.problem.computed;
+    return csv;
   }
   static QStringList printed(const std::vector<std::string>& args) {
     QStringList lines;
@@ -97,10 +100,8 @@ class WindowPicturesTest : public QObject {
   }
 
   void plot2dMatchesTheStudyWindow() {
-    const std::string csv = path("line.csv");
-    testing::writeFile(csv, "y,x\n3.1,1\n4.9,2\n7.2,3\n8.8,4\n11.1,5\n");
     Workbench workbench;
-    computeFrom(csv, workbench);
+    const std::string csv = computeFrom("line.csv", "y,x\n3.1,1\n4.9,2\n7.2,3\n8.8,4\n11.1,5\n", workbench);
     ScriptedDialogs dialogs;
     frmPlot window(workbench, dialogs);
     window.txtEquation->setText(QString::fromStdString(FittedFunctionText(workbench.problem)));
@@ -113,10 +114,9 @@ class WindowPicturesTest : public QObject {
   }
 
   void stereoMatchesTheStereoWindow() {
-    const std::string csv = path("plane.csv");
-    testing::writeFile(csv, "z,x,y\n0.5,-1,-1\n1,1,0\n-0.5,0,1\n0.2,0.5,0.5\n0.9,-0.5,0.8\n");
     Workbench workbench;
-    computeFrom(csv, workbench);
+    const std::string csv =
+        computeFrom("plane.csv", "z,x,y\n0.5,-1,-1\n1,1,0\n-0.5,0,1\n0.2,0.5,0.5\n0.9,-0.5,0.8\n", workbench);
     ScriptedDialogs dialogs;
     frmStereoPlot window(workbench, dialogs);
     window.txtEquationZ->setText(QString::fromStdString(FittedFunctionText(workbench.problem)));

@@ -21,30 +21,11 @@
 #include "platform/ui/PictureBox.h"
 #include "platform/ui/TextBox.h"
 #include "plot2d/ui/frmPlot.h"
+#include "regression/RegressionTestSupport.h"
 #include "regression/Workbench.h"
 
 namespace orvane {
 namespace {
-
-// Five data sets around y = 1.05 + 1.99 x, with that line fitted.
-void fillFittedProblem(Workbench& w) {
-  RegressionProblem& p = w.problem;
-  p.m = 1;
-  p.N = 5;
-  p.names = {"x"};
-  p.dependentName = "y";
-  p.dimensionData();
-  const double ys[] = {3.1, 4.9, 7.2, 8.8, 11.1};
-  for (int i = 1; i <= 5; ++i) {
-    p.X(0, i) = 1;
-    p.X(1, i) = i;
-    p.X(2, i) = ys[i - 1];
-  }
-  p.A = {1.05, 1.99, 0};
-  p.computed = true;
-  w.fitted = true;
-  w.startDirectory = "/start/here";
-}
 
 // Dialogs whose event pump runs a test's action at a given call, as a click arriving
 // during a plot; the pumps before it come before the work.
@@ -82,12 +63,6 @@ class PlotWindowTest : public QObject {
   void click(const char* name) { control<QPushButton>(name)->click(); }
   void trigger(const char* name) { control<QAction>(name)->trigger(); }
   QString label(const char* name) { return control<QLabel>(name)->text(); }
-  QStringList items(const char* name) {
-    QStringList all;
-    auto* list = control<QListWidget>(name);
-    for (int i = 0; i < list->count(); ++i) all << list->item(i)->text();
-    return all;
-  }
   QStringList window() {
     return {text("txtWindowlx"), text("txtWindowgx"), text("txtWindowly"), text("txtWindowgy")};
   }
@@ -101,11 +76,6 @@ class PlotWindowTest : public QObject {
     for (const auto& m : dialogs_->messages()) all << QString::fromStdString(m.prompt);
     return all;
   }
-  void showAndWait() {
-    window_->show();
-    window_->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(window_.get()));
-  }
 
   Workbench workbench_;
   std::unique_ptr<PumpingDialogs> dialogs_;
@@ -113,8 +83,12 @@ class PlotWindowTest : public QObject {
 
  private slots:
   void init() {
+    // Five data sets around y = 1.05 + 1.99 x, with that line fitted.
     workbench_ = Workbench{};
-    fillFittedProblem(workbench_);
+    workbench_.problem = testing::makeProblem(1, {{1, 3.1}, {2, 4.9}, {3, 7.2}, {4, 8.8}, {5, 11.1}}, {"x"});
+    workbench_.problem.A = {1.05, 1.99, 0};
+    workbench_.problem.computed = workbench_.fitted = true;
+    workbench_.startDirectory = "/start/here";
     dialogs_ = std::make_unique<PumpingDialogs>();
     window_ = std::make_unique<frmPlot>(workbench_, *dialogs_);
     window_->txtEquation->setText(QStringLiteral("1.05+1.99*x"));
@@ -131,8 +105,8 @@ class PlotWindowTest : public QObject {
       QCOMPARE(label("lblRoots"), QString("0 roots"));
       const QString before = text(field);
       type(field, before + "0");
-      QVERIFY2(label("lblRoots").isEmpty() && label("lblIntegral").isEmpty() && items("lstRoots").isEmpty() &&
-                   label("lblExtrema").isEmpty() && window_->results().roots.roots.empty(),
+      QVERIFY2(label("lblRoots").isEmpty() && label("lblIntegral").isEmpty() && label("lblExtrema").isEmpty() &&
+                   !control<QListWidget>("lstRoots")->count() && window_->results().roots.roots.empty(),
                field);
       type(field, before);
     }
@@ -160,15 +134,13 @@ class PlotWindowTest : public QObject {
       for (const auto& e : edges) {
         int yellow = 0;
         for (int i = 0; i < e.length; ++i) yellow += image().pixelColor(e.from + i * e.step) == QColor(Qt::yellow);
-        QVERIFY2(yellow > e.length * 9 / 10, qPrintable(QString("edge from %1,%2 at %3 x %4: %5 of %6")
-                                                             .arg(e.from.x()).arg(e.from.y()).arg(w).arg(h)
-                                                             .arg(yellow).arg(e.length)));
+        QVERIFY2(yellow > e.length * 9 / 10, qPrintable(QString("edge %1 at %2 x %3").arg(&e - edges).arg(w).arg(h)));
       }
     }
   }
 
   // The wheel, a drag, clicks and the picture's keys all move the window (by the
-  // numbers of SettingsViewportTest) and plot again. The fields change when a drag
+  // numbers of SettingsViewportTest; click-to-centre's here) and plot again. The fields change when a drag
   // ends, the picture while it goes on.
   void mouseAndKeysMoveTheWindow() {
     auto setup = [&] { return window() << text("txtDivx") << text("txtDivy"); };
@@ -187,7 +159,7 @@ class PlotWindowTest : public QObject {
       QCoreApplication::sendEvent(box, &e);
     };
     mouse(QEvent::MouseMove, pixel(3, 1), Qt::NoButton, Qt::NoButton);
-    QVERIFY(box->toolTip().endsWith("): Click to center graph here"));
+    QCOMPARE(box->toolTip(), QString("(3, 1): Click to center graph here"));
     const size_t plots = dialogs_->busyCalls().size();
     const QPointF pointer = pixel(5, 0);
     wheel(pointer, 120);
@@ -233,7 +205,9 @@ class PlotWindowTest : public QObject {
   // Each field's own handler once (the rules: SettingsViewportTest): corrected, refused
   // (the focus stays), an inverted pair (the focus goes to the other limit).
   void fieldsAreCorrectedAsTheyAreLeft() {
-    showAndWait();
+    window_->show();
+    window_->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(window_.get()));
     auto leave = [&](const char* name, const QString& typed) {  // true: the focus stays
       auto* box = control<TextBox>(name);
       box->setFocus(Qt::TabFocusReason);
@@ -241,8 +215,8 @@ class PlotWindowTest : public QObject {
       QTest::keyClick(box, Qt::Key_Tab);
       return box->hasFocus();
     };
-    const char* corrections[][3] = {{"txtSubintervals", "100", "128"}, {"txtSubintervals", "256", "256"},
-                                    {"txtMaxcy", "3", "7"},  // 256 panels need seven halvings
+    const char* corrections[][3] = {{"txtSubintervals", "100", "128"},
+                                    {"txtMaxcy", "3", "6"},  // 128 panels need six halvings
                                     {"txtPlotStep", "200", "80"}};
     for (const auto& c : corrections) {
       QVERIFY2(!leave(c[0], c[1]), c[0]);
@@ -283,12 +257,11 @@ class PlotWindowTest : public QObject {
     combo->lineEdit()->setText("c=3");
     QTest::keyClick(combo->lineEdit(), Qt::Key_Return);
     QCOMPARE(combo->count(), 2);
-    const char* cases[][4] = {{"x^3", "3", "2", "6"}, {"Sqr(x)", "1", "0", ""}, {"x", "34", "1", ""}};
-    for (const auto& c : cases) {
+    // No value, from the engine or from the order, leaves the panel empty and shows no box.
+    for (const auto& c : {std::array{"Sqr(x)", "1", "0"}, std::array{"x", "34", "1"}}) {
       type({{"txtEquation", c[0]}, {"txtDerNum", c[1]}, {"txtXeval", c[2]}});
       click("cmdDerVal");
-      const QString shown = label("lblDerVal");
-      QCOMPARE(shown.isEmpty() ? shown : QString::number(std::round(shown.toDouble())), QString(c[3]));
+      QVERIFY2(label("lblDerVal").isEmpty(), c[0]);
     }
     QVERIFY(messages().isEmpty());
   }
@@ -363,8 +336,7 @@ class PlotWindowTest : public QObject {
   }
 
   // The window yields while it works: a command arriving then (a zoom, through the
-  // buttons' table) waits for the plot, never nests in it; a close takes the window
-  // once the plot ends.
+  // buttons' table) waits for the plot, never nests in it.
   void commandsDuringAPlotWaitForIt() {
     type({{"txtWindowlx", "-10"}, {"txtWindowgx", "10"}});
     dialogs_->atPump(1, [&] { click("cmdZoomIn"); });
@@ -378,35 +350,12 @@ class PlotWindowTest : public QObject {
     });
     click("cmdPlot");
     QCOMPARE(dialogs_->busyCalls().size(), size_t(8));  // one more whole plot, not nested
-    window_->show();
-    QSignalSpy unloaded(window_.get(), &frmPlot::unloaded);
-    dialogs_->atPump(1, [&] {
-      click("cmdExit");
-      QCOMPARE(unloaded.count(), 0);
-    });
-    click("cmdPlot");
-    QCOMPARE(unloaded.count(), 1);
-    QVERIFY(!window_->isVisible());
   }
 
-  // Esc or the close box stops a long command at its next look at the events (every
-  // 20 ms): what was found stays, the label says so, the wait cursor goes, and a plot
-  // asked for meanwhile is not drawn after an Esc.
+  // Esc (in a field) or the close box stops a long command at its next look at the
+  // events (every 20 ms): what was found stays, the label says so, the wait cursor goes,
+  // and a plot or a study asked for meanwhile is not run after an Esc.
   void longWorkStopsOnEscOrClose() {
-    // An integral to 2^30 panels; Esc pressed in a field, after a plot and roots were asked for.
-    type({{"txtEquation", "Sin(x)"}, {"txtSubintervals", "1073741824"}, {"txtMaxcy", "40"}});
-    dialogs_->atPump(1, [&] {
-      QVERIFY(window_->working());
-      click("cmdPlot");
-      click("cmdRoots");
-      QTest::keyClick(control<TextBox>("txtXeval"), Qt::Key_Escape);
-    });
-    click("cmdIntegrate");
-    QCOMPARE(label("lblIntegral"), QString("Interrupted"));
-    QCOMPARE(dialogs_->doEvents(), 1);  // no more work after the key
-    QVERIFY(!dialogs_->busy() && !window_->working());
-    QVERIFY(!window_->graphDrawn() && label("lblRoots").isEmpty());
-
     // A slow formula's 9th derivative at every screen unit: Esc while the curve is drawn.
     QString slow = "Sin(x)";
     for (int i = 0; i < 2000; ++i) slow += "+0*Sin(x)";
@@ -414,14 +363,16 @@ class PlotWindowTest : public QObject {
     type("txtPlotStep", "1");
     control<QComboBox>("cboDerivative")->setCurrentIndex(9);
     dialogs_->atPump(2, [&] {
+      QVERIFY(window_->working());
       click("cmdZoomIn");
-      QTest::keyClick(window_.get(), Qt::Key_Escape);
+      click("cmdRoots");
+      QTest::keyClick(control<TextBox>("txtXeval"), Qt::Key_Escape);
     });
-    const auto busyBefore = dialogs_->busyCalls().size();
     click("cmdPlot");
     QCOMPARE(label("lblPlotStatus"), QString("Interrupted"));
-    QVERIFY(!dialogs_->duringPump);
-    QCOMPARE(dialogs_->busyCalls().size() - busyBefore, size_t(2));  // the zoom's plot dropped
+    QCOMPARE(dialogs_->doEvents(), 2);  // no more work after the key
+    QCOMPARE(dialogs_->busyCalls().size(), size_t(2));  // the zoom's plot and the roots dropped
+    QVERIFY(!dialogs_->busy() && !window_->working() && label("lblRoots").isEmpty());
     type("txtEquation", "x");
     click("cmdPlot");
     QVERIFY(label("lblPlotStatus").isEmpty());
@@ -429,19 +380,20 @@ class PlotWindowTest : public QObject {
     // Roots of (x-1)(x-2)(x-3) over [0.5, 1e6] in 2^30 steps; the window closed meanwhile.
     window_->show();
     QSignalSpy unloaded(window_.get(), &frmPlot::unloaded);
-    type({{"txtEquation", "(x-1)*(x-2)*(x-3)"}, {"txtXlower", "0.5"}, {"txtXupper", "1e6"}});
+    type({{"txtEquation", "(x-1)*(x-2)*(x-3)"}, {"txtXlower", "0.5"}, {"txtXupper", "1e6"},
+          {"txtSubintervals", "1073741824"}});
     dialogs_->atPump(3, [&] {
       click("cmdExit");
       QCOMPARE(unloaded.count(), 0);
     });
     click("cmdRoots");
-    QCOMPARE(items("lstRoots").size(), 3);
+    QCOMPARE(control<QListWidget>("lstRoots")->count(), 3);
     QCOMPARE(label("lblRoots"), QString("Interrupted"));
     QCOMPARE(unloaded.count(), 1);
     QVERIFY(!window_->isVisible());
   }
 
-  // Fields from the data (the numbers: StudyDefaultsTest); the line drawn once the
+  // Fields from the data (the rules: StudyDefaultsTest); the line drawn once the
   // window is up and again at each new size. A formula's error box comes once per
   // command (none for a pole the plot samples), not again at each redraw.
   void drawnOnOpeningAndAtEachSize() {
