@@ -12,6 +12,7 @@ namespace orvane {
 namespace {
 
 using testing::callsOf;
+using testing::near;
 using K = CanvasCall::Kind;
 
 constexpr float kTol = 1e-5f;
@@ -30,7 +31,9 @@ struct Fixture {
     s.drxu = s.dryv = s.stepxu = s.stepyv = 1;
     surface.formulas[s.equationZ] = [](double, double, double, double) { return 0.0; };
   }
-  StereoPlot plot() { return StereoPlot{s, surface, uv, random, marks, true, nullptr}; }
+  StereoPlot plot(StopCheck* stop = nullptr, bool shown = true) {
+    return StereoPlot{s, surface, uv, random, marks, shown, stop};
+  }
   void scale() { ScaleStereoPictures(left, right, s); }
 };
 
@@ -46,17 +49,11 @@ TEST(DrawSurfaceMesh, TwoByTwoGridOnBothPicturesLeftShifted) {
     EXPECT_TRUE(l[i].color == Rgb(0, 0, 0) && r[i].color == Rgb(0, 0, 0)) << i;
     EXPECT_NEAR(l[i].y1, r[i].y1, kTol);  // the vertical is shared
   }
-  // First segment, (-1,-1,0) to (-1,0,0): depth 1 from the centre plane; the left
-  // picture adds depth * stereo shift 0.16.
-  EXPECT_NEAR(r[0].x1, -0.2f, kTol);
-  EXPECT_NEAR(r[0].y1, 0.6f, kTol);
-  EXPECT_NEAR(r[0].x2, 0.8f, kTol);
-  EXPECT_NEAR(l[0].x1, -0.04f, kTol);
-  EXPECT_NEAR(l[0].x2, 0.96f, kTol);
-  EXPECT_NEAR(l[2].x1, -1, kTol);  // (0,-1,0) is in the centre plane: no parallax
-  EXPECT_NEAR(r[2].x1, -1, kTol);
-  EXPECT_NEAR(r[11].x2, 0.2f, kTol);  // last segment, of the curve y = 1, ends at (1,1,0)
-  EXPECT_NEAR(l[11].x2, 0.04f, kTol);
+  // The first segment, (-1,-1,0) to (-1,0,0), at depth 1 from the centre plane: the left
+  // picture adds depth * stereo shift 0.16. The third starts at (0,-1,0) in the centre
+  // plane: no parallax. The last, of the curve y = 1, ends at (1,1,0).
+  EXPECT_TRUE(near({r[0].x1, r[0].y1, r[0].x2, r[2].x1, r[11].x2}, {-0.2f, 0.6f, 0.8f, -1, 0.2f}));
+  EXPECT_TRUE(near({l[0].x1, l[0].x2, l[2].x1, l[11].x2}, {-0.04f, 0.96f, -1, 0.04f}));
 }
 
 // The frame inset by one device unit on the right and bottom (else those edges fall off
@@ -69,9 +66,7 @@ TEST(DrawStereoPlot, FrameOnThePictureAndTheDepthAxisShifted) {
   f.marks = {{0, 1, 0.25f}};
   int pumps = 0;
   StopCheck pump([&] { return ++pumps, false; }, std::chrono::hours(1));
-  StereoPlot plot = f.plot();
-  plot.stop = &pump;
-  EXPECT_TRUE(DrawStereoPlot(f.left, f.right, plot));
+  EXPECT_TRUE(DrawStereoPlot(f.left, f.right, f.plot(&pump)));
   EXPECT_EQ(pumps, 1);
   const std::vector<std::string> right = f.right.describeAll(), left = f.left.describeAll();
   ASSERT_EQ(right.size(), 14u);
@@ -99,9 +94,7 @@ TEST(DrawStereoPlot, SurfaceOnlyWithTheFittedFunctionAndItsBoxes) {
     f.s.lines = r.lines;
     f.s.dots = r.dots;
     f.s.ndots = r.ndots;
-    StereoPlot plot = f.plot();
-    plot.surfaceShown = r.shown;
-    DrawStereoPlot(f.left, f.right, plot);
+    DrawStereoPlot(f.left, f.right, f.plot(nullptr, r.shown));
     EXPECT_EQ(callsOf(f.left, K::Line).size(), 3 + r.linesDrawn);  // after the three axes
     EXPECT_EQ(callsOf(f.right, K::Point).size(), r.points);
     EXPECT_EQ(f.surface.calls, r.tried);
@@ -115,9 +108,7 @@ TEST(DrawStereoPlot, AStopKeepsWhatWasDrawn) {
   f.s.grid = 0;
   f.s.divx = f.s.divy = f.s.divz = 10;
   StopCheck inMesh([&] { return f.surface.calls >= 4; }, StopCheck::Clock::duration::zero());
-  StereoPlot plot = f.plot();
-  plot.stop = &inMesh;
-  EXPECT_FALSE(DrawStereoPlot(f.left, f.right, plot));
+  EXPECT_FALSE(DrawStereoPlot(f.left, f.right, f.plot(&inMesh)));
   EXPECT_EQ(f.surface.calls, 4);
   EXPECT_EQ(callsOf(f.right, K::Line).size(), 3u + 2);  // the axes and the first curve
 
@@ -125,9 +116,7 @@ TEST(DrawStereoPlot, AStopKeepsWhatWasDrawn) {
   g.s.grid = 2147483647;
   int asks = 0;
   StopCheck inReferenceLines([&] { return ++asks >= 1000; }, StopCheck::Clock::duration::zero());
-  StereoPlot gPlot = g.plot();
-  gPlot.stop = &inReferenceLines;
-  EXPECT_FALSE(DrawStereoPlot(g.left, g.right, gPlot));
+  EXPECT_FALSE(DrawStereoPlot(g.left, g.right, g.plot(&inReferenceLines)));
   EXPECT_EQ(callsOf(g.left, K::Line).size(), 999u);
   EXPECT_EQ(callsOf(g.right, K::Line).size(), 0u);
   EXPECT_EQ(g.surface.calls, 0);
@@ -164,16 +153,12 @@ TEST(DrawStereoPlot, AppearanceDataMarksAndAWindowWithoutWidth) {
   EXPECT_TRUE(marks[1].x == 21 && marks[1].y == 22 && marks[1].z == 24);
   EXPECT_TRUE(DataMarksFrom(5, 1, X).empty());
   EXPECT_TRUE(DataMarksFrom(0, 2, X).empty());
-  for (float gy : {-2.0f, std::numeric_limits<float>::infinity()}) {
-    StereoSettings w;
-    w.windowgy = gy;
-    w.delwindy = w.windowgy - w.windowly;
-    testing::LambdaSurface surface;
-    SurfaceParameters uv;
-    DotGenerator random(1);
-    RecordingCanvas l(400, 400), r(400, 400);
-    EXPECT_NO_THROW(DrawStereoPlot(l, r, StereoPlot{w, surface, uv, random, {}, true, nullptr}));
-    EXPECT_EQ(l.size(), 0u);
+  for (float gy : {-2.0f, std::numeric_limits<float>::infinity()}) {  // a window without width
+    Fixture g;
+    g.s.windowgy = gy;
+    g.s.delwindy = g.s.windowgy - g.s.windowly;
+    EXPECT_NO_THROW(DrawStereoPlot(g.left, g.right, g.plot()));
+    EXPECT_EQ(g.left.size(), 0u);
   }
 }
 

@@ -2,6 +2,8 @@
 // Test doubles for the stereo routines: a table-driven expression reader, a surface of
 // lambdas (one per formula text) and a recording picture that can save a stand-in file.
 
+#include <algorithm>
+#include <cmath>
 #include <fstream>
 #include <functional>
 #include <map>
@@ -41,6 +43,11 @@ class LambdaSurface : public SurfaceEvaluator {
     return it->second(x, y, u, v);
   }
 };
+
+// Each value within 1e-5 of the one expected.
+inline bool near(const std::vector<float>& got, const std::vector<float>& expected) {
+  return std::ranges::equal(got, expected, [](float a, float b) { return std::fabs(a - b) < 1e-5f; });
+}
 
 inline std::vector<CanvasCall> callsOf(const RecordingCanvas& c, CanvasCall::Kind kind) {
   std::vector<CanvasCall> out;
