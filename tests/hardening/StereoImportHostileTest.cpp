@@ -1,5 +1,5 @@
 // Stereo files no one should have to import: garbage, huge lines, absurd counts (values
-// that are not numbers: StereoExportTest). Each ends in a status and a short message
+// that are not numbers: StereoOutputTest). Each ends in a status and a short message
 // naming the line; an incompatible file changes nothing.
 
 #include <gtest/gtest.h>

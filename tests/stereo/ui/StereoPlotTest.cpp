@@ -183,7 +183,7 @@ class StereoPlotTest : public QObject {
   }
 
   // The derivative chosen, its accuracy and the constants reach the picture (their
-  // numbers: PartialDerivativesTest, UserConstantsTest). Near the domain's end the
+  // numbers: StereoDrawingTest, UserConstantsTest). Near the domain's end the
   // five-point formula reaches beyond it where the three-point one ("Med") does not.
   void derivativesAndConstantsReachThePicture() {
     Fixture f;
@@ -213,7 +213,7 @@ class StereoPlotTest : public QObject {
     QVERIFY(f.messages().isEmpty());
   }
 
-  // Leaving a field (the rules: StereoSettingsTest): refused entries keep the focus,
+  // Leaving a field (the rules: StereoFieldsTest): refused entries keep the focus,
   // inverted pairs send it to the other limit.
   void fieldRules() {
     const char* rows[][3] = {{"txtSpacexu", "2.5", "txtSpacexu"},  {"txtNdots", "1", "cmdAddCons"},
@@ -236,7 +236,7 @@ class StereoPlotTest : public QObject {
     }
   }
 
-  // The file's lines are StereoExport's (StereoExportTest); here, the fields that go in
+  // The file's lines are StereoExport's (StereoOutputTest); here, the fields that go in
   // and come back, and a file this window did not write is replaced only when asked.
   // A refused file is said, the fields read before the fault stay, the window keeps no name.
   void exportThenImportRestoresTheSettings() {
@@ -306,7 +306,7 @@ class StereoPlotTest : public QObject {
 
   // The window yields while it draws (three looks at the events per plot: after sizing,
   // before the surface, between the families; during a long surface every 20 ms). A plot,
-  // a zoom (through the buttons' table; the codes: ViewControlsTest) and an export
+  // a zoom (through the buttons' table; the codes: StereoFieldsTest) and an export
   // arriving then wait for the plot to end. Esc stops the plot at its next look: what it
   // drew stays, it says so and does not beep, and the plot asked for meanwhile is not
   // drawn. A close stops the plot, and the window goes after it.
@@ -396,7 +396,7 @@ class StereoPlotTest : public QObject {
       QCOMPARE(f.texts({"txtXrot", "txtYrot", "txtZrot"}), QStringList({"0", "-5", "-10"}));
       QCOMPARE(f.dialogs.beeps(), 1);
       QVERIFY(f.find<QLabel>("lblPlotStatus")->text().isEmpty());
-      // The zooms themselves: ViewControlsTest; here, whole notches of 120.
+      // The zooms themselves: StereoFieldsTest; here, whole notches of 120.
       for (const auto& [delta, upperX] : {std::pair{60, "2.5"}, {60, "1.25"}, {-240, "5"}}) {
         f.wheel(r.picture, delta);
         QCOMPARE(f.textOf("txtWindowgx"), QString(upperX));
@@ -414,7 +414,7 @@ class StereoPlotTest : public QObject {
     Fixture f;
     f.click("cmdPlot");
     const QImage left = f.image(0), right = f.image(1);
-    f.trigger("mnuPrint");  // the page's layout: StereoReportTest
+    f.trigger("mnuPrint");  // the page's layout: StereoOutputTest
     const std::vector<std::string> parallelText = f.dialogs.printer().texts();
     f.dialogs.queueSaveFileName(dir.filePath("parallel.dup").toStdString());
     f.trigger("mnuSaveAs");
