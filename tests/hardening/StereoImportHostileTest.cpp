@@ -67,7 +67,8 @@ TEST(StereoImportHostile, TenMegabyteLinesGiveAShortMessage) {
     EXPECT_LT(test::largestAllocation(), size_t{64} << 20);
   }
   // A 10 MB equation is text like any other: read whole.
-  const StereoImport longEquation = parse("\"STEREO\",0\r\n\"" + text + "\"\r\n" + kHead.substr(kHead.find("2,0,0.5")) + "0\r\n");
+  const StereoImport longEquation =
+      parse("\"STEREO\",0\r\n\"" + text + "\"\r\n" + kHead.substr(kHead.find("2,0,0.5")) + "0\r\n");
   EXPECT_EQ(longEquation.status, ImportStatus::Ok) << longEquation.message.substr(0, 300);
   EXPECT_EQ(longEquation.fields.equationZ.size(), text.size());
 }

@@ -291,7 +291,8 @@ TEST(RotatePoint, QuarterTurnsAboutEachAxisInOrderXYZ) {
     const ViewTransform view = MakeViewTransform(s);
     Point3 three;
     RotatePoint(view, r.in.x, r.in.y, r.in.z, three.x, three.y, three.z);
-    EXPECT_TRUE(near({three.x, three.y, three.z}, {r.out.x, r.out.y, r.out.z})) << r.xrot << " " << r.yrot << " " << r.zrot << " " << r.ztr;
+    EXPECT_TRUE(near({three.x, three.y, three.z}, {r.out.x, r.out.y, r.out.z}))
+        << r.xrot << " " << r.yrot << " " << r.zrot << " " << r.ztr;
     Point3 inPlace = r.in;  // the in-place form does the same arithmetic
     RotatePoint(view, inPlace);
     EXPECT_TRUE(inPlace.x == three.x && inPlace.y == three.y && inPlace.z == three.z);

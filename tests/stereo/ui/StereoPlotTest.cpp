@@ -304,12 +304,10 @@ class StereoPlotTest : public QObject {
     QVERIFY(g.dialogs.fileDialogs().size() == 3);
   }
 
-  // The window yields while it draws (three looks at the events per plot: after sizing,
-  // before the surface, between the families; during a long surface every 20 ms). A plot,
-  // a zoom (through the buttons' table; the codes: StereoFieldsTest) and an export
-  // arriving then wait for the plot to end. Esc stops the plot at its next look: what it
-  // drew stays, it says so and does not beep, and the plot asked for meanwhile is not
-  // drawn. A close stops the plot, and the window goes after it.
+  // The window yields while it draws (after sizing, before the surface, between the
+  // families, every 20 ms of a long surface). A plot, a zoom and an export asked for then
+  // wait for it to end. Esc stops it at its next look: what it drew stays, it says so
+  // without a beep, and the plot asked for meanwhile is not drawn. A close stops it too.
   void commandsDuringAPlotWaitEscStopsItCloseEndsIt() {
     QTemporaryDir dir;
     const QString path = dir.filePath("later.dup");
