@@ -17,6 +17,7 @@
 #include "platform/ScriptedDialogs.h"
 #include "platform/ui/PictureBox.h"
 #include "platform/ui/TextBox.h"
+#include "regression/RegressionTestSupport.h"
 #include "regression/Workbench.h"
 #include "stereo/ui/frmStereoPlot.h"
 
@@ -59,14 +60,7 @@ struct Fixture {
   explicit Fixture(bool fitted = true) {
     workbench.fitted = fitted;
     workbench.startDirectory = "/nonexistent/start";
-    // Two variables, three data sets: (1, 1, 0.5), (-1, 0.5, -1), (0, 0, 1).
-    RegressionProblem& p = workbench.problem;
-    p.m = 2;
-    p.N = 3;
-    p.dimensionData();
-    const double data[3][3] = {{1, 1, 0.5}, {-1, 0.5, -1}, {0, 0, 1}};
-    for (int i = 1; i <= 3; ++i)
-      for (int j = 1; j <= 3; ++j) p.X(j, i) = data[i - 1][j - 1];
+    workbench.problem = testing::makeProblem(2, {{1, 1, 0.5}, {-1, 0.5, -1}, {0, 0, 1}});
     form = std::make_unique<frmStereoPlot>(workbench, dialogs);
   }
 
