@@ -150,7 +150,6 @@ TEST(ZoomView, CodesOnTheDefaultWindow) {
       {kPanDown, {"-2.5", "2.5", "-2", "2", "-1.875", "1.125"}},
       {kPanIn, {"-3.125", "1.875", "-2", "2", "-1.5", "1.5"}},
       {kPanOut, {"-1.875", "3.125", "-2", "2", "-1.5", "1.5"}},
-      {16, {"-2.5", "2.5", "-2", "2", "-1.5", "1.5"}},
   };
   for (const auto& [code, expected] : rows) {
     StereoFields f;

@@ -146,17 +146,13 @@ class StereoPlotTest : public QObject {
   // points out); a setting without value is said and the plot goes on with the one it
   // had; Enter in the formula's field plots.
   void errorsAreSaidOncePerPlot() {
-    const struct {
-      const char* equation;
-      int messagesPerPlot;
-    } rows[] = {{"q*x", 1}, {"1/(x-x)", 0}, {"Asin(2+x)", 0}};
-    for (const auto& r : rows) {
+    for (const auto& [equation, messagesPerPlot] : {std::pair{"q*x", 1}, {"1/(x-x)", 0}, {"Asin(2+x)", 0}}) {
       Fixture f;
-      f.set("txtEquationZ", r.equation);
+      f.set("txtEquationZ", equation);
       f.find<QCheckBox>("chkDots")->setChecked(true);
       f.click("cmdPlot");
       f.click("cmdPlot");
-      QCOMPARE(f.messages().size(), 2 * r.messagesPerPlot);
+      QCOMPARE(f.messages().size(), 2 * messagesPerPlot);
       QCOMPARE(f.dialogs.beeps(), 2);
       QCOMPARE(countPixels(f.image(1), kBlack), 0);  // no surface, the rest as usual
     }
