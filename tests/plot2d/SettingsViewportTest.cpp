@@ -90,7 +90,6 @@ TEST(Zoom, WorksInSinglePrecision) {
   Texts t = zoomTexts(5, "0.1", "0.7", "0", "1");
   EXPECT_EQ(t, (Texts{"0.25", "0.55", "0.25", "0.75"}));
   EXPECT_EQ(zoomTexts(0, t[0], t[1], t[2], t[3]), (Texts{"0.09999999", "0.7", "0", "1"}));
-  EXPECT_THROW(zoomTexts(0, "3e38", "3.4e38", "0", "1"), RuntimeError);
 }
 
 // The wheel and the drag from [-10, 10] x [-5, 5] with divisions 1 and 1: 20 across

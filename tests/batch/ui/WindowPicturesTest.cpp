@@ -1,7 +1,6 @@
-// What orvane-batch writes against the windows themselves: a file pair saved by
-// "fit --save" opened by the regression window, and the pictures of the 2-D study
-// window and the stereo window opened on the same regression and plotted as they
-// open, against the tool run on the same data file at the windows' picture sizes.
+// What orvane-batch writes against the windows themselves: a pair saved by "fit --save"
+// opened by the regression window; the study's texts and the pictures of the 2-D and
+// stereo windows against the tool's on the same data.
 
 #include <QAction>
 #include <QImage>
