@@ -56,17 +56,17 @@ struct Window {
 
 const Window kWindows[] = {
     {"ordinary", window(-5, 5, -3, 3), 0},
-    {"zero width", window(2, 2, -3, 3), kAnyError},
-    {"zero height", window(-5, 5, 1, 1), kAnyError},
-    {"inverted x", window(5, -5, -3, 3), kAnyError},
-    {"inverted y", window(-5, 5, 3, -3), kAnyError},
-    {"inverted both", window(5, -5, 3, -3), kAnyError},
-    {"whole single range", window(-kMax, kMax, -kMax, kMax), kAnyError},
-    {"tiny", window(1, 1 + 1e-6f, 1, 1 + 1e-6f), kAnyError},
-    {"far away", window(1e30f, 1e30f * 1.0000001f, -1, 1), kAnyError},
-    {"denormal", window(0, 1e-44f, 0, 1e-44f), kAnyError},
-    {"picture without width", window(-5, 5, -3, 3), kAnyError, 0},
-    {"picture and window without width", window(1, 1, -3, 3), kAnyError, 0},
+    {"zero width", window(2, 2, -3, 3), err::InvalidCall},
+    {"zero height", window(-5, 5, 1, 1), err::InvalidCall},
+    {"inverted x", window(5, -5, -3, 3), 0},
+    {"inverted y", window(-5, 5, 3, -3), 0},
+    {"inverted both", window(5, -5, 3, -3), 0},
+    {"whole single range", window(-kMax, kMax, -kMax, kMax), err::Overflow},
+    {"tiny", window(1, 1 + 1e-6f, 1, 1 + 1e-6f), 0},
+    {"far away", window(1e30f, 1e30f * 1.0000001f, -1, 1), 0},
+    {"denormal", window(0, 1e-44f, 0, 1e-44f), 0},
+    {"picture without width", window(-5, 5, -3, 3), err::DivisionByZero, 0},
+    {"picture and window without width", window(1, 1, -3, 3), err::Overflow, 0},
 };
 
 // Nothing is drawn before the set-up's error.
