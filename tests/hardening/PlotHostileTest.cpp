@@ -75,10 +75,9 @@ void plotOnce(const char* fwhat, const std::function<double(double)>& fn, const 
   testing::Evaluated f(fn);
   RecordingCanvas picture;
   const double xs[] = {0, 1, 2}, ys[] = {1e300, -1e300, -1};
-  const PlotRequest request{.setup = w.setup,
-                            .options = {.shade = true, .labelWindow = true, .labelDivisions = true,
-                                        .derivative = derivative, .xlower = w.setup.windowlx, .xupper = w.setup.windowgx},
-                            .width = w.width, .height = 6000, .dataX = xs, .dataY = ys, .bands = {}};
+  const PlotOptions options{.shade = true, .labelWindow = true, .labelDivisions = true, .derivative = derivative,
+                            .xlower = w.setup.windowlx, .xupper = w.setup.windowgx};
+  const PlotRequest request{w.setup, options, w.width, 6000, xs, ys, {}};
   int32_t error = 0;
   try {
     drawPlot(picture, f.d, request);
