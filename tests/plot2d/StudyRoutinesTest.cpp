@@ -189,11 +189,10 @@ TEST(LongWork, StopsAtTheNextEvaluationKeepingWhatWasFound) {
   const auto stopsKeeping = [&](const char* name, size_t found, auto command) {
     SCOPED_TRACE(name);
     int calls = 0;
-    LambdaFunction f([&](double x) { return ++calls, (x - 1) * (x - 2) * (x - 3); });
-    DerivativeEvaluator d(f);
+    testing::Evaluated e([&](double x) { return ++calls, (x - 1) * (x - 2) * (x - 3); });
     StopCheck stop([&] { return calls >= kStopAt; }, StopCheck::Clock::duration::zero());
-    d.setStopCheck(&stop);
-    const auto result = command(d);
+    e.d.setStopCheck(&stop);
+    const auto result = command(e.d);
     EXPECT_EQ(calls, kStopAt);
     EXPECT_EQ(result.label, "Interrupted");
     EXPECT_TRUE(result.interrupted);
@@ -211,15 +210,14 @@ TEST(LongWork, StopsAtTheNextEvaluationKeepingWhatWasFound) {
 TEST(LongWork, ASlowFormulaIsAskedEveryFewEvaluations) {
   int calls = 0;
   std::vector<int> askedAt;
-  LambdaFunction f([&](double x) {
+  testing::Evaluated e([&](double x) {
     ++calls;
     std::this_thread::sleep_for(std::chrono::milliseconds(2));
     return x;
   });
-  DerivativeEvaluator d(f);
   StopCheck stop([&] { return askedAt.push_back(calls), askedAt.size() == 4; });
-  d.setStopCheck(&stop);
-  EXPECT_EQ(integrate(d, study(0, 1, 1 << 20, 1e-12, 30)).label, "Interrupted");
+  e.d.setStopCheck(&stop);
+  EXPECT_EQ(integrate(e.d, study(0, 1, 1 << 20, 1e-12, 30)).label, "Interrupted");
   ASSERT_EQ(askedAt.size(), 4u);
   EXPECT_EQ(calls, askedAt.back());
   for (size_t i = 0; i < askedAt.size(); ++i) EXPECT_LE(askedAt[i] - (i ? askedAt[i - 1] : 0), 11) << i;
