@@ -1,9 +1,7 @@
 // The 2-D plot with functions that never give a usable value and with windows no one
-// means to reach (zero or inverted extent, the ends of the single range) through the
-// zoom buttons and click-to-centre. A plot either draws or is abandoned with the
-// set-up's error; it never hangs, crashes, or draws at a coordinate that is
-// not a number. The set-up's errors: 5 for a window without extent (the picture's scale
-// refuses it), 6 for one beyond the single range, 11 for a division by zero.
+// means to reach (zero or inverted extent, the ends of the single range), also through
+// the zoom buttons and click-to-centre. A plot draws or is abandoned with the set-up's
+// error (5, 6 or 11); it never hangs, crashes, or draws at a coordinate that is no number.
 
 #include <gtest/gtest.h>
 
@@ -14,10 +12,7 @@
 #include <vector>
 
 #include "platform/NumberText.h"
-#include "platform/RecordingCanvas.h"
-#include "platform/RuntimeError.h"
-#include "plot2d/Derivatives.h"
-#include "plot2d/FunctionOfX.h"
+#include "plot2d/Plot2dTestDoubles.h"
 #include "plot2d/PlotDrawing.h"
 #include "plot2d/Viewport.h"
 
@@ -49,41 +44,51 @@ PlotSetup window(float lx, float gx, float ly, float gy) {
   return {lx, gx, ly, gy, 0, 0, (gx - lx) / 4, (gy - ly) / 4, 15};
 }
 
-const std::pair<const char*, PlotSetup> kWindows[] = {
-    {"ordinary", window(-5, 5, -3, 3)},
-    {"zero width", window(2, 2, -3, 3)},
-    {"zero height", window(-5, 5, 1, 1)},
-    {"inverted x", window(5, -5, -3, 3)},
-    {"inverted y", window(-5, 5, 3, -3)},
-    {"inverted both", window(5, -5, 3, -3)},
-    {"whole single range", window(-kMax, kMax, -kMax, kMax)},
-    {"tiny", window(1, 1 + 1e-6f, 1, 1 + 1e-6f)},
-    {"far away", window(1e30f, 1e30f * 1.0000001f, -1, 1)},
-    {"denormal", window(0, 1e-44f, 0, 1e-44f)},
+// A window and the set-up's error for it (kAnyError: none or one of the three), on a
+// picture of 9000 x 6000 screen units unless given.
+constexpr int32_t kAnyError = -1;
+struct Window {
+  const char* what;
+  PlotSetup setup;
+  int32_t error;
+  float width = 9000;
 };
 
-void plotOnce(const char* fwhat, const std::function<double(double)>& fn, const char* wwhat, const PlotSetup& setup,
-              int derivative) {
-  SCOPED_TRACE(std::string(fwhat) + " in " + wwhat + ", derivative " + std::to_string(derivative));
-  LambdaFunction f(fn);
-  DerivativeEvaluator d(f);
+const Window kWindows[] = {
+    {"ordinary", window(-5, 5, -3, 3), 0},
+    {"zero width", window(2, 2, -3, 3), err::InvalidCall},
+    {"zero height", window(-5, 5, 1, 1), err::InvalidCall},
+    {"inverted x", window(5, -5, -3, 3), 0},
+    {"inverted y", window(-5, 5, 3, -3), 0},
+    {"inverted both", window(5, -5, 3, -3), 0},
+    {"whole single range", window(-kMax, kMax, -kMax, kMax), err::Overflow},
+    {"tiny", window(1, 1 + 1e-6f, 1, 1 + 1e-6f), 0},
+    {"far away", window(1e30f, 1e30f * 1.0000001f, -1, 1), 0},
+    {"denormal", window(0, 1e-44f, 0, 1e-44f), 0},
+    {"picture without width", window(-5, 5, -3, 3), err::DivisionByZero, 0},
+    {"picture and window without width", window(1, 1, -3, 3), err::Overflow, 0},
+};
+
+// Nothing is drawn before the set-up's error.
+void plotOnce(const char* fwhat, const std::function<double(double)>& fn, const Window& w, int derivative) {
+  SCOPED_TRACE(std::string(fwhat) + " in " + w.what + ", derivative " + std::to_string(derivative));
+  testing::Evaluated f(fn);
   RecordingCanvas picture;
-  PlotRequest request;
-  request.setup = setup;
-  request.options = {.shade = true, .labelWindow = true, .labelDivisions = true, .derivative = derivative,
-                     .xlower = setup.windowlx, .xupper = setup.windowgx};
-  request.width = 9000;
-  request.height = 6000;
-  const double xs[] = {0, 1, 2};
-  const double ys[] = {1e300, -1e300, -1};
-  request.dataX = xs;
-  request.dataY = ys;
+  const double xs[] = {0, 1, 2}, ys[] = {1e300, -1e300, -1};
+  const PlotOptions options{.shade = true, .labelWindow = true, .labelDivisions = true, .derivative = derivative,
+                            .xlower = w.setup.windowlx, .xupper = w.setup.windowgx};
+  const PlotRequest request{w.setup, options, w.width, 6000, xs, ys, {}};
+  int32_t error = 0;
   try {
-    drawPlot(picture, d, request);
+    drawPlot(picture, f.d, request);
   } catch (const RuntimeError& e) {
-    EXPECT_TRUE(e.number() == err::InvalidCall || e.number() == err::Overflow || e.number() == err::DivisionByZero)
-        << e.number();
+    error = e.number();
+    EXPECT_EQ(picture.size(), 0u);
   }
+  if (w.error == kAnyError)
+    EXPECT_TRUE(!error || error == err::InvalidCall || error == err::Overflow || error == err::DivisionByZero) << error;
+  else
+    EXPECT_EQ(error, w.error);
   EXPECT_LT(picture.size(), 200000u);  // a bounded number of strokes
   for (size_t i = 0; i < picture.size(); ++i) {
     const CanvasCall& c = picture[i];
@@ -95,8 +100,8 @@ void plotOnce(const char* fwhat, const std::function<double(double)>& fn, const 
 
 TEST(PlotHostile, FunctionsWithoutUsableValuesInEveryWindow) {
   for (const Function& f : kFunctions)
-    for (const auto& [what, setup] : kWindows)
-      for (int derivative : {0, 1, 2, 3}) plotOnce(f.what, f.f, what, setup, derivative);
+    for (const Window& w : kWindows)
+      for (int derivative : {0, 1, 2, 3}) plotOnce(f.what, f.f, w, derivative);
 }
 
 // The window reached by a zoom or a click, as the fields hold it, plotted; fields that
@@ -104,7 +109,7 @@ TEST(PlotHostile, FunctionsWithoutUsableValuesInEveryWindow) {
 void plotFields(const std::array<std::string, 4>& texts, const char* what) {
   try {
     const PlotSetup reached = readPlotSetup({texts[0], texts[1], texts[2], texts[3], "0", "0", "1", "1", "15"});
-    plotOnce("ordinary", ordinary, what, reached, 0);
+    plotOnce("ordinary", ordinary, {what, reached, kAnyError}, 0);
   } catch (const RuntimeError& e) {
     EXPECT_EQ(e.number(), err::Overflow);
   }
@@ -114,7 +119,7 @@ void plotFields(const std::array<std::string, 4>& texts, const char* what) {
 // the window's corners and beyond: the texts stay numbers the fields can read back, and
 // a plot of the window reached is drawn or abandoned cleanly.
 TEST(PlotHostile, ZoomAndCentreFromDegenerateWindows) {
-  for (const auto& [what, setup] : kWindows) {
+  for (const auto& [what, setup, error, width] : kWindows) {
     for (int code = 0; code <= 13; ++code) {
       SCOPED_TRACE(std::string(what) + ", zoom " + std::to_string(code));
       std::array<std::string, 4> texts = {formatSingle(setup.windowlx), formatSingle(setup.windowgx),

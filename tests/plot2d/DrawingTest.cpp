@@ -27,10 +27,9 @@ PlotRequest tinyRequest(bool fitted = true) {
 
 // Every call described, texts by their text.
 Calls plot(const PlotRequest& r, double (*f)(double)) {
-  LambdaFunction fn(f);
-  DerivativeEvaluator d(fn);
+  testing::Evaluated fn(f);
   RecordingCanvas picture(200, 150);
-  drawPlot(picture, d, r);
+  drawPlot(picture, fn.d, r);
   Calls out;
   for (size_t i = 0; i < picture.size(); ++i)
     out.push_back(picture[i].kind == CanvasCall::Kind::Text ? "text " + picture[i].text : picture.describe(i));
@@ -74,7 +73,6 @@ TEST(PlotDriver, CurvePieces) {
   }
 }
 
-// Shading of the study interval, and the lines at its ends.
 TEST(PlotDriver, ShadingAndIntervalEnds) {
   PlotRequest r = tinyRequest(false);
   r.options = {.shade = true, .xlower = -0.5, .xupper = 0.5};
@@ -108,12 +106,11 @@ TEST(PlotDriver, AStopEndsOnlyTheEvaluatingParts) {
     PlotRequest r = tinyRequest();
     if (c.shade) r.options = {.shade = true, .fittedFunction = true, .xlower = -0.5, .xupper = 0.5};
     int calls = 0;
-    LambdaFunction fn([&](double x) { return ++calls, x; });
-    DerivativeEvaluator d(fn);
+    testing::Evaluated fn([&](double x) { return ++calls, x; });
     StopCheck stop([&] { return calls >= c.stopAt; }, StopCheck::Clock::duration::zero());
-    d.setStopCheck(&stop);
+    fn.d.setStopCheck(&stop);
     RecordingCanvas picture(200, 150);
-    EXPECT_TRUE(drawPlot(picture, d, r).interrupted);
+    EXPECT_TRUE(drawPlot(picture, fn.d, r).interrupted);
     EXPECT_EQ(calls, c.stopAt);
     const Calls all = picture.describeAll();
     EXPECT_TRUE(matching(matching(all, "line"), "#FF0000").empty());  // no interval-end line
@@ -169,35 +166,6 @@ TEST(DivisionLabel, WholeSpacingsKeepTheIntegerFormOthersShowTheirDecimals) {
     for (int k = 0; k < 40; ++k, at += spacing) texts.push_back(divisionLabel(at, spacing, false));
     std::sort(texts.begin(), texts.end());
     EXPECT_EQ(std::adjacent_find(texts.begin(), texts.end()), texts.end()) << "every " << spacing;
-  }
-}
-
-// A window the picture cannot take is refused before the first stroke.
-TEST(Viewport, WindowsThatCannotBeDrawnAreRefused) {
-  const struct {
-    PlotSetup setup;
-    float width;
-    int32_t error;
-  } bad[] = {
-      {{-1, 1, -1, 1, 0, 0, 1, 1, 10}, 0, err::DivisionByZero},
-      {{1, 1, -1, 1, 0, 0, 1, 1, 10}, 0, err::Overflow},
-      {{-3e38f, 3e38f, -1, 1, 0, 0, 1, 1, 10}, 100, err::Overflow},
-  };
-  for (const auto& c : bad) {
-    RecordingCanvas p;
-    LambdaFunction f([](double x) { return x; });
-    DerivativeEvaluator d(f);
-    PlotRequest r;
-    r.setup = c.setup;
-    r.width = c.width;
-    r.height = 100;
-    try {
-      drawPlot(p, d, r);
-      ADD_FAILURE() << "plotted";
-    } catch (const RuntimeError& e) {
-      EXPECT_EQ(e.number(), c.error);
-    }
-    EXPECT_EQ(p.size(), 0u);
   }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 // Test doubles for the 2-D routines: formulas that fail where real ones would, a function
-// that logs where it was evaluated, and a recording picture that can save a stand-in file.
+// that logs where it was evaluated, a function with the evaluator the routines take, and
+// a recording picture that can save a stand-in file.
 
 #include <cmath>
 #include <fstream>
@@ -10,6 +11,7 @@
 
 #include "platform/RecordingCanvas.h"
 #include "platform/RuntimeError.h"
+#include "plot2d/Derivatives.h"
 #include "plot2d/FunctionOfX.h"
 
 namespace orvane::testing {
@@ -25,6 +27,14 @@ class LoggedFunction final : public FunctionOfX {
 
  private:
   std::function<double(double)> fn_;
+};
+
+// f(x) and its evaluator in one, for routines that take the evaluator.
+struct Evaluated {
+  explicit Evaluated(std::function<double(double)> fn) : f(std::move(fn)) {}
+  Evaluated(const Evaluated&) = delete;  // d would read the other's f
+  LambdaFunction f;
+  DerivativeEvaluator d{f};
 };
 
 inline double reciprocal(double x) {

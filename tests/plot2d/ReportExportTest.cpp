@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -31,17 +33,9 @@ StudyResults someResults() {
 }
 
 StudyReportInput reportInput(bool graph) {
-  StudyReportInput in;
-  in.equation = "x^2-2";
-  in.constants = {"a=2.37"};
-  in.xlower = -2;
-  in.xupper = 2;
-  in.subintervals = "128";
-  in.maxcy = "7";
-  in.error = ".01";
-  in.plotted = {0, PlotSetup{-3, 3, -2.5f, 4.5f, 0, 0, 1, 0.5f, 10}};
-  in.graphDrawn = graph;
-  return in;
+  return {.graphDrawn = graph, .plotted = {0, PlotSetup{-3, 3, -2.5f, 4.5f, 0, 0, 1, 0.5f, 10}},
+          .equation = "x^2-2", .constants = {"a=2.37"}, .xlower = -2, .xupper = 2,
+          .subintervals = "128", .maxcy = "7", .error = ".01"};
 }
 
 const Lines kSetup = {"", "PLOT SETUP:", "", "     AXES: [ 0 , 0 ]", "DIVISIONS: [ 1 , 0.5 ]",
@@ -114,29 +108,21 @@ TEST(StudyReport, TitleAndSetupDescribeTheGraphOnThePage) {
 
 class StudyExportTest : public ::testing::Test {
  protected:
-  void SetUp() override {
-    const auto* info = ::testing::UnitTest::GetInstance();
-    dir_ = std::filesystem::temp_directory_path() /
-           ("plot2d-export-" + std::to_string(info->random_seed()) + "-" + info->current_test_info()->name());
-    std::filesystem::remove_all(dir_);
-    std::filesystem::create_directories(dir_);
-    input_.study = {"x^2-2", "-2", "2", "128", ".01", "7", "Function"};
-    input_.plot = {"-3", "3", "-2.5", "4.5", "0", "0", "1", "0.5", "10"};
-    input_.constants = {"a=2.37", "b=1"};
-    path_ = (dir_ / "study.dat").string();
-  }
+  void SetUp() override { std::filesystem::create_directories(dir_); }
   void TearDown() override { std::filesystem::remove_all(dir_); }
-
   static std::string read(const std::string& p) {
-    std::ifstream in(p, std::ios::binary);
     std::stringstream s;
-    s << in.rdbuf();
+    s << std::ifstream(p, std::ios::binary).rdbuf();
     return s.str();
   }
 
-  std::filesystem::path dir_;
-  std::string path_;
-  StudyExportInput input_;
+  const std::filesystem::path dir_ = std::filesystem::temp_directory_path() /
+                                     ("plot2d-export-" + std::to_string(::getpid()) + "-" +
+                                      ::testing::UnitTest::GetInstance()->current_test_info()->name());
+  const std::string path_ = (dir_ / "study.dat").string();
+  StudyExportInput input_{{"x^2-2", "-2", "2", "128", ".01", "7", "Function"},
+                          {"-3", "3", "-2.5", "4.5", "0", "0", "1", "0.5", "10"},
+                          {"a=2.37", "b=1"}};
 };
 
 TEST_F(StudyExportTest, FileLinesAreExact) {

@@ -53,9 +53,7 @@ TEST(StudySettingsReader, ReadsLeadingNumbers) {
   EXPECT_EQ(s.n, 256);
   EXPECT_EQ(s.k, 3);
   t.derivative = "Function";
-  EXPECT_EQ(readStudySettings(t).k, 0);
-  t.subintervals = "1e10";
-  EXPECT_THROW(readStudySettings(t), RuntimeError);
+  EXPECT_EQ(readStudySettings(t).k, 0);  // a count beyond 32 bits: StudyCommands
   PlotSetupTexts p{"-1", "1", "-2", "2", "0.5", "x", "0.25", ".5", "12"};
   const PlotSetup setup = readPlotSetup(p);
   EXPECT_EQ(setup.xorigin, 0.5f);
@@ -90,7 +88,6 @@ TEST(Zoom, WorksInSinglePrecision) {
   Texts t = zoomTexts(5, "0.1", "0.7", "0", "1");
   EXPECT_EQ(t, (Texts{"0.25", "0.55", "0.25", "0.75"}));
   EXPECT_EQ(zoomTexts(0, t[0], t[1], t[2], t[3]), (Texts{"0.09999999", "0.7", "0", "1"}));
-  EXPECT_THROW(zoomTexts(0, "3e38", "3.4e38", "0", "1"), RuntimeError);
 }
 
 // The wheel and the drag from [-10, 10] x [-5, 5] with divisions 1 and 1: 20 across

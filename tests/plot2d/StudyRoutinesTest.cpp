@@ -62,21 +62,19 @@ TEST(RootFinder, Cases) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
-    LambdaFunction f(c.f);
-    DerivativeEvaluator d(f);
-    const RootResult r = findRoots(d, c.s);
+    testing::Evaluated e(c.f);
+    const RootResult r = findRoots(e.d, c.s);
     EXPECT_EQ(r.list, c.list);
     EXPECT_EQ(r.label, c.label);
     EXPECT_EQ(r.error, c.error);
     EXPECT_EQ(r.roots.size(), c.list.size());
-    EXPECT_EQ(d.steps().h, 1e-5);  // its own step, whatever the plot used
+    EXPECT_EQ(e.d.steps().h, 1e-5);  // its own step, whatever the plot used
   }
 }
 
 TEST(RootFinder, StopsAtTheTableSize) {
-  LambdaFunction f([](double x) { return std::sin(x); });  // 300 roots in the interval
-  DerivativeEvaluator d(f);
-  const RootResult r = findRoots(d, study(0.5, 300 * pi + 0.5, 8192, 1e-9));
+  testing::Evaluated sine([](double x) { return std::sin(x); });  // 300 roots in the interval
+  const RootResult r = findRoots(sine.d, study(0.5, 300 * pi + 0.5, 8192, 1e-9));
   EXPECT_EQ(r.error, err::SubscriptOutOfRange);
   EXPECT_FALSE(r.label.has_value());
   EXPECT_EQ(r.roots.size(), 255u);
@@ -95,8 +93,6 @@ TEST(ExtremaFinder, Cases) {
       {"x^3-3x: the zeros of the three-point slope (h = 0.0045), 1 - h^2/6 from +-1",
        [](double x) { return x * x * x - 3 * x; }, study(-2, 2, 64, 1e-9),
        {{-std::sqrt(1 - 0.0045 * 0.0045 / 3), true, false}, {std::sqrt(1 - 0.0045 * 0.0045 / 3), false, false}}},
-      {"sin over two periods", [](double x) { return std::sin(x); }, study(0, 4 * pi, 128, 1e-9),
-       {{pi / 2, true, false}, {1.5 * pi, false, false}, {2.5 * pi, true, false}, {3.5 * pi, false, false}}},
       {"cos: zero slope on the grid", [](double x) { return std::cos(x); }, study(0, 6, 64, 1e-9),
        {{0, true, false}, {pi, false, false}}},
       {"x^2 touching the axis: possible root", [](double x) { return x * x; }, study(-1, 2, 16, 1e-9),
@@ -104,13 +100,11 @@ TEST(ExtremaFinder, Cases) {
       {"just inside the tolerance", parabola(0.0079), study(0, 3, 16, 1e-9), {{1, false, true}}},
       {"just outside the tolerance", parabola(0.0081), study(0, 3, 16, 1e-9), {{1, false, false}}},
       {"a pole is no extremum", testing::reciprocal, study(-1, 1, 4, 1e-9), {}},
-      {"a straight line has none", [](double x) { return 2 * x + 1; }, study(-1, 1, 8, 1e-9), {}},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
-    LambdaFunction f(c.f);
-    DerivativeEvaluator d(f);
-    const ExtremaResult r = findExtrema(d, c.s);
+    testing::Evaluated e(c.f);
+    const ExtremaResult r = findExtrema(e.d, c.s);
     EXPECT_EQ(r.label, std::to_string(c.expected.size()) + " extrema");
     ASSERT_EQ(r.extrema.size(), c.expected.size());
     ASSERT_EQ(r.list.size(), c.expected.size());
@@ -151,15 +145,11 @@ TEST(Integrator, Cases) {
        std::nullopt, false},
   };
   for (const auto& c : cases) {
-    LambdaFunction f(c.f);
-    DerivativeEvaluator d(f);
-    const IntegralResult r = integrate(d, c.s);
+    testing::Evaluated e(c.f);
+    const IntegralResult r = integrate(e.d, c.s);
     EXPECT_EQ(r.label, c.label) << c.name;
     EXPECT_EQ(r.computed, c.computed) << c.name;
   }
-  LambdaFunction e([](double x) { return std::exp(x); });
-  DerivativeEvaluator d(e);
-  EXPECT_NEAR(integrate(d, study(0, 1, 4, 1e-10, 20)).value, std::exp(1.0) - 1, 1e-10);
 }
 
 TEST(Integrator, RefinesByHalvingAndReusesEveryValue) {
@@ -177,18 +167,17 @@ TEST(Integrator, RefinesByHalvingAndReusesEveryValue) {
 }
 
 TEST(StudyCommands, ReadTheFieldsInsideTheTrap) {
-  LambdaFunction f([](double x) { return x * x - 2; });
-  DerivativeEvaluator d(f);
+  testing::Evaluated e([](double x) { return x * x - 2; });
   StudyFieldTexts t{"x^2-2", "-2", "2", "100", "1e-10", "50", "Function"};
-  EXPECT_EQ(findRoots(d, t).label, "2 roots");
-  EXPECT_EQ(findExtrema(d, t).label, "1 extrema");
-  EXPECT_TRUE(integrate(d, t).computed);
+  EXPECT_EQ(findRoots(e.d, t).label, "2 roots");
+  EXPECT_EQ(findExtrema(e.d, t).label, "1 extrema");
+  EXPECT_TRUE(integrate(e.d, t).computed);
   t.maxcy = "1e12";  // beyond 32 bits
-  const RootResult roots = findRoots(d, t);
+  const RootResult roots = findRoots(e.d, t);
   EXPECT_EQ(roots.error, err::Overflow);
   EXPECT_FALSE(roots.label.has_value());
-  EXPECT_FALSE(findExtrema(d, t).label.has_value());
-  EXPECT_EQ(integrate(d, t).label, "overflow");
+  EXPECT_FALSE(findExtrema(e.d, t).label.has_value());
+  EXPECT_EQ(integrate(e.d, t).label, "overflow");
 }
 
 // Long work ends at the first evaluation after its owner says stop (Esc, the close box,
@@ -200,11 +189,10 @@ TEST(LongWork, StopsAtTheNextEvaluationKeepingWhatWasFound) {
   const auto stopsKeeping = [&](const char* name, size_t found, auto command) {
     SCOPED_TRACE(name);
     int calls = 0;
-    LambdaFunction f([&](double x) { return ++calls, (x - 1) * (x - 2) * (x - 3); });
-    DerivativeEvaluator d(f);
+    testing::Evaluated e([&](double x) { return ++calls, (x - 1) * (x - 2) * (x - 3); });
     StopCheck stop([&] { return calls >= kStopAt; }, StopCheck::Clock::duration::zero());
-    d.setStopCheck(&stop);
-    const auto result = command(d);
+    e.d.setStopCheck(&stop);
+    const auto result = command(e.d);
     EXPECT_EQ(calls, kStopAt);
     EXPECT_EQ(result.label, "Interrupted");
     EXPECT_TRUE(result.interrupted);
@@ -222,15 +210,14 @@ TEST(LongWork, StopsAtTheNextEvaluationKeepingWhatWasFound) {
 TEST(LongWork, ASlowFormulaIsAskedEveryFewEvaluations) {
   int calls = 0;
   std::vector<int> askedAt;
-  LambdaFunction f([&](double x) {
+  testing::Evaluated e([&](double x) {
     ++calls;
     std::this_thread::sleep_for(std::chrono::milliseconds(2));
     return x;
   });
-  DerivativeEvaluator d(f);
   StopCheck stop([&] { return askedAt.push_back(calls), askedAt.size() == 4; });
-  d.setStopCheck(&stop);
-  EXPECT_EQ(integrate(d, study(0, 1, 1 << 20, 1e-12, 30)).label, "Interrupted");
+  e.d.setStopCheck(&stop);
+  EXPECT_EQ(integrate(e.d, study(0, 1, 1 << 20, 1e-12, 30)).label, "Interrupted");
   ASSERT_EQ(askedAt.size(), 4u);
   EXPECT_EQ(calls, askedAt.back());
   for (size_t i = 0; i < askedAt.size(); ++i) EXPECT_LE(askedAt[i] - (i ? askedAt[i - 1] : 0), 11) << i;
@@ -254,24 +241,13 @@ TEST(BlockEvaluation, StudiesAgreeWithPointByPoint) {
     ExpressionEngine engine;
     Class1 sh;
     int32_t shared = 0;
-    std::vector<std::string> reported;
+    std::vector<std::pair<int32_t, int32_t>> reported;  // error number and column, in order
     Window() {
       sh.sharedError = &shared;
       RegisterMathObject(engine, sh);
-      engine.SetErrorHandler([this](const RuntimeError& e) {
-        reported.push_back(std::to_string(e.number()) + "@" + std::to_string(e.column()));
-      });
+      engine.SetErrorHandler([this](const RuntimeError& e) { reported.emplace_back(e.number(), e.column()); });
     }
-    // The error fields and the reports in order, runs of the same one counted.
-    std::string state() const {
-      std::string text = "ierr " + std::to_string(sh.ierr) + ", shared " + std::to_string(shared) + ", reported";
-      for (size_t i = 0, run = 1; i < reported.size(); ++i, ++run)
-        if (i + 1 == reported.size() || reported[i + 1] != reported[i]) {
-          text += " " + reported[i] + " x" + std::to_string(run);
-          run = 0;
-        }
-      return text;
-    }
+    auto state() const { return std::tie(sh.ierr, shared, reported); }
   };
   const struct {
     const char* formula;
@@ -284,7 +260,7 @@ TEST(BlockEvaluation, StudiesAgreeWithPointByPoint) {
       {"CInt(x*1e4)/1e4-0.25", study(-5, 5, 600)},       // overflow beyond 3.2767
       {"x*x-2+Exp(x*200)", study(-4, 4, 1000)},          // overflow on the right
       {"Sin(x)-undefinedName", study(-1, 1, 50)},         // an error that ends the scan
-      {"x^3-x", study(-2, 2, 3000)},                      // no failure at all
+      {"x^5-x", study(-2, 2, 3000)},                      // no failure at all
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.formula);

@@ -1,9 +1,7 @@
-// What orvane-batch writes against the windows themselves: a file pair saved by
-// "fit --save" opened by the regression window, and the pictures of the 2-D study
-// window and the stereo window opened on the same regression and plotted as they
-// open, against the tool run on the same data file at the windows' picture sizes.
+// What orvane-batch writes against the windows themselves: the study's texts and the
+// pictures of the 2-D and stereo windows against the tool's on the same data. (A pair
+// saved by "fit --save" opens with the same listing: RegressionCommandsTest.)
 
-#include <QAction>
 #include <QImage>
 #include <QLabel>
 #include <QLineEdit>
@@ -22,7 +20,6 @@
 #include "plot2d/ui/frmPlot.h"
 #include "regression/Solver.h"
 #include "regression/Workbench.h"
-#include "regression/ui/frmOrvane.h"
 #include "stereo/ui/frmStereoPlot.h"
 
 namespace orvane {
@@ -56,22 +53,6 @@ class WindowPicturesTest : public QObject {
   std::string path(const char* name) { return dir_.filePath(QString::fromLatin1(name)).toStdString(); }
 
  private slots:
-  void savedPairOpensInTheRegressionWindowWithTheSameListing() {
-    const std::string csv = path("data.csv");
-    testing::writeFile(csv, "\"yield\",temp,pressure\r\n1,2,3\r\n\r\n2,3,5\r\n3,5,7.5\r\n4,4,-1\r\n");
-    const std::string rule = path("saved.txt");
-    const QStringList listing = printed({"fit", csv, "--save", rule});
-    ScriptedDialogs dialogs;
-    frmOrvane window(dialogs);
-    dialogs.queueOpenFileName(rule);
-    window.findChild<QAction*>("mnuOpen")->trigger();
-    QVERIFY(dialogs.messages().empty());
-    QStringList shown;
-    auto* list = window.findChild<QListWidget*>("lstCoeff");
-    for (int i = 0; i < list->count(); ++i) shown << list->item(i)->text();
-    QCOMPARE(shown, listing);
-  }
-
   void studyPrintsWhatTheStudyWindowShows() {
     Workbench workbench;
     ScriptedDialogs dialogs;
