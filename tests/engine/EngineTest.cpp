@@ -166,7 +166,8 @@ TEST(Engine, ResetAndAddObject) {
   EXPECT_EQ(t.engine.Eval("other.x + x"), 9);  // a non-global object's members need the prefix
 }
 
-TEST(UserConstants, NameRules) {
+// What a typed entry may name, and where a redefinition and the 101st entry go.
+TEST(UserConstants, NameRulesRedefinitionAndTheLimitOf101) {
   const std::pair<const char*, bool> rows[] = {
       {"a=2.37", true}, {"a1=5", true}, {"Abc9=pi/2", true}, {"2a=1", false}, {"a b=1", false}, {"a_b=1", false},
       {" a=1", false},  {"=5", false},  {"abc", false},      {"\xC3\xA9=1", false},
@@ -176,9 +177,6 @@ TEST(UserConstants, NameRules) {
     EXPECT_EQ(list.Add(typed), accepted) << typed;
     EXPECT_EQ(list.numcon(), accepted ? 1 : 0) << typed;
   }
-}
-
-TEST(UserConstants, RedefinitionKeepsOneEntryAtTheEndWithin101) {
   UserConstants list;
   for (const char* typed : {"a=1", "b=2", "a=2"}) ASSERT_TRUE(list.Add(typed));
   EXPECT_EQ(list.entries(), (std::vector<std::string>{"b=2", "a=2"}));
@@ -193,7 +191,7 @@ TEST(UserConstants, RedefinitionKeepsOneEntryAtTheEndWithin101) {
   EXPECT_EQ(full.entries().back(), "c5=2");
 }
 
-TEST(UserConstants, RegisteredInListOrderRemovedAsZero) {
+TEST(UserConstants, RegisteredInListOrderRemovedAsZeroStoppedByABadEntry) {
   Engine t;
   UserConstants list;
   for (const char* typed : {"a=2.37", "b=2*a", "h=Asin(1)*2", "k=1"}) list.Add(typed);
@@ -208,18 +206,17 @@ TEST(UserConstants, RegisteredInListOrderRemovedAsZero) {
   EXPECT_EQ(EvaluateAt(t.engine, t.sh, "x+a", 3), 3);
   EXPECT_THROW(list.Remove(3, t.engine), RuntimeError);
   EXPECT_THROW(list.Remove(-1, t.engine), RuntimeError);
-}
 
-TEST(UserConstants, BadEntryStopsRegistrationThroughTheEngine) {
-  Engine t;
+  // A bad entry stops the registration, through the engine's handler, after the ones before it.
+  Engine fresh;
   std::vector<int32_t> reported;
-  t.engine.SetErrorHandler([&](const RuntimeError& e) { reported.push_back(e.number()); });
-  UserConstants list;
-  for (const char* typed : {"a=1", "c=1+", "d=3"}) list.Add(typed);
-  EXPECT_THROW(list.RegisterAll(t.engine), RuntimeError);
+  fresh.engine.SetErrorHandler([&](const RuntimeError& e) { reported.push_back(e.number()); });
+  UserConstants bad;
+  for (const char* typed : {"a=1", "c=1+", "d=3"}) bad.Add(typed);
+  EXPECT_THROW(bad.RegisterAll(fresh.engine), RuntimeError);
   EXPECT_EQ(reported, (std::vector<int32_t>{1023}));
-  EXPECT_EQ(t.engine.Eval("a"), 1);
-  EXPECT_THROW(t.engine.Eval("d"), RuntimeError);
+  EXPECT_EQ(fresh.engine.Eval("a"), 1);
+  EXPECT_THROW(fresh.engine.Eval("d"), RuntimeError);
 }
 
 const double halfpi = 1.5707963267948966;

@@ -71,19 +71,15 @@ int visibleWindows() {
   return count;
 }
 
-DecimalPoint::SeparatorSource separatorOf(std::string separator) {
-  return [separator] { return separator; };
-}
-
 // The program on its way up: dialogs of the given kind, a clock handing out `readings`,
-// and the user's separator.
+// and the user's separator (a copy: the program asks for it later).
 template <class Dialogs = ScriptedDialogs>
 struct Launch {
   Dialogs dialogs;
   ScriptedClock clock;
   SubMain subMain;
   explicit Launch(std::vector<double> readings = {}, const std::string& separator = ".")
-      : clock(std::move(readings)), subMain(dialogs, clock.clock(), separatorOf(separator)) {}
+      : clock(std::move(readings)), subMain(dialogs, clock.clock(), [separator] { return separator; }) {}
   frmOrvane* window() { return subMain.mainWindow(); }
   frmAbout* about() { return subMain.about(); }
   QAction* action(const char* name) { return subMain.mainWindow()->findChild<QAction*>(name); }
