@@ -96,7 +96,7 @@ inline Outcome expectBlockAgrees(Engine& t, const std::string& text, double x) {
 // The outcome of `text` at x, after checking that every way of getting it agrees, a block
 // of points among them.
 inline Outcome evalEveryWay(const std::string& text, double x) {
-  std::optional<Outcome> reference, pointReference;
+  Outcome firsts[2], atPoints[2];
   for (bool optimize : {true, false}) {
     SCOPED_TRACE(text + (optimize ? " (optimized)" : " (plain)"));
     Engine t(optimize), fresh(optimize);
@@ -112,18 +112,15 @@ inline Outcome evalEveryWay(const std::string& text, double x) {
     Outcome tried;
     tried.number = t.engine.TryEval(text, tried.value);
     expectSame(tried, first);
-    const Outcome atPoint = expectBlockAgrees(t, text, x);
-    if (!reference) {
-      reference = first;
-      pointReference = atPoint;
-      continue;
-    }
-    expectSame(first, *reference);
-    expectSame(atPoint, *pointReference);
-    EXPECT_EQ(std::tie(first.line, first.column, first.description),
-              std::tie(reference->line, reference->column, reference->description));
+    atPoints[optimize] = expectBlockAgrees(t, text, x);
+    firsts[optimize] = first;
   }
-  return *reference;
+  SCOPED_TRACE(text + " optimized against plain");
+  expectSame(firsts[true], firsts[false]);
+  expectSame(atPoints[true], atPoints[false]);
+  EXPECT_EQ(std::tie(firsts[true].line, firsts[true].column, firsts[true].description),
+            std::tie(firsts[false].line, firsts[false].column, firsts[false].description));
+  return firsts[true];
 }
 
 // {text, value, x}: the text evaluates to value at x.

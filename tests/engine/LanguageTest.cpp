@@ -128,14 +128,13 @@ TEST(Language, SyntaxErrorsCarryNumberAndPosition) {
   EXPECT_EQ(evalEveryWay(std::string(300, 'a'), 0).number, 1030);
 }
 
+// The fixed texts are tables of their own; a description that names the offending name
+// is put together here.
 TEST(Language, DescriptionsNameTheOffendingName) {
   const struct { const char *text, *description; } rows[] = {
-      {"Sqr(-1)", "Invalid procedure call or argument"}, {"1E308*10", "Overflow"}, {"1/0", "Division by zero"},
-      {"\"a\"*1", "Type mismatch"}, {"Foo", "Variable is undefined: 'Foo'"}, {"Foo(1)", "Type mismatch: 'Foo'"},
+      {"Foo", "Variable is undefined: 'Foo'"}, {"Foo(1)", "Type mismatch: 'Foo'"},
       {"Sin(1,2)", "Wrong number of arguments or invalid property assignment: 'Sin'"},
-      {"sh.Foo", "Object doesn't support this property or method: 'sh.Foo'"}, {"1 +", "Expected expression"},
-      {"(1", "Expected ')'"}, {"1 1", "Expected end of statement"}, {"#", "Invalid character"},
-      {"\"a", "Unterminated string constant"},
+      {"sh.Foo", "Object doesn't support this property or method: 'sh.Foo'"},
   };
   for (const auto& row : rows) EXPECT_EQ(evalEveryWay(row.text, 0).description, row.description) << row.text;
 }

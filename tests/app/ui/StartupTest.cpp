@@ -56,7 +56,6 @@ struct WatchingDialogs : ScriptedDialogs {
   }
 };
 
-// Calls back whenever a frmOrvane is shown.
 struct MainWindowShowWatcher : QObject {
   std::function<void()> onShow;
   explicit MainWindowShowWatcher(std::function<void()> f) : onShow(std::move(f)) { qApp->installEventFilter(this); }
@@ -72,19 +71,15 @@ int visibleWindows() {
   return count;
 }
 
-DecimalPoint::SeparatorSource separatorOf(std::string separator) {
-  return [separator] { return separator; };
-}
-
 // The program on its way up: dialogs of the given kind, a clock handing out `readings`,
-// and the user's separator.
+// and the user's separator (a copy: the program asks for it later).
 template <class Dialogs = ScriptedDialogs>
 struct Launch {
   Dialogs dialogs;
   ScriptedClock clock;
   SubMain subMain;
   explicit Launch(std::vector<double> readings = {}, const std::string& separator = ".")
-      : clock(std::move(readings)), subMain(dialogs, clock.clock(), separatorOf(separator)) {}
+      : clock(std::move(readings)), subMain(dialogs, clock.clock(), [separator] { return separator; }) {}
   frmOrvane* window() { return subMain.mainWindow(); }
   frmAbout* about() { return subMain.about(); }
   QAction* action(const char* name) { return subMain.mainWindow()->findChild<QAction*>(name); }
@@ -118,15 +113,25 @@ struct HelpDialogs : QtDialogs {
   }
 };
 
+// The texts of the help windows on screen.
+QStringList shownHelp() {
+  QStringList texts;
+  for (QWidget* window : QApplication::topLevelWidgets())
+    if (window->objectName() == "helpWindow" && window->isVisible())
+      texts << window->findChild<QTextBrowser*>()->toPlainText();
+  return texts;
+}
+
 }  // namespace
 }  // namespace orvane
 
 // An answer to the decimal-comma warning: the separator the system reports, the answer
-// given (-1: none asked), whether the program runs on, and whether the point is in force.
+// given (-1: none asked), whether the program runs on, whether the point is in force;
+// then the way out: by the Exit button or the close box, with the About box open or not.
 struct WarningCase {
   std::string separator;
   int answer;
-  bool runs, point;
+  bool runs, point, exitByButton = false, aboutOpen = false;
 };
 // The locale variables LC_ALL, LC_NUMERIC and LANG (empty: unset), and the separator they give.
 struct LocaleCase {
@@ -161,76 +166,67 @@ class StartupAndShellTest : public QObject {
     QVERIFY(lowestInk < image.height() - 1);
   }
 
+  // The guard asks with no window up, the splash is painted before the wait, and the wait
+  // ends at the first reading whose whole second is three past the starting one (late in
+  // its second, on a boundary, after a long first pass, with a clock that jumps past);
+  // only then does the main window show, the splash gone.
   void guardThenSplashThenMainWindow() {
-    Launch<WatchingDialogs> p({500.2, 501.0, 502.5, 503.1}, ",");
-    p.dialogs.queueMsgBox(mb::Yes);
-    QStringList faults;
-    auto fault = [&](bool bad, const char* what) {
-      if (bad) faults << what;
-    };
-    p.dialogs.onMsgBox = [&] { fault(visibleWindows() > 0, "a window was visible while the guard asked"); };
-    p.dialogs.onDoEvents = [&] {
-      fault(!p.about() || !p.about()->isVisible() || p.about()->printedLines().size() != 10,
-            "the splash was not shown with its text before events ran");
-    };
-    p.clock.onReading = [&] {
-      fault(p.dialogs.doEvents() == 0, "the wait began before the splash was painted");
-      fault(!p.about() || !p.about()->isVisible(), "the splash was hidden during the wait");
-      fault(p.subMain.mainWindow() != nullptr, "the main window existed during the wait");
-    };
-    bool mainShown = false;
-    MainWindowShowWatcher watcher([&] {
-      mainShown = true;
-      fault(p.about()->isVisible(), "the splash was still up when the main window showed");
-    });
+    for (const std::vector<double>& readings :
+         {std::vector<double>{500.2, 501.0, 502.5, 503.1}, {100.9, 101.0, 102.0, 102.999, 103.0},
+          {100.0, 100.5, 101.0, 102.0, 102.9999, 103.0}, {100.0, 103.5}, {100.3, 101.7, 250.0}}) {
+      Launch<WatchingDialogs> p(readings, ",");
+      p.dialogs.queueMsgBox(mb::Yes);
+      QStringList faults;
+      auto fault = [&](bool bad, const char* what) {
+        if (bad) faults << what;
+      };
+      p.dialogs.onMsgBox = [&] { fault(visibleWindows() > 0, "a window was visible while the guard asked"); };
+      p.dialogs.onDoEvents = [&] {
+        fault(!p.about() || !p.about()->isVisible() || p.about()->printedLines().size() != 10,
+              "the splash was not shown with its text before events ran");
+      };
+      p.clock.onReading = [&] {
+        fault(p.dialogs.doEvents() == 0, "the wait began before the splash was painted");
+        fault(!p.about() || !p.about()->isVisible(), "the splash was hidden during the wait");
+        fault(p.subMain.mainWindow() != nullptr, "the main window existed during the wait");
+      };
+      bool mainShown = false;
+      MainWindowShowWatcher watcher([&] {
+        mainShown = true;
+        fault(p.about()->isVisible(), "the splash was still up when the main window showed");
+      });
 
-    QVERIFY(p.subMain.Start());
-    QVERIFY(mainShown);
-    QCOMPARE(faults, QStringList());
-    QCOMPARE(p.dialogs.messages().size(), size_t{1});
-    const ScriptedDialogs::MessageRecord& warning = p.dialogs.messages()[0];
-    QCOMPARE(std::tie(warning.title, warning.style), std::tuple(std::string("Decimal Comma Warning!"), 19));
-    QCOMPARE(warning.prompt, DecimalPoint::warningText());
-    QVERIFY(warning.prompt.starts_with("Proper operation of this application requires the use of the DECIMAL POINT.\r"
-                                       "Your system is currently using the DECIMAL COMMA.\r\rDo you wish"));
-    QCOMPARE(p.clock.calls, size_t{4});
-    QVERIFY(!p.about()->isVisible());
-    QVERIFY(p.subMain.mainWindow() && p.subMain.mainWindow()->isVisible());
-    QVERIFY(p.subMain.decimalPoint().pointInForce());
-  }
-
-  // The wait ends at the first reading whose whole second is three past the starting one:
-  // late in its second, on a boundary, after a long first pass, with a clock that jumps past.
-  void waitEndsAfterTheThirdSecondBoundary() {
-    for (const std::vector<double>& readings : {std::vector<double>{100.9, 101.0, 102.0, 102.999, 103.0},
-                                                 {100.0, 100.5, 101.0, 102.0, 102.9999, 103.0},
-                                                 {100.0, 103.5}, {100.3, 101.7, 250.0}}) {
-      Launch p(readings);
-        bool mainWindowDuringWait = false;
-      p.clock.onReading = [&] { mainWindowDuringWait |= p.subMain.mainWindow() != nullptr; };
       QVERIFY(p.subMain.Start());
-      QCOMPARE(p.clock.overruns, 0);
-      QCOMPARE(p.clock.calls, readings.size());
-      QVERIFY(!mainWindowDuringWait);
+      QVERIFY(mainShown);
+      QCOMPARE(faults, QStringList());
+      QCOMPARE(std::pair(p.clock.calls, p.clock.overruns), std::pair(readings.size(), 0));
+      QCOMPARE(p.dialogs.messages().size(), size_t{1});
+      const ScriptedDialogs::MessageRecord& warning = p.dialogs.messages()[0];
+      QCOMPARE(std::tie(warning.title, warning.style), std::tuple(std::string("Decimal Comma Warning!"), 19));
+      QCOMPARE(warning.prompt, DecimalPoint::warningText());
+      QVERIFY(warning.prompt.starts_with("Proper operation of this application requires the use of the DECIMAL POINT.\r"
+                                         "Your system is currently using the DECIMAL COMMA.\r\rDo you wish"));
+      QVERIFY(p.subMain.mainWindow() && p.subMain.mainWindow()->isVisible());
+      QVERIFY(p.subMain.decimalPoint().pointInForce());
     }
   }
 
-  // Whatever the separator (several characters, several bytes, none), it is saved whole
-  // and restored once when the main window closes.
+  // Whatever the separator (several characters, several bytes, none), it is saved whole;
+  // it is restored once, whichever way the program ends, and every window closes.
   void answersToTheWarning_data() {
     QTest::addColumn<WarningCase>("c");
     QTest::newRow("Yes runs on with the point") << WarningCase{",", mb::Yes, true, true};
     QTest::newRow("No ends") << WarningCase{",", mb::No, false, false};
     QTest::newRow("Cancel ends") << WarningCase{",", mb::Cancel, false, false};
-    QTest::newRow("another answer changes nothing") << WarningCase{",", mb::OK, true, false};
-    QTest::newRow("two characters") << WarningCase{",.", mb::Yes, true, true};
-    QTest::newRow("multibyte") << WarningCase{"\u066B", mb::Yes, true, true};
+    QTest::newRow("another answer changes nothing") << WarningCase{",", mb::OK, true, false, true, true};
+    QTest::newRow("two characters") << WarningCase{",.", mb::Yes, true, true, true, false};
+    QTest::newRow("multibyte") << WarningCase{"\u066B", mb::Yes, true, true, false, true};
     QTest::newRow("empty reading") << WarningCase{"", mb::Yes, true, true};
-    QTest::newRow("a point asks nothing") << WarningCase{".", -1, true, true};
+    QTest::newRow("a point asks nothing") << WarningCase{".", -1, true, true, true, true};
   }
   void answersToTheWarning() {
     QFETCH(WarningCase, c);
-    const auto& [text, answer, runs, point] = c;
+    const auto& [text, answer, runs, point, exitByButton, aboutOpen] = c;
     Launch p({10.0, 13.0}, text);
     if (answer >= 0) p.dialogs.queueMsgBox(answer);
 
@@ -243,11 +239,29 @@ class StartupAndShellTest : public QObject {
       QVERIFY(!p.about() && !p.subMain.mainWindow() && visibleWindows() == 0);
       return;
     }
-    QVERIFY(p.subMain.mainWindow() && p.subMain.mainWindow()->isVisible());
-    p.subMain.mainWindow()->close();
+    if (aboutOpen) {  // the About box appends the splash's lines at each opening, until a click closes it
+      p.openAbout();
+      p.openAbout();
+      QCOMPARE(p.about()->printedLines(), frmAbout::splashLines() + frmAbout::splashLines());
+      QTest::mouseClick(p.about(), Qt::LeftButton, {}, QPoint(20, 20));
+      QVERIFY(!p.about()->isVisible() && p.window()->isVisible());
+      p.openAbout();
+      QCOMPARE(p.about()->printedLines().size(), 10);
+    }
+    QWidget other(nullptr, Qt::Window);  // stands for a plot or editor window left open
+    other.show();
+    QCOMPARE(visibleWindows(), aboutOpen ? 3 : 2);
+    if (exitByButton)
+      QTest::mouseClick(p.window()->findChild<QAbstractButton*>("cmdExit"), Qt::LeftButton);
+    else
+      p.window()->close();
     QCOMPARE(p.subMain.decimalPoint().restoreCount(), 1);
     QCOMPARE(p.subMain.decimalPoint().savedSeparator(), text);
     if (answer >= 0) QVERIFY(!p.subMain.decimalPoint().pointInForce());
+    QCOMPARE(visibleWindows(), 0);
+    QVERIFY(p.about()->printedLines().isEmpty());
+    p.window()->close();  // a second unload (the close box after Exit) restores nothing more
+    QCOMPARE(p.subMain.decimalPoint().restoreCount(), 1);
   }
 
   // The user's separator as the system has it: a locale with a decimal comma is compiled
@@ -282,100 +296,47 @@ class StartupAndShellTest : public QObject {
     QCOMPARE(separator, expected);
   }
 
-  void aboutAppendsUntilClosed() {
-    Launch p;
-    QVERIFY(p.subMain.Start());
-    p.openAbout();  // the splash's lines went with the splash
-    QVERIFY(p.about()->isVisible());
-    QCOMPARE(p.about()->printedLines(), frmAbout::splashLines());
-    p.openAbout();
-    QCOMPARE(p.about()->printedLines(), frmAbout::splashLines() + frmAbout::splashLines());
-
-    QTest::mouseClick(p.about(), Qt::LeftButton, {}, QPoint(20, 20));
-    QVERIFY(!p.about()->isVisible());
-    QVERIFY(p.window()->isVisible());
-    QCOMPARE(p.subMain.decimalPoint().restoreCount(), 0);
-    p.openAbout();
-    QCOMPARE(p.about()->printedLines().size(), 10);
-  }
-
   // Help is orvane.hlp in the folder that was current when the main window loaded,
-  // whatever the current folder is later; a decoy elsewhere must not be found.
-  void helpLooksInTheStartDirectory() {
+  // whatever the current folder is later (a decoy elsewhere must not be found); started
+  // from "/", where none is, the installed document beside the program, else the source
+  // tree's. One help window serves every request.
+  void helpComesFromTheStartFolderElseBesideTheProgram() {
     for (const bool fileThere : {false, true}) {
       for (const bool moveAway : {false, true}) {
         QTemporaryDir startDir, otherDir;
         const QString expected = QDir(QFileInfo(startDir.path()).canonicalFilePath()).filePath("orvane.hlp");
         if (fileThere) writeFile(expected, "<html><body><h1>Help</h1></body></html>");
         writeFile(QDir(otherDir.path()).filePath("orvane.hlp"), "<html><body>decoy</body></html>");
-        Launch p;
+        Launch<HelpDialogs> p;
         QVERIFY(p.startIn(startDir.path()));
         const QString old = QDir::currentPath();
         QDir::setCurrent(moveAway ? otherDir.path() : startDir.path());
         p.action("mnuHelp")->trigger();
         QDir::setCurrent(old);
-        QCOMPARE(p.dialogs.helpRequests(), std::vector<std::string>{expected.toStdString()});
-        QCOMPARE(p.dialogs.messages().size(), size_t(fileThere ? 0 : 1));
-        if (!fileThere) {
-          const QString prompt = QString::fromStdString(p.dialogs.messages()[0].prompt);
-          QVERIFY2(prompt.startsWith("Cannot find the help file") && prompt.contains(expected), qPrintable(prompt));
-        }
+        QCOMPARE(shownHelp(), fileThere ? QStringList{"Help"} : QStringList());
+        QCOMPARE(p.dialogs.messages, fileThere ? QStringList() : QStringList{"Cannot find the help file\r" + expected});
         QVERIFY(p.window()->isVisible());
       }
     }
-  }
-
-  // Started from "/", where no help document is: the help window shows the installed
-  // document beside the program when there is one, else the source tree's.
-  void helpOpensWhenStartedFromRoot() {
     for (const bool installed : {false, true}) {
       QTemporaryDir prefix;
       QDir(prefix.path()).mkpath("bin");
       QDir(prefix.path()).mkpath("share/orvane/help");
       const QString document = prefix.filePath("share/orvane/help/orvane.hlp");
       if (installed) writeFile(document, "<html><body>Installed help</body></html>");
-      Launch<HelpDialogs> p;
       const QString programFolder = installed ? prefix.filePath("bin") : QCoreApplication::applicationDirPath();
+      Launch<HelpDialogs> p;
       p.dialogs.setHelpFolders(HelpFolders(programFolder));
       QVERIFY(p.startIn("/"));
       p.action("mnuHelp")->trigger();
+      p.action("mnuHelp")->trigger();
       QCOMPARE(p.dialogs.messages, QStringList());
-      QTextBrowser* browser = nullptr;
-      for (QWidget* window : QApplication::topLevelWidgets())
-        if (window->objectName() == "helpWindow" && window->isVisible()) browser = window->findChild<QTextBrowser*>();
-      QVERIFY(browser);
-      QVERIFY(browser->toPlainText().startsWith(installed ? "Installed help" : "Orvane Regression"));
-      browser->window()->close();
+      const QStringList shown = shownHelp();
+      QCOMPARE(shown.size(), 1);
+      QVERIFY(shown[0].startsWith(installed ? "Installed help" : "Orvane Regression"));
     }
   }
 
-  // By the Exit button or the close box, with the About box and another window open or
-  // not: the separator is restored once and every window closes.
-  void exitRestoresOnceAndClosesEverything() {
-    for (const bool byButton : {false, true}) {
-      for (const bool aboutOpen : {false, true}) {
-        Launch p({}, ",");
-        QVERIFY(p.subMain.Start());
-        if (aboutOpen) p.openAbout();
-        QWidget other(nullptr, Qt::Window);  // stands for a plot or editor window left open
-        other.show();
-        QCOMPARE(visibleWindows(), aboutOpen ? 3 : 2);
-        if (byButton) {
-          auto* exitButton = p.window()->findChild<QAbstractButton*>("cmdExit");
-          QCOMPARE(exitButton->text(), QString("E&xit"));
-          QTest::mouseClick(exitButton, Qt::LeftButton);
-        } else {
-          p.window()->close();
-        }
-        QCOMPARE(p.subMain.decimalPoint().restoreCount(), 1);
-        QCOMPARE(p.subMain.decimalPoint().savedSeparator(), std::string(","));
-        QCOMPARE(visibleWindows(), 0);
-        QVERIFY(p.about()->printedLines().isEmpty());
-        p.window()->close();  // a second unload (the close box after Exit) restores nothing more
-        QCOMPARE(p.subMain.decimalPoint().restoreCount(), 1);
-      }
-    }
-  }
 };
 
 }  // namespace orvane
