@@ -44,25 +44,5 @@ TEST(FuzzRegression, SeedsAndKeptFindingsPassTheChecks) {
   EXPECT_GE(checkAll("fuzz_stereo_import", fuzz::CheckStereoImport), 4);
 }
 
-// Findings of the fuzzer, as texts, with what the routine must now do with them.
-TEST(FuzzRegression, FindingsAreRefusedWithAMessage) {
-  struct Row {
-    const char* what;
-    std::string problemText;
-    std::string data;
-  };
-  const Row rows[] = {
-      // A dependent name with quotes, written back in quotes, could not be read again.
-      {"quote in the dependent name", "2,2,#FALSE#,iii \"dep\" \n a b\"\n c \n", "2,2\n1\n2\n3\n4\n5\n6\n"},
-      // A quoted name with a comma, written back one per line, became two names.
-      {"comma in a name", "1,1,#FALSE#,\"y\"\n\"a,b\"\n", "1,1\n1\n2\n"},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.what);
-    EXPECT_THROW(ParseRegressionFiles("finding.reg", row.problemText, row.data), RegressionFileError);
-    EXPECT_EQ(fuzz::CheckRegressionFile(row.problemText + '\0' + row.data), "");
-  }
-}
-
 }  // namespace
 }  // namespace orvane

@@ -63,6 +63,10 @@ TEST(RegressionFileHostile, BadPairsNameTheFileAndTheLine) {
       {"a quoted name with a comma", head("3,1,#FALSE#,\"y\"", "\"a,b\"\r\n"), kGoodData, "hostile.reg, line 2:"},
       {"a second name with a comma", head("3,2,#FALSE#,\"y\"", "a\r\n\"b,c\"\r\n"), kGoodData, "hostile.reg, line 3:"},
       {"two names on a line", head("3,1,#FALSE#,\"y\"", "a,b\r\n"), kGoodData, "hostile.reg, line 2:"},
+      // Fuzz findings: written back, the first could not be read again, the second became two names.
+      {"finding: quoted dependent", "2,2,#FALSE#,iii \"dep\" \n a b\"\n c \n", "2,2\n1\n2\n3\n4\n5\n6\n",
+       "hostile.reg, line 1:"},
+      {"finding: comma in a name", "1,1,#FALSE#,\"y\"\n\"a,b\"\n", "1,1\n1\n2\n", "hostile.reg, line 2:"},
       {"empty data file", kGoodProblem, "", "hostile.reg.dat, line 1:"},
       {"data ends early", kGoodProblem, "3,1\r\n 1\r\n 2\r\n 2\r\n 4\r\n", "hostile.reg.dat, line 6:"},
       {"data ends before the statistics", head("3,1,#TRUE#,\"y\"", "x\r\n 0\r\n 2\r\n1,0,0,4,4\r\n"), kGoodData,

@@ -52,11 +52,9 @@ TEST(RegressionFile, LinesBeforeAndAfterComputing) {
   EXPECT_EQ(DataText(p), crlf(data));
 
   // Saved before the sets exist: zeros, not a read outside the matrix.
-  RegressionProblem bare;
-  bare.m = 1;
+  RegressionProblem bare = makeProblem(1, {}, {"x"});
+  bare.X = {};
   bare.N = 3;
-  bare.names = {"x"};
-  bare.dependentName = "y";
   EXPECT_EQ(ProblemText(bare), crlf({"3,1,#FALSE#,\"y\"", "x"}));
   EXPECT_EQ(DataText(bare), crlf({"3,1", " 0", " 0", " 0", " 0", " 0", " 0"}));
 }

@@ -17,9 +17,8 @@ TEST(RegressionProblem, NameRules) {
   const struct {
     std::string name;
     bool valid;
-  } dependents[] = {{"y", true},    {"y2", true},  {"Yield", true}, {"Z9a", true}, {"", false},
-                    {"2y", false},  {"y_1", false}, {"y 1", false}, {" y", false}, {"y-", false},
-                    {"\xc3\xa9t", false}, {"_y", false}};
+  } dependents[] = {{"y", true},    {"Z9a", true}, {"", false},    {"2y", false}, {"y_1", false},
+                    {" y", false}, {"y-", false}, {"\xc3\xa9t", false}};
   for (const auto& d : dependents) EXPECT_EQ(isValidDependentName(d.name), d.valid) << "[" << d.name << "]";
 
   const struct { std::string text; int m; std::vector<std::string> parts; bool fits; } names[] = {
