@@ -94,7 +94,6 @@ TEST(RegressionFile, RoundTripThroughDisk) {
       EXPECT_EQ(ResultsListing(back), ResultsListing(p));
     }
   }
-  EXPECT_EQ(DataFileName("study.dat"), "study.dat.dat");
 }
 
 // Files of megabytes are written and read in parts at once: the sets come back in their

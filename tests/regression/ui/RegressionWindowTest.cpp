@@ -205,10 +205,6 @@ class RegressionWindowTest : public QObject {
     QCOMPARE(w.dialogs.messages().back().prompt, std::string("Type mismatch"));
     QVERIFY(w.enter(w.txtN, "3"));
 
-    MainWindow three;  // three variables never offer a plot
-    QVERIFY(three.enter(three.txtOrder, "3"));
-    QVERIFY(!three.cmdPlot->isVisible());
-
     // "Edit data" before the number of data sets: first the fields before it, silently,
     // then the number itself, its field holding the focus when the box says why.
     MainWindow early;
