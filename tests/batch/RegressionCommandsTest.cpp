@@ -213,8 +213,7 @@ TEST_F(BatchFiles, StatisticsBesideOrInsteadOfTheListing) {
   const std::vector<std::string> lines = stats.outLines();
   ASSERT_GT(lines.size(), 13u);
   EXPECT_EQ(std::vector<std::string>(lines.begin(), lines.begin() + 9), lineListing());
-  EXPECT_EQ(lines[10], "Coefficients:");  // (the table itself: FitSummaryTest)
-  EXPECT_EQ(lines[13].substr(0, 10), "A1 x      ");
+  EXPECT_EQ(lines[13].substr(0, 10), "A1 x      ");  // after a blank line (the table itself: FitSummaryTest)
 
   const BatchRun json = runBatch({"fit", "--json", file});
   ASSERT_EQ(json.status, 0) << json.err;
@@ -261,7 +260,6 @@ TEST_F(BatchFiles, ReportAsTextOrAWholePdf) {
   // Estimate at column 34, residual at 57: a negative one with its "-" there.
   EXPECT_EQ(lines[18], "y= 3.5                            3.4                    0.100000000000001 ");
   EXPECT_EQ(lines[22], "y= 4.5                            5.05                  -0.549999999999999 ");
-  EXPECT_EQ(lines[30], "y= 8                              8.35                  -0.35 ");
 
   const std::string pdf = path("report.pdf");
   ASSERT_EQ(runBatch({"report", file, "--pdf", pdf}).status, 0);
