@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -18,16 +17,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-fs::path sourceDir() {
-  if (const char* dir = std::getenv("ORVANE_SOURCE_DIR")) return dir;
-  return fs::path(__FILE__).parent_path().parent_path().parent_path();
-}
-
 // The inputs of one target: seeds and kept findings; how many were checked.
 int checkAll(const std::string& target, const std::function<std::string(std::string_view)>& check) {
   int checked = 0;
-  for (const fs::path& dir : {sourceDir() / "fuzz" / "corpus" / target,
-                              sourceDir() / "tests" / "hardening" / "fuzz-findings" / target}) {
+  for (const fs::path& dir : {testing::sourceDir() / "fuzz" / "corpus" / target,
+                              testing::sourceDir() / "tests" / "hardening" / "fuzz-findings" / target}) {
     if (!fs::is_directory(dir)) continue;
     for (const auto& entry : fs::directory_iterator(dir)) {
       SCOPED_TRACE(entry.path().string());

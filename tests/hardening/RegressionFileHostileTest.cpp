@@ -11,26 +11,10 @@
 #include <vector>
 
 #include "hardening/AllocationProbe.h"
-#include "regression/CsvProblem.h"
-#include "regression/RegressionFile.h"
+#include "regression/RegressionTestSupport.h"
 
 namespace orvane {
 namespace {
-
-constexpr const char* kProblemFile = "hostile.reg";
-
-// What reading says of the pair hostile.reg, or of `problemText` as the table hostile.csv.
-std::string refusal(const std::string& problemText, const std::string& data, bool table = false) {
-  try {
-    if (table)
-      ParseCsvProblem("hostile.csv", problemText);
-    else
-      ParseRegressionFiles(kProblemFile, problemText, data);
-  } catch (const RegressionFileError& e) {
-    return e.what();
-  }
-  return "";
-}
 
 const std::string kGoodProblem = "3,1,#FALSE#,\"y\"\r\nx\r\n";
 const std::string kGoodData = "3,1\r\n 1\r\n 2\r\n 2\r\n 4\r\n 3\r\n 6\r\n";
@@ -126,7 +110,8 @@ TEST(RegressionFileHostile, BadPairsNameTheFileAndTheLine) {
   for (const Row& row : rows) {
     SCOPED_TRACE(row.what);
     test::resetLargestAllocation();
-    const std::string message = refusal(row.problemText, row.data, row.table);
+    const std::string message =
+        testing::refusal(row.table ? "hostile.csv" : "hostile.reg", row.problemText, row.data, row.table);
     EXPECT_LT(test::peakAllocated(), row.allocationLimit);
     EXPECT_EQ(message.substr(0, row.where.size()), row.where) << message.substr(0, 200);
     EXPECT_LT(message.size(), 1000u);
