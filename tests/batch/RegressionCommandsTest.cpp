@@ -12,81 +12,62 @@
 #include <QDir>
 #include <QTemporaryDir>
 #include <cmath>
-#include <fstream>
 #include <filesystem>
 
 #include "batch/BatchSupport.h"
 #include "platform/NumberText.h"
-#include "regression/CsvProblem.h"
-#include "regression/RegressionFile.h"
+#include "regression/RegressionTestSupport.h"
 #include "regression/Solver.h"
 
 namespace orvane::testing {
 namespace {
 
-struct EvalCase {
-  std::vector<std::string> args;
-  int status;
-  std::string out;  // the whole standard output
-  std::string err;  // the whole standard error
-};
-
-TEST(BatchEval, PrintsValuesAndEngineErrors) {
-  const std::vector<EvalCase> cases = {
-      {{"--y", "2", "--u", "3", "--v", "4", "y*100+u*10+v"}, 0, "234\n", ""},
-      {{"1", "+", "2"}, 0, "3\n", ""},
-      {{"1E-05*1"}, 0, "1E-05\n", ""},
-      {{"--const", "a=1", "--const", "a=2", "a"}, 0, "2\n", ""},
-      {{"--const", "c=pi/2", "c=halfpi"}, 0, "-1\n", ""},
+// What a command line prints, whole, and its exit status: eval's values and the engine's
+// errors, shown once; usage errors that say what is wrong; help for every command.
+TEST(BatchCommandLine, EvalValuesEngineErrorsUsageErrorsAndHelp) {
+  const struct {
+    std::vector<std::string> args;
+    int status;
+    std::string out, err;
+  } cases[] = {
+      {{"eval", "--y", "2", "--u", "3", "--v", "4", "y*100+u*10+v"}, 0, "234\n", ""},
+      {{"eval", "1", "+", "2"}, 0, "3\n", ""},
+      {{"eval", "1E-05*1"}, 0, "1E-05\n", ""},
+      {{"eval", "--const", "a=1", "--const", "a=2", "a"}, 0, "2\n", ""},
+      {{"eval", "--const", "c=pi/2", "c=halfpi"}, 0, "-1\n", ""},
       // Domain errors come back through the math object's error field.
-      {{"Tanh(800)"}, 1, "", "error 6: Overflow\n"},
+      {{"eval", "Tanh(800)"}, 1, "", "error 6: Overflow\n"},
       // Shown once, not once by the engine's event and again by the command.
-      {{"foo+1"}, 1, "", "error 500: Variable is undefined: 'foo'\n"},
-      {{"--const", "2a=1", "1"}, 1, "",
+      {{"eval", "foo+1"}, 1, "", "error 500: Variable is undefined: 'foo'\n"},
+      {{"eval", "--const", "2a=1", "1"}, 1, "",
        "orvane-batch eval: --const: \"2a=1\" is not NAME=EXPR with a name of a letter followed by letters and "
        "digits\n"},
-      {{"--x", "abc", "x"}, 1, "", "orvane-batch eval: --x: not a number: \"abc\"\n"},
-      {{"--x"}, 1, "", "orvane-batch eval: --x needs 1 value\n"},
-      {{}, 1, "", "orvane-batch eval: missing EXPR\n"},
+      {{"eval", "--x", "abc", "x"}, 1, "", "orvane-batch eval: --x: not a number: \"abc\"\n"},
+      {{"eval", "--x"}, 1, "", "orvane-batch eval: --x needs 1 value\n"},
+      {{"eval"}, 1, "", "orvane-batch eval: missing EXPR\n"},
+      {{"frobnicate"}, 1, "", "orvane-batch: unknown command \"frobnicate\" (orvane-batch --help lists them)\n"},
+      {{"fit", "--bogus", "x.csv"}, 1, "", "orvane-batch fit: unknown option --bogus\n"},
+      {{"study", "x", "--error", "1", "--error", "2", "roots"}, 1, "",
+       "orvane-batch study: --error is given more than once\n"},
   };
-  for (const EvalCase& c : cases) {
-    std::vector<std::string> args = {"eval"};
-    args.insert(args.end(), c.args.begin(), c.args.end());
-    const BatchRun run = runBatch(args);
-    SCOPED_TRACE(c.args.empty() ? std::string("(none)") : c.args.back());
+  for (const auto& c : cases) {
+    const BatchRun run = runBatch(c.args);
+    SCOPED_TRACE(c.args.back());
     EXPECT_EQ(run.status, c.status);
     EXPECT_EQ(run.out, c.out);
     EXPECT_EQ(run.err, c.err);
   }
-}
-
-TEST(BatchCommandLine, HelpForEveryCommandAndClearUsageErrors) {
   for (const std::string command : {"eval", "fit", "report", "study", "plot2d", "stereo"}) {
     const BatchRun run = runBatch({command, "--help"});
     EXPECT_EQ(run.status, 0) << command;
     EXPECT_EQ(run.out.rfind("Usage: orvane-batch " + command, 0), 0u) << command;
     EXPECT_EQ(run.err, "");
   }
-  const BatchRun top = runBatch({"--help"});
+  const BatchRun top = runBatch({"--help"}), none = runBatch({});
   EXPECT_EQ(top.status, 0);
   EXPECT_NE(top.out.find("stereo"), std::string::npos);
-
-  const struct {
-    std::vector<std::string> args;
-    std::string err;  // a part of standard error
-  } usageErrors[] = {
-      {{}, "Usage:"},
-      {{"frobnicate"}, "unknown command \"frobnicate\""},
-      {{"fit", "--bogus", "x.csv"}, "orvane-batch fit: unknown option --bogus\n"},
-      {{"study", "x", "--error", "1", "--error", "2", "roots"},
-       "orvane-batch study: --error is given more than once\n"},
-  };
-  for (const auto& row : usageErrors) {
-    const BatchRun run = runBatch(row.args);
-    EXPECT_EQ(run.status, 1) << row.err;
-    EXPECT_EQ(run.out, "") << row.err;
-    EXPECT_NE(run.err.find(row.err), std::string::npos) << run.err;
-  }
+  EXPECT_TRUE(none.status == 1 && none.out.empty());
+  EXPECT_EQ(none.err, top.out);  // no command: the same help, as an error
 }
 
 const char* const kLine = "y,x\n3.5,1\n4.5,2\n7.5,3\n8,4\n";
@@ -263,10 +244,7 @@ TEST_F(BatchFiles, ReportAsTextOrAWholePdf) {
 
   const std::string pdf = path("report.pdf");
   ASSERT_EQ(runBatch({"report", file, "--pdf", pdf}).status, 0);
-  std::ifstream in(pdf, std::ios::binary);
-  std::string head(5, '\0');
-  in.read(head.data(), 5);
-  EXPECT_EQ(head, "%PDF-");
+  EXPECT_EQ(readText(pdf).substr(0, 5), "%PDF-");
   EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), (QStringList{"line.csv", "report.pdf"}));  // no temporary left
 }
 

@@ -28,23 +28,19 @@ RegressionProblem problemOf(int sets) {
 // stand in: a save goes to a temporary file beside its target and renames it, so it
 // never writes into the target); the signal the limit raises is ignored so the write
 // fails instead.
-class FileSizeLimit {
- public:
+struct FileSizeLimit {
+  rlimit saved{};
+  void (*previous)(int) = std::signal(SIGXFSZ, SIG_IGN);
   explicit FileSizeLimit(rlim_t bytes) {
-    getrlimit(RLIMIT_FSIZE, &saved_);
-    previous_ = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit limit = saved_;
+    getrlimit(RLIMIT_FSIZE, &saved);
+    rlimit limit = saved;
     limit.rlim_cur = bytes;
     setrlimit(RLIMIT_FSIZE, &limit);
   }
   ~FileSizeLimit() {
-    setrlimit(RLIMIT_FSIZE, &saved_);
-    std::signal(SIGXFSZ, previous_);
+    setrlimit(RLIMIT_FSIZE, &saved);
+    std::signal(SIGXFSZ, previous);
   }
-
- private:
-  rlimit saved_{};
-  void (*previous_)(int) = nullptr;
 };
 
 TEST(SaveFailure, AMessageNamingTheFileAndThePreviousFilesIntact) {
