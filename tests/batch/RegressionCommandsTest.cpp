@@ -110,24 +110,19 @@ TEST_F(BatchFiles, CsvWithQuotedNamesBlankLinesAndCrLfGivesTheWindowsListing) {
 // is no regular file is refused at once by every reader (a pipe without a writer must
 // not hold it, nor /dev/zero fill the memory), as is a pair without its data file.
 TEST_F(BatchFiles, RefusalsSayWhyAndPrintNothing) {
-  const struct {
-    std::string bytes;
-    std::string expected;  // after "<file>, "
-  } tables[] = {
-      {"y,x\r\n1,2\r\n\r\n2,abc\r\n3,4\r\n", "line 4: expected a number in column 2 (x), not \"abc\".\n"},
-      {"", "line 1: expected a header line naming the columns.\n"},
-      {"y\n1\n2\n3\n", "line 1: expected a header naming the dependent variable and at least one "
-                       "independent variable, separated by \",\", \";\" or tabs.\n"},
-      {"y;x\n1;2\n2;3,5\n3;4\n", "line 3: expected a number in column 2 (x), not \"3,5\".\n"},
-      {"y\tx\n1\t2\n2\t3\t4\n3\t4\n", "line 3: expected 2 numbers separated by tabs, found 3 fields.\n"},
-      {"y,\"x\n1,2\n", "line 1: expected a closing quote.\n"},
-      {"y,x\n1,nan\n2,3\n3,4\n", "line 2: expected a number in column 2 (x), not \"nan\".\n"},
-  };
   std::vector<std::pair<std::vector<std::string>, std::string>> rows;
-  for (const auto& table : tables) {
-    const std::string file = csv("bad" + std::to_string(rows.size()) + ".csv", table.bytes);
-    rows.push_back({{"fit", file}, file + ", " + table.expected});
-  }
+  const auto badTable = [&](const std::string& bytes, const std::string& expected) {  // after "<file>, "
+    const std::string file = csv("bad" + std::to_string(rows.size()) + ".csv", bytes);
+    rows.push_back({{"fit", file}, file + ", " + expected});
+  };
+  badTable("y,x\r\n1,2\r\n\r\n2,abc\r\n3,4\r\n", "line 4: expected a number in column 2 (x), not \"abc\".\n");
+  badTable("", "line 1: expected a header line naming the columns.\n");
+  badTable("y\n1\n2\n3\n", "line 1: expected a header naming the dependent variable and at least one "
+                          "independent variable, separated by \",\", \";\" or tabs.\n");
+  badTable("y;x\n1;2\n2;3,5\n3;4\n", "line 3: expected a number in column 2 (x), not \"3,5\".\n");
+  badTable("y\tx\n1\t2\n2\t3\t4\n3\t4\n", "line 3: expected 2 numbers separated by tabs, found 3 fields.\n");
+  badTable("y,\"x\n1,2\n", "line 1: expected a closing quote.\n");
+  badTable("y,x\n1,nan\n2,3\n3,4\n", "line 2: expected a number in column 2 (x), not \"nan\".\n");
   const std::string stack = this->stack();
   const std::string dependent = csv("dep.csv", "y,x1,x2\n1,1,1\n2,2,2\n3,3,3\n4,4,4\n");
   const std::string pipe = path("pipe"), folder = dir.path().toStdString(), none = path("none.csv");

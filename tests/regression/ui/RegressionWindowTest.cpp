@@ -1,10 +1,6 @@
-// The regression window as a user drives it: fields filled in order and locked, data
-// typed and pasted into the editor and undone, Compute, Evaluations, Add data, Save and
-// Open, tables of text imported, Print; the Statistics window following the fit, the
-// warning on ill-conditioned data, and the 2-D window's bands around the fitted function.
-//
-// Keys go where a person's keys go, to the widget that holds the focus in the active
-// window; the keyboard test also runs on a real X server (see CMakeLists.txt).
+// The regression window and the windows it opens, as a user drives them. Keys go where a
+// person's keys go, to the widget that holds the focus in the active window; the keyboard
+// tests also run on a real X server (see CMakeLists.txt).
 
 #include <QAbstractItemModelTester>
 #include <QAction>
