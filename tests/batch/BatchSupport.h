@@ -17,11 +17,9 @@ struct BatchRun {
   std::string out;
   std::string err;
 
-  std::vector<std::string> outLines() const { return lines(out); }
-
-  static std::vector<std::string> lines(const std::string& text) {
+  std::vector<std::string> outLines() const {
     std::vector<std::string> result;
-    std::istringstream in(text);
+    std::istringstream in(out);
     for (std::string line; std::getline(in, line);) result.push_back(line);
     return result;
   }

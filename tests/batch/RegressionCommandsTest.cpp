@@ -16,80 +16,61 @@
 
 #include "batch/BatchSupport.h"
 #include "platform/NumberText.h"
-#include "regression/RegressionFile.h"
+#include "regression/RegressionTestSupport.h"
 #include "regression/Solver.h"
 
 namespace orvane::testing {
 namespace {
 
-struct EvalCase {
-  std::vector<std::string> args;
-  int status;
-  std::string out;  // the whole standard output
-  std::string err;  // the whole standard error
-};
-
-TEST(BatchEval, PrintsValuesAndEngineErrors) {
-  const std::vector<EvalCase> cases = {
-      {{"-2^2"}, 0, "4\n", ""},
-      {{"--x", "3", "x^2"}, 0, "9\n", ""},
-      {{"--y", "2", "--u", "3", "--v", "4", "y*100+u*10+v"}, 0, "234\n", ""},
-      {{"Asin(1)"}, 0, "1.5707963267949\n", ""},
-      {{"1", "+", "2"}, 0, "3\n", ""},
-      {{"1E-05*1"}, 0, "1E-05\n", ""},
-      {{"--const", "a=1", "--const", "a=2", "a"}, 0, "2\n", ""},
-      {{"--const", "c=pi/2", "c=halfpi"}, 0, "-1\n", ""},
+// What a command line prints, whole, and its exit status: eval's values and the engine's
+// errors, shown once; usage errors that say what is wrong; help for every command.
+TEST(BatchCommandLine, EvalValuesEngineErrorsUsageErrorsAndHelp) {
+  const struct {
+    std::vector<std::string> args;
+    int status;
+    std::string out, err;
+  } cases[] = {
+      {{"eval", "--y", "2", "--u", "3", "--v", "4", "y*100+u*10+v"}, 0, "234\n", ""},
+      {{"eval", "1", "+", "2"}, 0, "3\n", ""},
+      {{"eval", "1E-05*1"}, 0, "1E-05\n", ""},
+      {{"eval", "--const", "a=1", "--const", "a=2", "a"}, 0, "2\n", ""},
+      {{"eval", "--const", "c=pi/2", "c=halfpi"}, 0, "-1\n", ""},
       // Domain errors come back through the math object's error field.
-      {{"Tanh(800)"}, 1, "", "error 6: Overflow\n"},
-      {{"1/0"}, 1, "", "error 11: Division by zero\n"},
+      {{"eval", "Tanh(800)"}, 1, "", "error 6: Overflow\n"},
       // Shown once, not once by the engine's event and again by the command.
-      {{"foo+1"}, 1, "", "error 500: Variable is undefined: 'foo'\n"},
-      {{"--const", "2a=1", "1"}, 1, "",
+      {{"eval", "foo+1"}, 1, "", "error 500: Variable is undefined: 'foo'\n"},
+      {{"eval", "--const", "2a=1", "1"}, 1, "",
        "orvane-batch eval: --const: \"2a=1\" is not NAME=EXPR with a name of a letter followed by letters and "
        "digits\n"},
-      {{"--x", "abc", "x"}, 1, "", "orvane-batch eval: --x: not a number: \"abc\"\n"},
-      {{"--x"}, 1, "", "orvane-batch eval: --x needs 1 value\n"},
-      {{}, 1, "", "orvane-batch eval: missing EXPR\n"},
+      {{"eval", "--x", "abc", "x"}, 1, "", "orvane-batch eval: --x: not a number: \"abc\"\n"},
+      {{"eval", "--x"}, 1, "", "orvane-batch eval: --x needs 1 value\n"},
+      {{"eval"}, 1, "", "orvane-batch eval: missing EXPR\n"},
+      {{"frobnicate"}, 1, "", "orvane-batch: unknown command \"frobnicate\" (orvane-batch --help lists them)\n"},
+      {{"fit", "--bogus", "x.csv"}, 1, "", "orvane-batch fit: unknown option --bogus\n"},
+      {{"study", "x", "--error", "1", "--error", "2", "roots"}, 1, "",
+       "orvane-batch study: --error is given more than once\n"},
   };
-  for (const EvalCase& c : cases) {
-    std::vector<std::string> args = {"eval"};
-    args.insert(args.end(), c.args.begin(), c.args.end());
-    const BatchRun run = runBatch(args);
-    SCOPED_TRACE(c.args.empty() ? std::string("(none)") : c.args.back());
+  for (const auto& c : cases) {
+    const BatchRun run = runBatch(c.args);
+    SCOPED_TRACE(c.args.back());
     EXPECT_EQ(run.status, c.status);
     EXPECT_EQ(run.out, c.out);
     EXPECT_EQ(run.err, c.err);
   }
-}
-
-TEST(BatchCommandLine, HelpForEveryCommandAndClearUsageErrors) {
   for (const std::string command : {"eval", "fit", "report", "study", "plot2d", "stereo"}) {
     const BatchRun run = runBatch({command, "--help"});
     EXPECT_EQ(run.status, 0) << command;
     EXPECT_EQ(run.out.rfind("Usage: orvane-batch " + command, 0), 0u) << command;
     EXPECT_EQ(run.err, "");
   }
-  const BatchRun top = runBatch({"--help"});
+  const BatchRun top = runBatch({"--help"}), none = runBatch({});
   EXPECT_EQ(top.status, 0);
   EXPECT_NE(top.out.find("stereo"), std::string::npos);
-
-  const struct {
-    std::vector<std::string> args;
-    std::string err;  // a part of standard error
-  } usageErrors[] = {
-      {{}, "Usage:"},
-      {{"frobnicate"}, "unknown command \"frobnicate\""},
-      {{"fit", "--bogus", "x.csv"}, "orvane-batch fit: unknown option --bogus\n"},
-      {{"study", "x", "--error", "1", "--error", "2", "roots"},
-       "orvane-batch study: --error is given more than once\n"},
-  };
-  for (const auto& row : usageErrors) {
-    const BatchRun run = runBatch(row.args);
-    EXPECT_EQ(run.status, 1) << row.err;
-    EXPECT_EQ(run.out, "") << row.err;
-    EXPECT_NE(run.err.find(row.err), std::string::npos) << run.err;
-  }
+  EXPECT_TRUE(none.status == 1 && none.out.empty());
+  EXPECT_EQ(none.err, top.out);  // no command: the same help, as an error
 }
+
+const char* const kLine = "y,x\n3.5,1\n4.5,2\n7.5,3\n8,4\n";
 
 class BatchFiles : public ::testing::Test {
  protected:
@@ -98,23 +79,21 @@ class BatchFiles : public ::testing::Test {
     writeFile(path(name), bytes);
     return path(name);
   }
-  // Four sets near a line: the listing below.
-  std::string line() const { return csv("line.csv", "y,x\n3.5,1\n4.5,2\n7.5,3\n8,4\n"); }
+  // Four sets near a line: lineListing() below.
+  std::string line() const { return csv("line.csv", kLine); }
+  // A header the window would not take, separated by ";".
+  std::string stack() const {
+    return csv("stack.csv", "stack.loss;\"Acid Conc.\";y_1\n42;89;80\n37;86;80\n37;72;75\n28;79;62\n");
+  }
   QTemporaryDir dir;
 };
 
-// The results list of lstCoeff, written out as the window shows it.
-const std::vector<std::string> kLineListing = {
-    "              CORRELATION COEFFICIENT=0.962708943886104",
-    "STANDARD ERROR OF ESTIMATE (UNBIASED)=0.733143914930759",
-    "                    SUM (RESIDUALS)^2=1.075",
-    "           AVERAGE OF FUNCTION(GIVEN)=5.875",
-    "       AVERAGE OF FUNCTION(ESTIMATED)=5.875",
-    "",
-    "COEFFICIENTS:",
-    "A0=1.75",
-    "A1=1.65",
-};
+// The results list of lstCoeff for that table, as the window's routines give it.
+std::vector<std::string> lineListing() {
+  RegressionProblem p = ParseCsvProblem("line.csv", kLine);
+  Compute(p);
+  return ResultsListing(p);
+}
 
 TEST_F(BatchFiles, CsvWithQuotedNamesBlankLinesAndCrLfGivesTheWindowsListing) {
   const std::string messy =
@@ -122,7 +101,7 @@ TEST_F(BatchFiles, CsvWithQuotedNamesBlankLinesAndCrLfGivesTheWindowsListing) {
   for (const std::string& file : {line(), messy}) {
     const BatchRun run = runBatch({"fit", file});
     EXPECT_EQ(run.status, 0) << run.err;
-    EXPECT_EQ(run.outLines(), kLineListing) << file;
+    EXPECT_EQ(run.outLines(), lineListing()) << file;
   }
 }
 
@@ -131,28 +110,20 @@ TEST_F(BatchFiles, CsvWithQuotedNamesBlankLinesAndCrLfGivesTheWindowsListing) {
 // is no regular file is refused at once by every reader (a pipe without a writer must
 // not hold it, nor /dev/zero fill the memory), as is a pair without its data file.
 TEST_F(BatchFiles, RefusalsSayWhyAndPrintNothing) {
-  const struct {
-    std::string bytes;
-    std::string expected;  // after "<file>, "
-  } tables[] = {
-      {"y,x\r\n1,2\r\n\r\n2,abc\r\n3,4\r\n", "line 4: expected a number in column 2 (x), not \"abc\".\n"},
-      {"y,x\n1,2\n2,3,4\n3,4\n", "line 3: expected 2 numbers separated by \",\", found 3 fields.\n"},
-      {"y,x\n1,2\n2,\n3,4\n", "line 3: expected a number in column 2 (x), not \"\".\n"},
-      {"y,x\n1,2\n2,3\n", "line 3: expected at least 3 data sets, found 2.\n"},
-      {"", "line 1: expected a header line naming the columns.\n"},
-      {"y\n1\n2\n3\n", "line 1: expected a header naming the dependent variable and at least one "
-                       "independent variable, separated by \",\", \";\" or tabs.\n"},
-      {"y;x\n1;2\n2;3,5\n3;4\n", "line 3: expected a number in column 2 (x), not \"3,5\".\n"},
-      {"y\tx\n1\t2\n2\t3\t4\n3\t4\n", "line 3: expected 2 numbers separated by tabs, found 3 fields.\n"},
-      {"y,\"x\n1,2\n", "line 1: expected a closing quote.\n"},
-      {"y,x\n1,nan\n2,3\n3,4\n", "line 2: expected a number in column 2 (x), not \"nan\".\n"},
-  };
   std::vector<std::pair<std::vector<std::string>, std::string>> rows;
-  for (const auto& table : tables) {
-    const std::string file = csv("bad" + std::to_string(rows.size()) + ".csv", table.bytes);
-    rows.push_back({{"fit", file}, file + ", " + table.expected});
-  }
-  const std::string stack = csv("stack.csv", "stack.loss;\"Acid Conc.\";y_1\n42;89;80\n37;86;80\n37;72;75\n28;79;62\n");
+  const auto badTable = [&](const std::string& bytes, const std::string& expected) {  // after "<file>, "
+    const std::string file = csv("bad" + std::to_string(rows.size()) + ".csv", bytes);
+    rows.push_back({{"fit", file}, file + ", " + expected});
+  };
+  badTable("y,x\r\n1,2\r\n\r\n2,abc\r\n3,4\r\n", "line 4: expected a number in column 2 (x), not \"abc\".\n");
+  badTable("", "line 1: expected a header line naming the columns.\n");
+  badTable("y\n1\n2\n3\n", "line 1: expected a header naming the dependent variable and at least one "
+                          "independent variable, separated by \",\", \";\" or tabs.\n");
+  badTable("y;x\n1;2\n2;3,5\n3;4\n", "line 3: expected a number in column 2 (x), not \"3,5\".\n");
+  badTable("y\tx\n1\t2\n2\t3\t4\n3\t4\n", "line 3: expected 2 numbers separated by tabs, found 3 fields.\n");
+  badTable("y,\"x\n1,2\n", "line 1: expected a closing quote.\n");
+  badTable("y,x\n1,nan\n2,3\n3,4\n", "line 2: expected a number in column 2 (x), not \"nan\".\n");
+  const std::string stack = this->stack();
   const std::string dependent = csv("dep.csv", "y,x1,x2\n1,1,1\n2,2,2\n3,3,3\n4,4,4\n");
   const std::string pipe = path("pipe"), folder = dir.path().toStdString(), none = path("none.csv");
   const std::string pairHead = "3,1,#FALSE#,\"y\"\r\nx\r\n";
@@ -187,17 +158,6 @@ TEST_F(BatchFiles, RefusalsSayWhyAndPrintNothing) {
   }
 }
 
-// --rename takes the names the window offers, whatever the separator.
-TEST_F(BatchFiles, RenamedHeaderNamesAreSaved) {
-  const std::string file = csv("stack.csv", "stack.loss;\"Acid Conc.\";y_1\n42;89;80\n37;86;80\n37;72;75\n28;79;62\n");
-  const BatchRun renamed = runBatch({"fit", "--rename", file, "--save", path("stack.txt")});
-  EXPECT_EQ(renamed.status, 0) << renamed.err;
-  const RegressionProblem saved = ReadRegressionFiles(path("stack.txt"));
-  EXPECT_EQ(saved.dependentName, "stackloss");
-  EXPECT_EQ(saved.names, (std::vector<std::string>{"AcidConc", "y1"}));
-  EXPECT_EQ(saved.X(3, 4), 28);
-}
-
 TEST_F(BatchFiles, SingularAndOverflowingFitsExitWithTheReason) {
   const BatchRun dependent = runBatch({"fit", csv("dep.csv", "y,x1,x2\n1,1,1\n2,2,2\n3,3,3\n4,4,4\n")});
   EXPECT_EQ(dependent.status, 1);
@@ -211,7 +171,7 @@ TEST_F(BatchFiles, SingularAndOverflowingFitsExitWithTheReason) {
       "of the data.\n";
   const BatchRun fit = runBatch({"fit", huge, "--save", path("huge.txt")});
   EXPECT_EQ(fit.status, 1);
-  EXPECT_EQ(fit.outLines().at(2), "                    SUM (RESIDUALS)^2=0");
+  EXPECT_EQ(fit.outLines().size(), 9u);  // the listing all the same
   EXPECT_EQ(fit.err, why);
   EXPECT_FALSE(std::filesystem::exists(path("huge.txt")));
   const BatchRun report = runBatch({"report", huge, "--pdf", path("huge.pdf")});
@@ -220,8 +180,7 @@ TEST_F(BatchFiles, SingularAndOverflowingFitsExitWithTheReason) {
   EXPECT_FALSE(std::filesystem::exists(path("huge.pdf")));
 }
 
-// --stats adds the statistics after the listing, --json gives them instead as one object;
-// ill-conditioned data warn on standard error and still succeed.
+// --stats adds the statistics after the listing, --json gives them instead as one object.
 TEST_F(BatchFiles, StatisticsBesideOrInsteadOfTheListing) {
   const std::string file = line();
   const BatchRun stats = runBatch({"fit", "--stats", file});
@@ -229,37 +188,25 @@ TEST_F(BatchFiles, StatisticsBesideOrInsteadOfTheListing) {
   EXPECT_EQ(stats.err, "");
   const std::vector<std::string> lines = stats.outLines();
   ASSERT_GT(lines.size(), 13u);
-  EXPECT_EQ(std::vector<std::string>(lines.begin(), lines.begin() + 9), kLineListing);
-  EXPECT_EQ(lines[10], "Coefficients:");  // (the table itself: FitSummaryTest)
-  EXPECT_EQ(lines[13].substr(0, 10), "A1 x      ");
+  EXPECT_EQ(std::vector<std::string>(lines.begin(), lines.begin() + 9), lineListing());
+  EXPECT_EQ(lines[13].substr(0, 10), "A1 x      ");  // after a blank line (the table itself: FitSummaryTest)
 
   const BatchRun json = runBatch({"fit", "--json", file});
   ASSERT_EQ(json.status, 0) << json.err;
   const QJsonObject object = QJsonDocument::fromJson(QByteArray::fromStdString(json.out)).object();
   const QJsonObject slope = object.value("coefficients").toArray().at(1).toObject();
-  EXPECT_NEAR(slope.value("estimate").toDouble(), 1.65, 1e-14);  // the listing's A1
-  EXPECT_NEAR(slope.value("std_error").toDouble(), std::sqrt(1.075 / 2 / 5), 1e-15);  // s² / Sxx
-  EXPECT_EQ(object.value("df_residual").toInt(), 2);
-
-  const BatchRun filip = runBatch({"fit", dataFile("../../regression/data/Filip.csv")});
-  EXPECT_EQ(filip.status, 0);
-  EXPECT_EQ(filip.outLines().size(), 18u);
-  EXPECT_EQ(filip.err, "Warning: only about 0 digits of the coefficients can be trusted (ill-conditioned data); "
-                       "see Statistics.\n");
+  EXPECT_EQ("A1=" + formatGeneral(slope.value("estimate").toDouble()), lines[8]);  // the listing's A1
 }
 
+// --save writes the pair the regression window's Open reads, with the header's names as
+// --rename corrects them (the window's offer, whatever the separator).
 TEST_F(BatchFiles, SavedPairOpensWithTheSameListing) {
-  const std::string source = csv("data.csv", "yield,temp,\"pressure\"\r\n1,2,3\r\n2,3,5\r\n3,5,7.5\r\n4,4,-1\r\n");
-  const std::string rule = path("saved.txt");
-  const BatchRun fit = runBatch({"fit", source, "--save", rule});
+  const std::string source = stack(), rule = path("saved.txt");
+  const BatchRun fit = runBatch({"fit", "--rename", source, "--save", rule});
   ASSERT_EQ(fit.status, 0) << fit.err;
-
-  // What the regression window's Open reads.
   const RegressionProblem opened = ReadRegressionFiles(rule);
-  EXPECT_TRUE(opened.computed && opened.N == 4);
-  EXPECT_EQ(opened.dependentName, "yield");
-  EXPECT_EQ(opened.names, (std::vector<std::string>{"temp", "pressure"}));
-  EXPECT_TRUE(opened.X(2, 4) == -1 && opened.X(3, 3) == 3);
+  EXPECT_EQ(opened.dependentName, "stackloss");
+  EXPECT_EQ(opened.names, (std::vector<std::string>{"AcidConc", "y1"}));
   EXPECT_EQ(ResultsListing(opened), fit.outLines());
 
   // And the pair read back by the tool itself gives the same list.
@@ -268,7 +215,7 @@ TEST_F(BatchFiles, SavedPairOpensWithTheSameListing) {
   EXPECT_EQ(again.out, fit.out);
 
   // A save that cannot be written says so and leaves nothing behind.
-  const BatchRun unwritable = runBatch({"fit", source, "--save", path("no/such/dir/x.txt")});
+  const BatchRun unwritable = runBatch({"fit", "--rename", source, "--save", path("no/such/dir/x.txt")});
   EXPECT_EQ(unwritable.status, 1);
   EXPECT_NE(unwritable.err.find("x.txt"), std::string::npos);
   EXPECT_FALSE(std::filesystem::exists(path("no")));
@@ -281,29 +228,25 @@ TEST_F(BatchFiles, ReportAsTextOrAWholePdf) {
   ASSERT_EQ(run.status, 0) << run.err;
   const std::vector<std::string> lines = run.outLines();
   ASSERT_EQ(lines.size(), 32u);  // (the lines before computing: RegressionReportTest)
+  const std::vector<std::string> listing = lineListing();
   EXPECT_EQ(std::vector<std::string>(lines.begin() + 3, lines.begin() + 8),
-            std::vector<std::string>(kLineListing.begin(), kLineListing.begin() + 5));
+            std::vector<std::string>(listing.begin(), listing.begin() + 5));
   EXPECT_EQ(lines[11], "A 0 = 1.75 ");
-  EXPECT_EQ(lines[12], "A 1 = 1.65 ");
   EXPECT_EQ(lines[14], "DATA:                            ESTIMATE:              RESIDUAL:");
   // Estimate at column 34, residual at 57: a negative one with its "-" there.
   EXPECT_EQ(lines[18], "y= 3.5                            3.4                    0.100000000000001 ");
   EXPECT_EQ(lines[22], "y= 4.5                            5.05                  -0.549999999999999 ");
-  EXPECT_EQ(lines[30], "y= 8                              8.35                  -0.35 ");
 
   const std::string pdf = path("report.pdf");
   ASSERT_EQ(runBatch({"report", file, "--pdf", pdf}).status, 0);
-  std::ifstream in(pdf, std::ios::binary);
-  std::string head(5, '\0');
-  in.read(head.data(), 5);
-  EXPECT_EQ(head, "%PDF-");
+  EXPECT_EQ(readText(pdf).substr(0, 5), "%PDF-");
   EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), (QStringList{"line.csv", "report.pdf"}));  // no temporary left
 }
 
 // Without --save a table is read pass by pass instead of held: what fit prints must be
 // the held fit's to the byte, on NIST's linear sets and on a table of megabytes (read in
 // halves at once) with a byte-order mark, blank lines, CR LF and quoted fields, and
-// with a bad field late in it.
+// with a bad field late in it. Ill-conditioned data warn on standard error and still succeed.
 TEST(BatchCsv, AStreamedFitPrintsWhatTheHeldFitPrints) {
   QTemporaryDir dir;
   std::vector<std::string> tables;
@@ -334,6 +277,7 @@ TEST(BatchCsv, AStreamedFitPrintsWhatTheHeldFitPrints) {
       EXPECT_EQ(a.out, b.out);
       EXPECT_EQ(a.err, b.err);
       EXPECT_EQ(b.status, table.ends_with("bad.csv") ? 1 : 0) << b.err;
+      EXPECT_EQ(b.err.starts_with("Warning: only about 0 digits"), table.ends_with("Filip.csv")) << b.err;
     }
   }
 }

@@ -21,17 +21,6 @@ std::string crlf(const std::vector<std::string>& lines) {
   return text;
 }
 
-// What reading the pair says, as if it were /tmp/study.txt. (Bad pairs of every kind:
-// RegressionFileHostileTest.)
-std::string refusal(const std::string& problemText, const std::string& dataText) {
-  try {
-    ParseRegressionFiles("/tmp/study.txt", problemText, dataText);
-  } catch (const RegressionFileError& e) {
-    return e.what();
-  }
-  return "read without complaint";
-}
-
 RegressionProblem sample() {
   return makeProblem(2, {{1, 0.5, 3.5}, {2, -1.25, -3.5}, {3, 4, 0}, {4.5, 1e-7, 12}}, {"x", "t"}, "yield");
 }
@@ -52,11 +41,9 @@ TEST(RegressionFile, LinesBeforeAndAfterComputing) {
   EXPECT_EQ(DataText(p), crlf(data));
 
   // Saved before the sets exist: zeros, not a read outside the matrix.
-  RegressionProblem bare;
-  bare.m = 1;
+  RegressionProblem bare = makeProblem(1, {}, {"x"});
+  bare.X = {};
   bare.N = 3;
-  bare.names = {"x"};
-  bare.dependentName = "y";
   EXPECT_EQ(ProblemText(bare), crlf({"3,1,#FALSE#,\"y\"", "x"}));
   EXPECT_EQ(DataText(bare), crlf({"3,1", " 0", " 0", " 0", " 0", " 0", " 0"}));
 }
@@ -96,7 +83,6 @@ TEST(RegressionFile, RoundTripThroughDisk) {
       EXPECT_EQ(ResultsListing(back), ResultsListing(p));
     }
   }
-  EXPECT_EQ(DataFileName("study.dat"), "study.dat.dat");
 }
 
 // Files of megabytes are written and read in parts at once: the sets come back in their
@@ -135,7 +121,8 @@ TEST(RegressionFile, LargeFilesKeepTheirOrderAndTheirFirstFault) {
       {"short and bad", data({{10, "x"}}, 3), "line 12: expected the value of x in data set 6."},
       {"short", data({}, 3), "line 599999: expected value 2 of data set 299999 (the file ends before it)."},
   };
-  for (const auto& c : cases) EXPECT_EQ(refusal(main, c.data), "/tmp/study.txt.dat, " + c.message) << c.what;
+  for (const auto& c : cases)
+    EXPECT_EQ(testing::refusal("/tmp/study.txt", main, c.data), "/tmp/study.txt.dat, " + c.message) << c.what;
 }
 
 }  // namespace

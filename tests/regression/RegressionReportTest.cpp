@@ -30,11 +30,9 @@ TEST(RegressionReport, BeforeComputingNamesAndDataOnly) {
     PrintRegressionReport(other, p, sets);
     EXPECT_EQ(other.texts().size(), sets == 1 ? 11u : sets > 0 ? 16u : 6u) << sets;
   }
-  RegressionProblem bare;  // names set, data not yet created: the header only
-  bare.m = 1;
+  RegressionProblem bare = makeProblem(1, {});  // names set, data not yet created: the header only
+  bare.X = {};
   bare.N = 5;
-  bare.names = {"x"};
-  bare.dependentName = "y";
   RecordingPrinterPage header;
   PrintRegressionReport(header, bare, 5);
   EXPECT_EQ(header.texts().size(), 6u);

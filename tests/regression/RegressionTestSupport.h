@@ -18,6 +18,7 @@
 
 #include "platform/NumberText.h"
 #include "regression/CsvProblem.h"
+#include "regression/RegressionFile.h"
 #include "regression/RegressionProblem.h"
 
 namespace orvane::testing {
@@ -69,11 +70,27 @@ inline std::string readText(const std::filesystem::path& path) {
   return text.str();
 }
 
+// What reading says of the pair `file` of these texts, or of `problemText` as the table
+// `file`; nothing when it reads.
+inline std::string refusal(const std::string& file, const std::string& problemText, const std::string& dataText,
+                           bool table = false) {
+  try {
+    if (table) ParseCsvProblem(file, problemText);
+    else ParseRegressionFiles(file, problemText, dataText);
+  } catch (const RegressionFileError& e) {
+    return e.what();
+  }
+  return "";
+}
+
+inline std::filesystem::path sourceDir() {
+  const char* root = std::getenv("ORVANE_SOURCE_DIR");
+  return root ? std::filesystem::path(root) : std::filesystem::path(__FILE__).parent_path().parent_path().parent_path();
+}
+
 // A file under tests/regression/data, read whole; a missing one ends the test.
 inline std::string readDataText(const std::string& name) {
-  const char* root = std::getenv("ORVANE_SOURCE_DIR");
-  const std::filesystem::path path = (root ? std::filesystem::path(root) / "tests/regression/data"
-                                           : std::filesystem::path(__FILE__).parent_path() / "data") / name;
+  const std::filesystem::path path = sourceDir() / "tests/regression/data" / name;
   std::string text = readText(path);
   if (text.empty()) throw std::runtime_error("no test data in " + path.string());
   return text;

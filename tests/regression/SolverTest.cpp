@@ -57,31 +57,20 @@ TEST(Solver, AnOverflowingSumIsSkippedAndReported) {
             (std::vector<double>{0x1.208e51c50ce2ep+0, 0x1.b921d333c9365p+1, 0x1.1d0e154c34d01p+5}));
 }
 
+// The statistics' values against certified ones: NistReferenceTest; here the rules of
+// small fits.
 TEST(Solver, StatisticsOfSmallFits) {
-  const struct {
-    const char* what;
-    RegressionProblem p;
-    double correlation, standardError, residualSquares, averageGiven, A0, A1;
-  } cases[] = {
-      {"straight line", makeProblem(1, {{1, 3}, {2, 5}, {3, 7}}), 1, 0, 0, 5, 1, 2},
-      {"all given equal: correlation 1", makeProblem(1, {{1, 4}, {2, 4}, {3, 4}}), 1, 0, 0, 4, 4, 0},
-      // Residuals -0.3, 0.9, -0.9, 0.3; divisor N - 2 = 2.
-      {"noisy line", makeProblem(1, {{1, 1}, {2, 3}, {3, 2}, {4, 4}}), 0.8, std::sqrt(0.9), 1.8, 2.5, 0.5, 0.8},
-  };
-  for (auto c : cases) {
-    ASSERT_EQ(Compute(c.p), FitOutcome::Computed) << c.what;
-    EXPECT_TRUE(c.p.computed) << c.what;
-    const FitStatistics& s = c.p.statistics;
-    EXPECT_NEAR(s.correlation, c.correlation, 1e-14) << c.what;
-    EXPECT_NEAR(s.standardError, c.standardError, 1e-7) << c.what;  // root of a rounding residue
-    EXPECT_NEAR(s.residualSquares, c.residualSquares, 1e-14) << c.what;
-    EXPECT_NEAR(s.averageGiven, c.averageGiven, 1e-14) << c.what;
-    EXPECT_NEAR(s.averageEstimated, c.averageGiven, 1e-14) << c.what;
-    EXPECT_NEAR(c.p.A[0], c.A0, 1e-13) << c.what;
-    EXPECT_NEAR(c.p.A[1], c.A1, 1e-13) << c.what;
-  }
+  // All given values equal: correlation 1, not 0 / 0.
+  RegressionProblem flat = makeProblem(1, {{1, 4}, {2, 4}, {3, 4}});
+  ASSERT_EQ(Compute(flat), FitOutcome::Computed);
+  EXPECT_TRUE(flat.computed);
+  const FitStatistics& s = flat.statistics;
+  EXPECT_EQ(std::vector<double>({s.correlation, s.standardError, s.residualSquares, s.averageGiven,
+                                 s.averageEstimated}),
+            std::vector<double>({1, 0, 0, 4, 4}));
   // The standard error divides by N - 2 whatever m is: 3 not 2 for m = 2, 2 not 0 for m = 3.
-  for (RegressionProblem p : {makeProblem(2, {{1, 0, 1}, {2, 1, 3}, {3, 0, 2}, {4, 1, 4}, {5, 0, 9}}),
+  for (RegressionProblem p : {makeProblem(1, {{1, 1}, {2, 3}, {3, 2}, {4, 4}}),
+                              makeProblem(2, {{1, 0, 1}, {2, 1, 3}, {3, 0, 2}, {4, 1, 4}, {5, 0, 9}}),
                               makeProblem(3, {{1, 0, 2, 1}, {2, 1, 3, 3}, {3, 0, 7, 2}, {4, 1, 1, 4}})}) {
     ASSERT_EQ(Compute(p), FitOutcome::Computed) << "m=" << p.m;
     EXPECT_DOUBLE_EQ(p.statistics.standardError, std::sqrt(p.statistics.residualSquares / (p.N - 2))) << p.m;
@@ -150,8 +139,7 @@ TEST(Solver, EstimatesAndFittedFunction) {
     const RegressionProblem* p;
     std::vector<std::string> texts;
     double expected;
-  } points[] = {{&one, {"3"}, 7},      {&one, {""}, 1},           {&one, {"2abc"}, 5},    {&one, {}, 1},
-                {&one, {" -1.5"}, -2}, {&two, {"1", "1e"}, 6},    {&two, {"", "e5"}, 1},  {&two, {"2"}, 5},
+  } points[] = {{&one, {"2abc"}, 5}, {&one, {}, 1}, {&two, {"", "e5"}, 1}, {&two, {"2"}, 5},
                 {&two, {"1", "2", "9"}, 9}};
   for (const auto& c : points) EXPECT_EQ(EstimateAt(*c.p, c.texts), c.expected) << c.texts.size();
   one.A = {1, 1e308, 0};
@@ -167,9 +155,8 @@ TEST(Solver, EstimatesAndFittedFunction) {
     std::vector<double> A;
     bool computed;
     std::string expected;
-  } texts[] = {{1, {1, 2, 0}, true, "1+2*x"},        {1, {-0.5, -2, 0}, true, "-0.5+-2*x"},
-               {1, {1.5e-7, 1e20, 0}, true, "1.5E-07+1E+20*x"}, {2, {2.5, -0.75, 3, 0}, true, "2.5+-0.75*x+3*y"},
-               {1, {1, 2, 0}, false, ""},        {3, {1, 2, 3, 4, 0}, true, ""}};
+  } texts[] = {{1, {-0.5, -2, 0}, true, "-0.5+-2*x"}, {2, {2.5, -0.75, 3, 0}, true, "2.5+-0.75*x+3*y"},
+               {1, {1, 2, 0}, false, ""},              {3, {1, 2, 3, 4, 0}, true, ""}};
   for (const auto& c : texts) {
     RegressionProblem q = makeProblem(c.m, {});
     q.A = c.A;

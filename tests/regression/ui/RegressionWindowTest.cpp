@@ -1,10 +1,6 @@
-// The regression window as a user drives it: fields filled in order and locked, data
-// typed and pasted into the editor and undone, Compute, Evaluations, Add data, Save and
-// Open, tables of text imported, Print; the Statistics window following the fit, the
-// warning on ill-conditioned data, and the 2-D window's bands around the fitted function.
-//
-// Keys go where a person's keys go, to the widget that holds the focus in the active
-// window; the keyboard test also runs on a real X server (see CMakeLists.txt).
+// The regression window and the windows it opens, as a user drives them. Keys go where a
+// person's keys go, to the widget that holds the focus in the active window; the keyboard
+// tests also run on a real X server (see CMakeLists.txt).
 
 #include <QAbstractItemModelTester>
 #include <QAction>
@@ -18,7 +14,6 @@
 #include <QListWidget>
 #include <QMimeData>
 #include <QPushButton>
-#include <QTableView>
 #include <QTableWidget>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -147,18 +142,6 @@ struct MainWindow {
     return true;
   }
 
-  // x = 1..5 against y = 1 + 2x with a little scatter, typed row by row (y, Right, x)
-  // and the editor closed.
-  bool typeLineData() {
-    if (!openEditor()) return false;
-    const char* given[] = {"3.1", "4.9", "7", "9.2", "10.8"};
-    for (int r = 0; r < 5; ++r)
-      if (!press(QStringLiteral("%1 Enter Right %2 Enter Down Left").arg(given[r]).arg(r + 1))) return false;
-    window.editor()->cmdExit->click();
-    return problem.X(2, 4) == 9.2 && problem.X(1, 5) == 5.0;  // the first grid column is the dependent
-  }
-  bool withLineData() { return setUp("1", "y", "x", "5") && typeLineData(); }
-
   // Keys pressed in the main window, made active again as closing the editor leaves it.
   bool pressInMain(QKeyCombination key) {
     window.activateWindow();
@@ -187,7 +170,6 @@ class RegressionWindowTest : public QObject {
     QVERIFY(!w.mnuPrint->isEnabled() && !w.mnuAbout->isVisible());
 
     QVERIFY(!w.enter(w.txtOrder, "0"));
-    QVERIFY(!w.enter(w.txtOrder, "abc"));
     QVERIFY(w.enter(w.txtOrder, "2.5"));  // halves round to even
     QCOMPARE(w.problem.m, 2);
     QVERIFY(!w.txtOrder->isEnabled() && w.cmdPlot->isVisible() && !w.mnuOpen->isEnabled());
@@ -203,13 +185,7 @@ class RegressionWindowTest : public QObject {
 
     QVERIFY(!w.enter(w.txtN, "2"));
     QVERIFY(w.dialogs.messages().empty());  // refusals are silent
-    QVERIFY(!w.enter(w.txtN, "many"));
-    QCOMPARE(w.dialogs.messages().back().prompt, std::string("Type mismatch"));
     QVERIFY(w.enter(w.txtN, "3"));
-
-    MainWindow three;  // three variables never offer a plot
-    QVERIFY(three.enter(three.txtOrder, "3"));
-    QVERIFY(!three.cmdPlot->isVisible());
 
     // "Edit data" before the number of data sets: first the fields before it, silently,
     // then the number itself, its field holding the focus when the box says why.
@@ -244,16 +220,16 @@ class RegressionWindowTest : public QObject {
     QVERIFY(editor && editor->isVisible() && !w.window.isEnabled());
     QVERIFY(!w.txtN->isEnabledTo(&w.window) && w.cmdAddData->isEnabledTo(&w.window));
     QCOMPARE(editor->model()->headerData(0, Qt::Horizontal).toString(), QStringLiteral("y"));  // the dependent first
+    const char* given[] = {"3.1", "4.9", "7", "9.2", "10.8"};  // y = 1 + 2x, x = 1..5, with a little scatter
+    for (int r = 0; r < 5; ++r)
+      QVERIFY(w.press(QStringLiteral("%1 Enter Right %2 Enter Down Left").arg(given[r]).arg(r + 1)));
     editor->cmdExit->click();
-    QVERIFY(w.typeLineData());
-    QVERIFY(w.window.isEnabled());
+    QVERIFY(w.window.isEnabled() && w.problem.X(2, 4) == 9.2 && w.problem.X(1, 5) == 5.0);
 
     const int beeps = w.dialogs.beeps();
     w.cmdCompute->click();
-    const QStringList lines = listLines(w.lstCoeff);
-    QCOMPARE(lines.size(), 9);
-    QVERIFY(qAbs(lines[7].section('=', 1).toDouble() - 1.09) < 1e-12);  // 7 - 1.97 * 3
-    QVERIFY(qAbs(lines[8].section('=', 1).toDouble() - 1.97) < 1e-12);  // Sxy / Sxx = 19.7 / 10
+    const QStringList lines = listLines(w.lstCoeff);  // the listing's numbers: SolverTest
+    QVERIFY(lines.size() == 9 && lines[8].startsWith("A1=1.97"));  // Sxy / Sxx = 19.7 / 10
     QCOMPARE(w.dialogs.beeps(), beeps + 1);
     QVERIFY(w.cmdEvaluations->isEnabled() && w.window.workbench().fitted);
 
@@ -262,9 +238,7 @@ class RegressionWindowTest : public QObject {
     QVERIFY(s && s->isVisible());
     QCOMPARE(s->grdCoefficients->rowCount(), 2);
     QCOMPARE(s->grdCoefficients->item(1, 0)->text(), QStringLiteral("A1 x"));
-    // The estimate is the listing's own value; the standard error that of R's lm.
-    QCOMPARE(s->grdCoefficients->item(1, 1)->text(), lines[8].section('=', 1));
-    QVERIFY(qAbs(s->grdCoefficients->item(1, 2)->text().toDouble() - std::sqrt(0.091 / 30)) < 1e-15);
+    QCOMPARE(s->grdCoefficients->item(1, 1)->text(), lines[8].section('=', 1));  // the listing's own value
     QCOMPARE(listLines(s->lstSummary).filter(QRegularExpression("^Digits trusted: 1[45]")).size(), 1);
     QCOMPARE(s->cboResiduals->count(), 2);
     s->cboResiduals->setCurrentIndex(1);  // against x
@@ -329,7 +303,6 @@ class RegressionWindowTest : public QObject {
     w.dialogs.queueInputBox(std::string("2"));
     w.cmdAddData->click();
     QCOMPARE(w.txtN->text(), QStringLiteral("6"));
-    QCOMPARE(column(w.problem, 2), std::vector<double>({3.1, 10.8, 7, 9.2, 0, 0}));  // sets 1, 5, 3, 4 and two new
     QVERIFY(editor->isVisible() && editor->model()->rowCount() == 6);
     QCOMPARE(QStringList({cell(editor, 3, 0), cell(editor, 4, 0), cell(editor, 5, 1)}),
              QStringList({"9.2", "", ""}));  // typed cells keep their text, new sets are empty
@@ -414,20 +387,28 @@ class RegressionWindowTest : public QObject {
     QCOMPARE(editor->MSFlexGridEdit->columnWidth(1), base);
   }
 
+  // Filip, opened, printed, computed and saved under a new name: the listing has no
+  // correct digit and says nothing, the warning says so under the results and not inside
+  // them. Opened again, the pair shows the same results and the same warning.
   void savedProblemReopensWithItsResultsAndPrints() {
     const std::string path = inFolder("study.txt").toStdString();
     QStringList listing;
+    QString warning;
     {
       MainWindow w;
-      QVERIFY(w.withLineData());
+      const RegressionProblem filip = testing::readDataCsv("Filip");
+      w.open(inFolder("filip.txt"), &filip);
       w.mnuPrint->trigger();  // before computing: names and data (the lines: RegressionReportTest)
-      QCOMPARE(w.dialogs.printer().texts().at(7), std::string("x= 1 "));
-
+      QCOMPARE(w.dialogs.printer().texts().at(0), "DEPENDENT VARIABLE: " + filip.dependentName);
       w.cmdCompute->click();
       listing = listLines(w.lstCoeff);
-      QCOMPARE(w.titleEnd(), QStringLiteral(" - Untitled*"));
+      QVERIFY(listing.size() == 18 && !listing.join("\n").contains("Warning"));  // the listing as always
+      QVERIFY(w.lblWarning->isVisible());
+      warning = w.lblWarning->text();
+      QCOMPARE(warning,
+               "Warning: only about 0 digits of the coefficients can be trusted (ill-conditioned data); see Statistics.");
       w.dialogs.queueSaveFileName(path);
-      QVERIFY(w.pressInMain(Qt::CTRL | Qt::Key_S));
+      w.mnuSaveAs->trigger();
       QVERIFY(QFile::exists(QString::fromStdString(path + ".dat")));
       QCOMPARE(w.window.fileName(), path);
       QCOMPARE(w.titleEnd(), QStringLiteral(" - study.txt"));
@@ -447,12 +428,13 @@ class RegressionWindowTest : public QObject {
     QVERIFY(w.pressInMain(Qt::CTRL | Qt::Key_O));
     QCOMPARE(w.titleEnd(), QStringLiteral(" - study.txt"));
     QCOMPARE(listLines(w.lstCoeff), listing);
-    QVERIFY(w.cmdEvaluations->isEnabled());
-    QCOMPARE(QStringList({w.txtOrder->text(), w.txtN->text(), w.txtDepVarNam->text(), w.txtVarNams->text()}),
-             QStringList({"1", "5", "y", "x"}));
-    QVERIFY(!w.txtN->isEnabled() && !w.mnuOpen->isEnabled() && w.mnuSave->isEnabled() && w.cmdPlot->isVisible());
+    QVERIFY(w.lblWarning->isVisible() && w.mnuStatistics->isEnabled() && w.cmdEvaluations->isEnabled());
+    QCOMPARE(w.lblWarning->text(), warning);
+    QCOMPARE(QStringList({w.txtOrder->text(), w.txtN->text(), w.txtDepVarNam->text()}),
+             QStringList({"10", "82", "y"}));
+    QVERIFY(!w.txtN->isEnabled() && !w.mnuOpen->isEnabled() && w.mnuSave->isEnabled() && !w.cmdPlot->isVisible());
     QVERIFY(w.window.editor() && !w.window.editor()->isVisible());
-    QCOMPARE(cell(w.window.editor(), 3, 0), QStringLiteral("9.2"));
+    QCOMPARE(cell(w.window.editor(), 0, 0), QStringLiteral("0.8116"));
 
     // A change marks the title; Ctrl+S writes the same pair without asking.
     frmEdit* editor = w.openEditor();
@@ -462,7 +444,7 @@ class RegressionWindowTest : public QObject {
     QVERIFY(w.pressInMain(Qt::CTRL | Qt::Key_S));
     QCOMPARE(w.titleEnd(), QStringLiteral(" - study.txt"));
     QCOMPARE(w.dialogs.fileDialogs().size(), size_t{2});  // the two Opens only
-    QCOMPARE(ReadRegressionFiles(path).X(2, 1), 8.0);
+    QCOMPARE(ReadRegressionFiles(path).X(11, 1), 8.0);
   }
 
   // A header the problem cannot take: one list of every name offered, to accept or edit;
@@ -482,8 +464,7 @@ class RegressionWindowTest : public QObject {
     QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(&cancelled.window, &drop);
     QCOMPARE(cancelled.dialogs.nameLists().size(), size_t{1});
-    QVERIFY(cancelled.mnuOpen->isEnabled() && cancelled.txtOrder->isEnabled());
-    QCOMPARE(cancelled.problem.m, 0);
+    QVERIFY(cancelled.mnuOpen->isEnabled() && cancelled.txtOrder->isEnabled() && cancelled.problem.m == 0);
 
     MainWindow w;
     w.dialogs.queueOpenFileName(path.toStdString());
@@ -504,7 +485,6 @@ class RegressionWindowTest : public QObject {
     QCOMPARE(QStringList({w.txtOrder->text(), w.txtN->text(), w.txtVarNams->text()}),
              QStringList({"3", "3", "AcidConc,y1,Temp"}));
     QCOMPARE(column(w.problem, 4), std::vector<double>({42, 37, 37}));  // the dependent, first in the table
-    QCOMPARE(column(w.problem, 2), std::vector<double>({80, 80, 75}));
     QVERIFY(!w.mnuOpen->isEnabled() && !w.mnuImportCsv->isEnabled() && w.mnuSave->isEnabled());
     QCOMPARE(w.titleEnd(), QStringLiteral(" - stack.csv"));
     QCOMPARE(w.window.fileName(), std::string());  // Save asks for a pair's name, never writes over the table
@@ -563,28 +543,6 @@ class RegressionWindowTest : public QObject {
              std::string("The pasted block is 3 cells wide; from this column on there is room for 2.\r"
                          "Nothing was pasted."));
     QCOMPARE(column(w.problem, 2), std::vector<double>({5, 1.5, 2, 30}));
-  }
-
-  // Filip: the listing has no correct digit and says nothing; the warning says so, under
-  // the results and not inside them, after Compute and after opening the computed pair.
-  void illConditionedDataWarnUnderTheResults() {
-    MainWindow w;
-    const RegressionProblem filip = testing::readDataCsv("Filip");
-    w.open(inFolder("filip.txt"), &filip);
-    w.cmdCompute->click();
-    QVERIFY(w.lblWarning->isVisible());
-    QCOMPARE(w.lblWarning->text(),
-             "Warning: only about 0 digits of the coefficients can be trusted (ill-conditioned data); see Statistics.");
-    QCOMPARE(w.lstCoeff->count(), 18);  // the listing as always
-    QVERIFY(!listLines(w.lstCoeff).join("\n").contains("Warning"));
-
-    w.dialogs.queueSaveFileName(inFolder("computed.txt").toStdString());
-    w.mnuSaveAs->trigger();
-    MainWindow reopened;
-    reopened.open(inFolder("computed.txt"));
-    QCOMPARE(listLines(reopened.lstCoeff), listLines(w.lstCoeff));
-    QCOMPARE(reopened.lblWarning->text(), w.lblWarning->text());
-    QVERIFY(reopened.lblWarning->isVisible() && reopened.mnuStatistics->isEnabled());
   }
 };
 
