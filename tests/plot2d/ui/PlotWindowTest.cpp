@@ -190,7 +190,7 @@ class PlotWindowTest : public QObject {
 
     box->setFocus();
     QTest::keyClick(box, Qt::Key_Plus);
-    QCOMPARE(setup(), QStringList({"-4", "6", "-1.5", "3.5", "2", "1"}));  // as "Zoom in", as the other keys
+    QCOMPARE(setup(), QStringList({"-4", "6", "-1.5", "3.5", "2", "1"}));  // as "Zoom in"; the keys share one table
     QVERIFY(messages().isEmpty());
     // A window without extent abandons the plot with a message, and nothing hangs.
     type("txtWindowgx", text("txtWindowlx"));
@@ -309,6 +309,7 @@ class PlotWindowTest : public QObject {
     type("txtDivx", "0.5");
     trigger("mnuPrint");
     const auto second = std::ranges::find(page.lines(), 2, &PrintedLine::document);
+    QVERIFY(second != page.lines().end());
     QCOMPARE(second->text, std::string("Plot of derivative # 2 "));
     const std::vector<std::string> lines = page.texts();
     QVERIFY(std::find(lines.begin(), lines.end(), "DIVISIONS: [ 0.5 , 2 ]") != lines.end());
