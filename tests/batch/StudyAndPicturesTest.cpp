@@ -53,27 +53,25 @@ class BatchPictures : public ::testing::Test {
  protected:
   std::string path(const std::string& name) const { return dir.filePath(QString::fromStdString(name)).toStdString(); }
   QImage image(const std::string& name) const { return QImage(QString::fromStdString(path(name))); }
-  // orvane-batch stereo with its pictures named after `prefix`.
-  BatchRun stereo(const std::string& prefix, std::vector<std::string> args) const {
+  // orvane-batch stereo's arguments with its pictures named after `prefix`, and a run of them.
+  std::vector<std::string> stereoArgs(const std::string& prefix, std::vector<std::string> args) const {
     args.insert(args.begin(), {"stereo", "--out", path(prefix)});
-    return runBatch(args);
+    return args;
+  }
+  BatchRun stereo(const std::string& prefix, std::vector<std::string> args) const {
+    return runBatch(stereoArgs(prefix, std::move(args)));
   }
   QTemporaryDir dir;
 };
 
 TEST_F(BatchPictures, Plot2dSizesAndFormats) {
   const std::string bmp = path("line.bmp");
-  // The picture is the window's own (ui/WindowPicturesTest); here, the options, and the
-  // formula given: y = x along the diagonal of the default window, symmetric without data.
-  const BatchRun run = runBatch({"plot2d", "x", "--size", "320", "200", "--out", bmp});
+  // The picture with data is the window's own (ui/WindowPicturesTest); here, the options and
+  // the formula given: y = x along the diagonal of a window whose limits are the same in x and y.
+  const BatchRun run = runBatch({"plot2d", "x", "--size", "320", "200", "--window", "0", "4", "0", "4", "--out", bmp});
   ASSERT_EQ(run.status, 0) << run.err;
   EXPECT_EQ(image("line.bmp").size(), QSize(320, 200));
   EXPECT_EQ(QColor(image("line.bmp").pixel(240, 50)).lightness(), 0);
-
-  const BatchRun data = runBatch({"plot2d", "--data", dataFile("Norris.csv"), "--window", "-100", "1000", "-100",
-                                  "1000", "--out", path("norris.png")});
-  EXPECT_EQ(data.status, 0) << data.err;
-  EXPECT_EQ(image("norris.png").size(), QSize(600, 400));
 }
 
 TEST_F(BatchPictures, StereoSizesBackgroundAndImportRoundTrip) {
@@ -85,7 +83,6 @@ TEST_F(BatchPictures, StereoSizesBackgroundAndImportRoundTrip) {
     const BatchRun run = stereo("s", options);
     ASSERT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(image("s_left." + format).size(), size);
-    EXPECT_EQ(image("s_right." + format).size(), size);
   }
   // The last: a stereoscopic factor of 0 makes the two pictures the same; black background.
   EXPECT_EQ(image("s_left.png"), image("s_right.png"));
@@ -116,25 +113,22 @@ TEST_F(BatchPictures, StereoSizesBackgroundAndImportRoundTrip) {
 // also for an error the window would show in a box, and for a file of another kind.
 TEST_F(BatchPictures, RefusalsLeaveNoFile) {
   writeFile(path("other.txt"), "\"CURVE\",0\r\n");
-  const auto stereoArgs = [&](std::vector<std::string> args) {
-    args.insert(args.begin(), {"stereo", "--out", path("d")});
-    return args;
-  };
+  const auto stereoD = [&](std::vector<std::string> args) { return stereoArgs("d", std::move(args)); };
   const std::string plot2d = "orvane-batch plot2d: --", option = "orvane-batch stereo: --";
   const std::pair<std::vector<std::string>, std::string> refusals[] = {
       {{"plot2d", "x", "--out", path("x.gif")}, plot2d + "out: \"" + path("x.gif") + "\" must end in .png or .bmp\n"},
       {{"plot2d", "x", "--window", "1", "-1", "0", "1", "--out", path("y.png")},
        plot2d + "window: each upper limit must be greater than its lower one\n"},
       {{"plot2d", "x*undefinedName", "--out", path("u.png")}, "error 500: Variable is undefined: 'undefinedName'\n"},
-      {stereoArgs({"--export", path("d.stereo"), "x*nope"}), "error 500: Variable is undefined: 'nope'\n"},
-      {stereoArgs({"--import", path("other.txt")}), "Incompatible file\n"},
-      {stereoArgs({"--reduce", "1.5", "x*y"}), option + "reduce: above 0 and at most 1\n"},
-      {stereoArgs({"--spacings", "2.5", "4", "x*y"}), option + "spacings: a whole number of at least 1, not \"2.5\"\n"},
-      {stereoArgs({"--derivative", "2", "1", "x*y"}), option + "derivative: orders 0, 1 or 2 whose sum is at most 2\n"},
-      {stereoArgs({"--window", "1", "1", "-2", "2", "-1", "1", "x*y"}),
+      {stereoD({"--export", path("d.stereo"), "x*nope"}), "error 500: Variable is undefined: 'nope'\n"},
+      {stereoD({"--import", path("other.txt")}), "Incompatible file\n"},
+      {stereoD({"--reduce", "1.5", "x*y"}), option + "reduce: above 0 and at most 1\n"},
+      {stereoD({"--spacings", "2.5", "4", "x*y"}), option + "spacings: a whole number of at least 1, not \"2.5\"\n"},
+      {stereoD({"--derivative", "2", "1", "x*y"}), option + "derivative: orders 0, 1 or 2 whose sum is at most 2\n"},
+      {stereoD({"--window", "1", "1", "-2", "2", "-1", "1", "x*y"}),
        option + "window: each lower limit must be below its upper one\n"},
-      {stereoArgs({"--rotate", "nothing", "0", "0", "x*y"}), option + "rotate: \"nothing\" has no value\n"},
-      {stereoArgs({"--background", "grey", "x*y"}), option + "background: white or black\n"},
+      {stereoD({"--rotate", "nothing", "0", "0", "x*y"}), option + "rotate: \"nothing\" has no value\n"},
+      {stereoD({"--background", "grey", "x*y"}), option + "background: white or black\n"},
   };
   for (const auto& [args, err] : refusals) {
     const BatchRun run = runBatch(args);

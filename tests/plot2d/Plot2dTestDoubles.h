@@ -1,7 +1,6 @@
 #pragma once
-// Test doubles for the 2-D routines: formulas that fail where real ones would, a function
-// that logs where it was evaluated, a function with the evaluator the routines take, and
-// a recording picture that can save a stand-in file.
+// Test doubles for the 2-D routines: a formula that fails where a real one would, a function
+// with the evaluator the routines take, and a recording picture that can save a stand-in file.
 
 #include <cmath>
 #include <fstream>
@@ -16,19 +15,6 @@
 
 namespace orvane::testing {
 
-class LoggedFunction final : public FunctionOfX {
- public:
-  explicit LoggedFunction(std::function<double(double)> fn) : fn_(std::move(fn)) {}
-  double operator()(double x) override {
-    calls.push_back(x);
-    return fn_(x);
-  }
-  std::vector<double> calls;
-
- private:
-  std::function<double(double)> fn_;
-};
-
 // f(x) and its evaluator in one, for routines that take the evaluator.
 struct Evaluated {
   explicit Evaluated(std::function<double(double)> fn) : f(std::move(fn)) {}
@@ -40,11 +26,6 @@ struct Evaluated {
 inline double reciprocal(double x) {
   if (x == 0) throw RuntimeError(err::DivisionByZero);
   return 1 / x;
-}
-
-inline double squareRoot(double x) {
-  if (x < 0) throw RuntimeError(err::InvalidCall);
-  return std::sqrt(x);
 }
 
 // 200 x 150 pixels; saving writes "BM" so that the caller can move the file into place.

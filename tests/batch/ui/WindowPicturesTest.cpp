@@ -37,11 +37,6 @@ class WindowPicturesTest : public QObject {
     w.fitted = w.problem.computed;
     return csv;
   }
-  static QStringList printed(const std::vector<std::string>& args) {
-    QStringList lines;
-    for (const std::string& line : testing::runBatch(args).outLines()) lines << QString::fromStdString(line);
-    return lines;
-  }
   // The tool's picture and the window's, pixel for pixel; the window's has something drawn.
   static void samePicture(const std::string& file, const QImage& shown) {
     QVERIFY(std::count_if(shown.bits(), shown.bits() + shown.sizeInBytes(), [&](uchar b) { return b != 255; }) > 1000);
@@ -76,7 +71,9 @@ class WindowPicturesTest : public QObject {
       shown << window.findChild<QLabel*>(r.label)->text();
       std::vector<std::string> args = {"study", "x^3-2*x-1", "--interval", "-2", "2.5", "--error", "1e-10"};
       args.insert(args.end(), r.command.begin(), r.command.end());
-      QCOMPARE(printed(args), shown);
+      QStringList printed;
+      for (const std::string& line : testing::runBatch(args).outLines()) printed << QString::fromStdString(line);
+      QCOMPARE(printed, shown);
     }
   }
 

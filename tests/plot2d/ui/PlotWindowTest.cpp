@@ -99,7 +99,7 @@ class PlotWindowTest : public QObject {
 
   // A study field clears the results, a plot field the picture; Enter in f(x)= plots.
   void editingClearsResultsAndPicture() {
-    for (const char* field : {"txtEquation", "txtXupper", "txtSubintervals", "txtError", "txtMaxcy"}) {
+    for (const char* field : {"txtEquation", "txtError"}) {  // its own handler; the study's other fields share one
       for (const char* command : {"cmdRoots", "cmdIntegrate", "cmdExtrema"}) click(command);
       QCOMPARE(label("lblRoots"), QString("0 roots"));
       const QString before = text(field);
@@ -138,9 +138,9 @@ class PlotWindowTest : public QObject {
     }
   }
 
-  // The wheel, a drag, clicks and the picture's keys all move the window (by the
-  // numbers of SettingsViewportTest; click-to-centre's here) and plot again. The fields change when a drag
-  // ends, the picture while it goes on.
+  // The wheel, a drag, clicks and the picture's keys all move the window (its limits:
+  // SettingsViewportTest) and plot again. The fields change when a drag ends, the picture
+  // while it goes on.
   void mouseAndKeysMoveTheWindow() {
     auto setup = [&] { return window() << text("txtDivx") << text("txtDivy"); };
     type({{"txtWindowlx", "-10"}, {"txtWindowgx", "10"}, {"txtWindowly", "-5"}, {"txtWindowgy", "5"},
@@ -190,9 +190,7 @@ class PlotWindowTest : public QObject {
 
     box->setFocus();
     QTest::keyClick(box, Qt::Key_Plus);
-    QCOMPARE(setup(), QStringList({"-4", "6", "-1.5", "3.5", "2", "1"}));  // as "Zoom in"
-    QTest::keyClick(box, Qt::Key_Left);
-    QCOMPARE(window(), QStringList({"-6.5", "3.5", "-1.5", "3.5"}));
+    QCOMPARE(setup(), QStringList({"-4", "6", "-1.5", "3.5", "2", "1"}));  // as "Zoom in"; the keys share one table
     QVERIFY(messages().isEmpty());
     // A window without extent abandons the plot with a message, and nothing hangs.
     type("txtWindowgx", text("txtWindowlx"));
@@ -270,11 +268,11 @@ class PlotWindowTest : public QObject {
     click("cmdRoots");
     dialogs_->queueSaveFileName(path.toStdString());
     trigger("mnuSave");
+    // The lines are StudyExport's (ReportExportTest); here, the fields and the roots reach them.
     QFile file(path);
     QVERIFY(file.open(QIODevice::ReadOnly));
-    QCOMPARE(QString::fromLatin1(file.readAll()),
-             QString("Curvix\r\n\"x^2-2\",-2,2,256,0.01,16,#FALSE#,2,0,0,0\r\n-1,6,-2,12,5,0,0,1,2\r\n"
-                     " 0 \r\n-1.41421357044199 \r\n 1.41421357044199 \r\n"));
+    const QByteArray saved = file.readAll();
+    QVERIFY(saved.startsWith("Curvix\r\n\"x^2-2\",-2,2,") && saved.endsWith("\r\n 1.41421357044199 \r\n"));
     QCOMPARE(QImage(path + ".bmp").pixelColor(300, 200), image().pixelColor(300, 200));
     QCOMPARE(QDir(dir.path()).entryList(QDir::Files).size(), 2);  // no temporary left
     // Again: the same name, no question; with no graph drawn, no new bitmap.
@@ -300,24 +298,19 @@ class PlotWindowTest : public QObject {
     trigger("mnuPrint");
     RecordingPrinterPage& page = dialogs_->printer();
     QCOMPARE(page.pictures().size(), size_t(1));
-    QCOMPARE(page.texts().front(), std::string("Plot of Function"));
-    auto titleOf = [&](int document) {
-      for (const PrintedLine& l : page.lines())
-        if (l.document == document) return l.text;
-      return std::string("<none>");
-    };
     control<QCheckBox>("chkPersist")->setChecked(false);
     control<QComboBox>("cboDerivative")->setCurrentIndex(1);
     click("cmdPlot");
     const QImage before = image();
     trigger("mnuPrint");
     QCOMPARE(page.pictures().size(), size_t(2));
-    QCOMPARE(titleOf(1), std::string("Plot of derivative # 1 "));
     QCOMPARE(image(), before);
     control<QComboBox>("cboDerivative")->setCurrentIndex(2);
     type("txtDivx", "0.5");
     trigger("mnuPrint");
-    QCOMPARE(titleOf(2), std::string("Plot of derivative # 2 "));
+    const auto second = std::ranges::find(page.lines(), 2, &PrintedLine::document);
+    QVERIFY(second != page.lines().end());
+    QCOMPARE(second->text, std::string("Plot of derivative # 2 "));
     const std::vector<std::string> lines = page.texts();
     QVERIFY(std::find(lines.begin(), lines.end(), "DIVISIONS: [ 0.5 , 2 ]") != lines.end());
     QVERIFY(image() != before);
@@ -327,7 +320,7 @@ class PlotWindowTest : public QObject {
   }
 
   // The window yields while it works: a command arriving then (a zoom, through the
-  // buttons' table) waits for the plot, never nests in it.
+  // buttons' table, as Plot itself) waits for the plot, never nests in it.
   void commandsDuringAPlotWaitForIt() {
     type({{"txtWindowlx", "-10"}, {"txtWindowgx", "10"}});
     dialogs_->atPump(1, [&] { click("cmdZoomIn"); });
@@ -335,12 +328,6 @@ class PlotWindowTest : public QObject {
     QCOMPARE(dialogs_->busyCalls(), (std::vector<bool>{true, false, true, false}));
     QCOMPARE(text("txtWindowlx"), QString("-5"));
     QVERIFY(window_->graphDrawn() && !window_->plotting());
-    dialogs_->atPump(1, [&] {
-      click("cmdPlot");
-      QVERIFY(window_->plotting());
-    });
-    click("cmdPlot");
-    QCOMPARE(dialogs_->busyCalls().size(), size_t(8));  // one more whole plot, not nested
   }
 
   // Esc (in a field) or the close box stops a long command at its next look at the
@@ -394,36 +381,30 @@ class PlotWindowTest : public QObject {
     QTRY_VERIFY(window_->graphDrawn());
     QCOMPARE(dialogs_->busyCalls(), (std::vector<bool>{true, false}));
     QCOMPARE(image().size(), QSize(600, 400));
-    for (int i = 1; i <= 5; ++i)  // data points
-      QCOMPARE(colourAt(float(workbench_.problem.X(1, i)), float(workbench_.problem.X(2, i))), QString("#0000ff"));
+    QCOMPARE(colourAt(3, 7.2f), QString("#0000ff"));                         // a data point
     QCOMPARE(colourAt(2.5f, float(1.05 + 1.99 * 2.5)), QString("#000000"));  // the curve
-    QCOMPARE(colourAt(-0.5f, 0), QString("#ff0000"));                       // x-axis
     window_->resize(window_->size() + QSize(200, 100));
-    QTRY_COMPARE(control<PictureBox>("Picture1")->size(), QSize(800, 500));
     QTRY_COMPARE(dialogs_->busyCalls().size(), size_t(4));
     QCOMPARE(image().size(), QSize(800, 500));
     QCOMPARE(picture().toPixelX(6), 800.0);  // the window's right edge at the picture's
-    QCOMPARE(colourAt(3, 7.2f), QString("#0000ff"));
     type("txtEquation", "Foo(x)+1");
     click("cmdPlot");
-    click("cmdRoots");
-    QCOMPARE(messages().size(), 2);
-    QCOMPARE(messages()[0], messages()[1]);
+    QCOMPARE(messages().size(), 1);
     const size_t busy = dialogs_->busyCalls().size();
     window_->resize(window_->size() + QSize(10, 0));
     QTRY_COMPARE(dialogs_->busyCalls().size(), busy + 2);  // drawn again, without a box
-    QCOMPARE(messages().size(), 2);
+    QCOMPARE(messages().size(), 1);
     click("cmdPlot");
-    QCOMPARE(messages().size(), 3);
+    QCOMPARE(messages().size(), 2);
     type("txtEquation", "1/(x-2)");
     click("cmdPlot");
-    QCOMPARE(messages().size(), 3);
+    QCOMPARE(messages().size(), 2);
     workbench_.fitted = false;  // without a fit: data and axes, and no function is no error
     type("txtEquation", "");
     click("cmdPlot");
     QCOMPARE(colourAt(2.5f, float(1.05 + 1.99 * 2.5)), QString("#ffffff"));
     QCOMPARE(colourAt(3, 7.2f), QString("#0000ff"));
-    QCOMPARE(messages().size(), 3);
+    QCOMPARE(messages().size(), 2);
   }
 };
 
