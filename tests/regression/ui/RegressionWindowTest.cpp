@@ -454,29 +454,28 @@ class RegressionWindowTest : public QObject {
     std::ofstream(path.toStdString(), std::ios::binary)
         << "stack.loss;\"Acid Conc.\";y_1;Temp\r\n42;89;80;27\r\n37;86;80;27\r\n37;72;75;25\r\n";
 
-    MainWindow cancelled;  // dropped on the window, a table opens as one; Cancel leaves the window fresh
-    cancelled.dialogs.queueEditNames(std::nullopt);
+    MainWindow w;  // dropped on the window, a table opens as one; Cancel leaves the window fresh
+    w.dialogs.queueEditNames(std::nullopt);
     QMimeData dragged;
     dragged.setUrls({QUrl::fromLocalFile(path)});
     QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(&cancelled.window, &enter);
+    QApplication::sendEvent(&w.window, &enter);
     QVERIFY(enter.isAccepted());
     QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(&cancelled.window, &drop);
-    QCOMPARE(cancelled.dialogs.nameLists().size(), size_t{1});
-    QVERIFY(cancelled.mnuOpen->isEnabled() && cancelled.txtOrder->isEnabled() && cancelled.problem.m == 0);
+    QApplication::sendEvent(&w.window, &drop);
+    QCOMPARE(w.dialogs.nameLists().size(), size_t{1});
+    QVERIFY(w.mnuOpen->isEnabled() && w.txtOrder->isEnabled() && w.problem.m == 0);
 
-    MainWindow w;
     w.dialogs.queueOpenFileName(path.toStdString());
     w.dialogs.queueEditNames(std::vector<std::string>{"loss", "Acid Conc", "TEMP"});
     w.dialogs.queueEditNames(std::vector<std::string>{"loss", "AcidConc", "y1"});
     w.mnuImportCsv->trigger();
-    QCOMPARE(w.dialogs.nameLists().size(), size_t{2});
-    const ScriptedDialogs::NamesRecord& asked = w.dialogs.nameLists()[0];
+    QCOMPARE(w.dialogs.nameLists().size(), size_t{3});
+    const ScriptedDialogs::NamesRecord& asked = w.dialogs.nameLists()[1];
     QCOMPARE(asked.labels, (std::vector<std::string>{"Column 1 (dependent), \"stack.loss\":",
                                                      "Column 2, \"Acid Conc.\":", "Column 3, \"y_1\":"}));
     QCOMPARE(asked.names, (std::vector<std::string>{"stackloss", "AcidConc", "y1"}));
-    QCOMPARE(w.dialogs.nameLists()[1].names, (std::vector<std::string>{"loss", "Acid Conc", "TEMP"}));
+    QCOMPARE(w.dialogs.nameLists()[2].names, (std::vector<std::string>{"loss", "Acid Conc", "TEMP"}));
     QCOMPARE(w.dialogs.messages().size(), size_t{1});  // "Acid Conc" is refused first
     QVERIFY(w.dialogs.messages()[0].prompt.find("\"Acid Conc\"") == 0);
 
