@@ -140,12 +140,7 @@ TEST(Solver, EstimatesAndFittedFunction) {
                 {&two, {"1", "2", "9"}, 9}};
   for (const auto& c : points) EXPECT_EQ(EstimateAt(*c.p, c.texts), c.expected) << c.texts.size();
   one.A = {1, 1e308, 0};
-  try {
-    EstimateAt(one, {"1e10"});
-    ADD_FAILURE() << "an overflowing estimate must be an error";
-  } catch (const RuntimeError& e) {
-    EXPECT_EQ(e.number(), err::Overflow);
-  }
+  EXPECT_THROW(EstimateAt(one, {"1e10"}), RuntimeError);  // an overflowing estimate is an error, never inf
 
   const struct {
     int m;
