@@ -125,18 +125,15 @@ struct MainWindow {
   // Presses keys as a person does, each to whatever holds the focus: "Enter", "Right",
   // "Left", "Up", "Down", "Paste" (Ctrl+V) or characters to type, separated by blanks.
   static bool press(const QString& keys) {
-    static const QHash<QString, Qt::Key> named = {{"Enter", Qt::Key_Return}, {"Right", Qt::Key_Right},
-                                                  {"Left", Qt::Key_Left},    {"Up", Qt::Key_Up},
-                                                  {"Down", Qt::Key_Down},    {"Paste", Qt::Key_V}};
+    static const QHash<QString, QKeyCombination> named = {
+        {"Enter", Qt::Key_Return}, {"Right", Qt::Key_Right}, {"Left", Qt::Key_Left},
+        {"Up", Qt::Key_Up},        {"Down", Qt::Key_Down},   {"Paste", Qt::CTRL | Qt::Key_V}};
     for (const QString& key : keys.split(' ', Qt::SkipEmptyParts)) {
-      if (named.contains(key)) {
-        if (QApplication::focusWidget() == nullptr) return false;
-        QTest::keyClick(QApplication::focusWidget(), named[key], key == "Paste" ? Qt::ControlModifier : Qt::NoModifier);
-        continue;
-      }
-      for (const QChar c : key) {
-        if (QApplication::focusWidget() == nullptr) return false;
-        QTest::keyClicks(QApplication::focusWidget(), QString(c));
+      for (const QString& one : named.contains(key) ? QStringList{key} : key.split(QString(), Qt::SkipEmptyParts)) {
+        QWidget* focus = QApplication::focusWidget();
+        if (focus == nullptr) return false;
+        if (named.contains(one)) QTest::keyClick(focus, named[one].key(), named[one].keyboardModifiers());
+        else QTest::keyClicks(focus, one);
       }
     }
     return true;
