@@ -25,7 +25,7 @@ const std::string kGoodData = "3,1\r\n 1\r\n 2\r\n 2\r\n 4\r\n 3\r\n 6\r\n";
 // 10 MB of commas once took 700 MB), and counts that promise more than the file or the
 // memory holds are refused before the data matrix exists.
 TEST(RegressionFileHostile, BadPairsNameTheFileAndTheLine) {
-  const std::string huge(10 << 20, '7'), hugeText(10 << 20, 'q'), commas(10 << 20, ',');
+  const std::string huge(10 << 20, '7'), commas(10 << 20, ',');
   const auto head = [](const std::string& first, const std::string& rest = "x\r\n") { return first + "\r\n" + rest; };
   struct Row {
     std::string what, problemText, data, where;
@@ -37,15 +37,12 @@ TEST(RegressionFileHostile, BadPairsNameTheFileAndTheLine) {
       {"flag not a boolean", head("3,1,1,\"y\""), kGoodData, "hostile.reg, line 1:"},
       {"field missing", head("3,1,#FALSE#"), kGoodData, "hostile.reg, line 1:"},
       {"open quote", head("3,1,#FALSE#,\"y"), kGoodData, "hostile.reg, line 1:"},
-      {"ends before the names", head("3,2,#FALSE#,\"y\""), kGoodData, "hostile.reg, line 3:"},
       {"huge m, ends early", head("3,2000000000,#FALSE#,\"y\""), kGoodData, "hostile.reg, line 3:"},
       {"ends before the statistics", head("3,1,#TRUE#,\"y\"", "x\r\n 0\r\n 2\r\n"), kGoodData, "hostile.reg, line 5:"},
       {"four statistics", head("3,1,#TRUE#,\"y\"", "x\r\n 0\r\n 2\r\n1,0,0,4\r\n"), kGoodData, "hostile.reg, line 5:"},
-      // Names the writer could not give back as they were.
-      {"quotes inside the dependent name", head("3,1,#FALSE#, a\"b\""), kGoodData, "hostile.reg, line 1:"},
-      {"a second name with a comma", head("3,2,#FALSE#,\"y\"", "a\r\n\"b,c\"\r\n"), kGoodData, "hostile.reg, line 3:"},
+      // Names the writer could not give back as they were (fuzz findings: written back, the
+      // first could not be read again, the second became two names).
       {"two names on a line", head("3,1,#FALSE#,\"y\"", "a,b\r\n"), kGoodData, "hostile.reg, line 2:"},
-      // Fuzz findings: written back, the first could not be read again, the second became two names.
       {"finding: quoted dependent", "2,2,#FALSE#,iii \"dep\" \n a b\"\n c \n", "2,2\n1\n2\n3\n4\n5\n6\n",
        "hostile.reg, line 1:"},
       {"finding: comma in a name", "1,1,#FALSE#,\"y\"\n\"a,b\"\n", "1,1\n1\n2\n", "hostile.reg, line 2:"},
@@ -55,11 +52,8 @@ TEST(RegressionFileHostile, BadPairsNameTheFileAndTheLine) {
        "hostile.reg.dat, line 8:"},
       {"more sets than memory", head("2000000000,1,#FALSE#,\"y\""), "2000000000,1\r\n 1\r\n", "hostile.reg.dat: "},
       {"10 MB count", head(huge + ",1,#FALSE#,\"y\""), kGoodData, "hostile.reg, line 1:"},
-      {"10 MB of text for the header", head(hugeText), kGoodData, "hostile.reg, line 1:"},
       {"10 MB of commas for the header", head(commas), kGoodData, "hostile.reg, line 1:"},
       {"10 MB value", kGoodProblem, "3,1\r\n 1\r\n" + huge + "\r\n 2\r\n 4\r\n 3\r\n 6\r\n",
-       "hostile.reg.dat, line 3:"},
-      {"10 MB text for a value", kGoodProblem, "3,1\r\n 1\r\n" + hugeText + "\r\n 2\r\n 4\r\n 3\r\n 6\r\n",
        "hostile.reg.dat, line 3:"},
       {"10 MB of commas for a value", kGoodProblem, "3,1\r\n" + commas + "\r\n 2\r\n 2\r\n 4\r\n 3\r\n 6\r\n",
        "hostile.reg.dat, line 2:"},
@@ -76,8 +70,7 @@ TEST(RegressionFileHostile, BadPairsNameTheFileAndTheLine) {
   };
   // Counts that are no count, or out of range; those of the data file must also be the
   // problem file's.
-  for (const char* counts : {"three,1", "-1,1", "3,0", "3,-2", "1.5,1", "3,1.5", "2147483648,1", "3,2147483648",
-                             "1E+300,1", "3 3,1", ",1", "3,", "NaN,1", "3,Inf"})
+  for (const char* counts : {"three,1", "-1,1", "3,0", "1.5,1", "2147483648,1", "1E+300,1", "3 3,1", "3,", "NaN,1"})
     rows.push_back({counts, head(counts + std::string(",#FALSE#,\"y\"")), kGoodData, "hostile.reg, line 1:"});
   for (const char* counts : {"4,1", "3,2", "0,1", "-3,1", "3"})
     rows.push_back({counts, kGoodProblem, counts + kGoodData.substr(3), "hostile.reg.dat, line 1:"});

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 #include <string>
 #include <vector>
@@ -107,7 +106,6 @@ TEST(StatisticsReport, TableColumnsLineUpAndTinyPValuesReadAsR) {
   const RegressionProblem p = computed(testing::readDataCsv("r-lm/trees"));
   const std::vector<std::string> lines = StatisticsText(SummarizeFit(p), p.names, true);
   ASSERT_GE(lines.size(), 5u);
-  EXPECT_EQ(lines[0], "Coefficients:");
   for (int row = 2; row <= 4; ++row) EXPECT_EQ(lines[row].size(), lines[1].size()) << lines[row];
   EXPECT_EQ(lines[2].rfind("A0 (constant)", 0), 0u);
   EXPECT_NE(lines[3].find("< 2e-16"), std::string::npos) << lines[3];  // Girth: 8.2e-17
@@ -117,9 +115,6 @@ TEST(StatisticsReport, TableColumnsLineUpAndTinyPValuesReadAsR) {
   const std::string name = "a\"b\\c\x01";
   const RegressionProblem named = computed(makeProblem(1, {{1, 1}, {2, 3}, {3, 2}}, {name}));
   EXPECT_EQ(parseObject(StatisticsJson(SummarizeFit(named), named)).value("names")[0].toString().toStdString(), name);
-  EXPECT_EQ(std::count_if(lines.begin(), lines.end(),
-                          [](const std::string& l) { return l.find("divides by N - 2") != std::string::npos; }),
-            1);
 }
 
 TEST(ResidualPlot, ResidualsAboutTheZeroLine) {

@@ -6,13 +6,14 @@
 #include "RegressionTestSupport.h"
 #include "platform/RecordingPrinterPage.h"
 #include "regression/RegressionReport.h"
+#include "regression/Solver.h"
 
 namespace orvane {
 namespace {
 
 using testing::makeProblem;
 
-TEST(RegressionReport, BeforeComputingNamesAndDataOnly) {
+TEST(RegressionReport, BeforeAndAfterComputing) {
   const RegressionProblem p = makeProblem(2, {{1, 2, 9}, {-0.5, 0, 1.25}}, {"x", "y"}, "z");
   RecordingPrinterPage page(240, 15120, "Arial");
   PrintRegressionReport(page, p, 2);
@@ -24,7 +25,7 @@ TEST(RegressionReport, BeforeComputingNamesAndDataOnly) {
   for (const PrintedLine& line : page.lines()) EXPECT_EQ(line.fontName, "Courier New") << line.text;
 
   // The sets count comes from a text field: fewer than the data, beyond them or negative
-  // prints what there is. (The computed report's columns: orvane-batch report --text.)
+  // prints what there is.
   for (int sets : {1, 99, -3, 0}) {
     RecordingPrinterPage other;
     PrintRegressionReport(other, p, sets);
@@ -36,6 +37,22 @@ TEST(RegressionReport, BeforeComputingNamesAndDataOnly) {
   RecordingPrinterPage header;
   PrintRegressionReport(header, bare, 5);
   EXPECT_EQ(header.texts().size(), 6u);
+
+  // Computed: the listing, then each set with its estimate at column 34 and its residual
+  // at 57, a negative one with its "-" there.
+  RegressionProblem line = makeProblem(1, {{1, 3.5}, {2, 4.5}, {3, 7.5}, {4, 8}}, {"x"});
+  ASSERT_EQ(Compute(line), FitOutcome::Computed);
+  RecordingPrinterPage computed;
+  PrintRegressionReport(computed, line, 4);
+  const std::vector<std::string>& lines = computed.texts();
+  const std::vector<std::string> listing = ResultsListing(line);
+  ASSERT_EQ(lines.size(), 32u);
+  EXPECT_EQ(std::vector<std::string>(lines.begin() + 3, lines.begin() + 8),
+            std::vector<std::string>(listing.begin(), listing.begin() + 5));
+  EXPECT_EQ(lines[11], "A 0 = 1.75 ");
+  EXPECT_EQ(lines[14], "DATA:                            ESTIMATE:              RESIDUAL:");
+  EXPECT_EQ(lines[18], "y= 3.5                            3.4                    0.100000000000001 ");
+  EXPECT_EQ(lines[22], "y= 4.5                            5.05                  -0.549999999999999 ");
 }
 
 }  // namespace

