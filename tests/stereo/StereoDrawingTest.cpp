@@ -359,18 +359,14 @@ constexpr float kTol = 1e-5f;
 
 // A 2 x 2 mesh of the flat surface z = 0 on the default window.
 struct Fixture {
-  StereoSettings s;
+  StereoSettings s = grid(2, 1);
   testing::LambdaSurface surface;
   SurfaceParameters uv;
   DotGenerator random{7};
   std::vector<Point3> marks;
   RecordingCanvas left{400, 400}, right{400, 400};
 
-  Fixture() {
-    s.spacexu = s.spaceyv = 2;
-    s.drxu = s.dryv = s.stepxu = s.stepyv = 1;
-    surface.formulas[s.equationZ] = [](double, double, double, double) { return 0.0; };
-  }
+  Fixture() { surface.formulas[s.equationZ] = flat; }
   StereoPlot plot(StopCheck* stop = nullptr, bool shown = true) {
     return StereoPlot{s, surface, uv, random, marks, shown, stop};
   }

@@ -16,7 +16,7 @@ namespace {
 using testing::near;
 using testing::TableReader;
 
-TEST(ReadPlotSettings, DefaultsDerivedValuesAndExpressions) {
+TEST(ReadPlotSettings, DefaultsDerivedValuesExpressionsAndCounts) {
   TableReader reader;
   const SettingsRead read = ReadPlotSettings(StereoFields{}, reader, StereoSettings{});
   EXPECT_EQ(read.error, 0);
@@ -32,15 +32,11 @@ TEST(ReadPlotSettings, DefaultsDerivedValuesAndExpressions) {
   EXPECT_EQ(e.rangegxu, static_cast<float>(1.5707963267948966));
   EXPECT_EQ(e.xrot, static_cast<float>(3.141592653589793));
   EXPECT_EQ(e.drxu, (static_cast<float>(1.5707963267948966) + 1.0f) / 4.0f);
-}
-
-// The reading itself: NumberTextTest; here, that every count field goes through it.
-TEST(ReadPlotSettings, CountFieldsTakeTheLeadingNumberRoundedHalfToEven) {
-  StereoFields f;
+  // Count fields take the leading number rounded half to even (the reading itself:
+  // NumberTextTest; here, that every count field goes through it).
   f.spacexu = f.ndots = f.grid = f.segsyv = "3.5 units";
-  TableReader reader;
-  const StereoSettings s = ReadPlotSettings(f, reader).settings;
-  EXPECT_TRUE(s.spacexu == 4 && s.ndots == 4 && s.grid == 4 && s.segsyv == 4);
+  const StereoSettings c = ReadPlotSettings(f, reader).settings;
+  EXPECT_TRUE(c.spacexu == 4 && c.ndots == 4 && c.grid == 4 && c.segsyv == 4);
 }
 
 TEST(ReadPlotSettings, AFailingFieldKeepsItsPreviousValueAndTheRestIsRead) {
