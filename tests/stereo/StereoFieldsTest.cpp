@@ -283,23 +283,6 @@ TEST(RotatePoint, QuarterTurnsAboutEachAxisInOrderXYZ) {
   EXPECT_TRUE(MakeViewTransform(StereoSettings{}).identity);
 }
 
-TEST(StereoProjection, DefaultWindowLeftAndRight) {
-  const struct {
-    Point3 p;
-    float stereo, hL, hR, v;
-  } rows[] = {
-      {{-2.5f, 0, 0}, 1, 2.4f, 2, 1.5f},    // near end: top right, left picture shifted
-      {{0, 1, 0.5f}, 1, 1, 1, 0.5f},        // at windcex: no parallax
-      {{-2.5f, 0, 0}, 0, 2, 2, 1.5f},       // factor 0: identical pictures
-  };
-  for (const auto& r : rows) {
-    StereoSettings s;
-    s.stereo = r.stereo;
-    const StereoPoint sp = StereoProjection(MakeViewTransform(s), r.p);
-    EXPECT_TRUE(near({sp.hL, sp.hR, sp.v}, {r.hL, r.hR, r.v})) << r.p.x << " " << r.stereo;
-  }
-}
-
 TEST(ReducePictures, ShrinksTowardsTheMiddleAndClampsTheFactor) {
   const PictureGeometry designed{10, 400, 300, 400, 300};
   const struct {
