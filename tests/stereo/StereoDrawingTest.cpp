@@ -119,7 +119,7 @@ TEST(TraceMesh, CurveCountsAndAccumulatedPositions) {
   EXPECT_EQ(steps[6].y, y);
 }
 
-TEST(SurfaceSampler, ParametricPointsMapThroughYThenXThenZ) {
+TEST(SurfaceSampler, ParametricPointsMapThroughYThenXThenZAndDerivativesReplaceTheHeight) {
   LambdaSurface surface;
   StereoSettings s;
   s.parametric = true;
@@ -142,14 +142,9 @@ TEST(SurfaceSampler, ParametricPointsMapThroughYThenXThenZ) {
             std::vector<float>({21, 2, 21 + 2 + 100 + 2000, 1, 2}));
   surface.formulas["X"] = [](double, double, double, double) -> double { throw RuntimeError(6); };
   EXPECT_EQ(sampler.TrySample(1, 2, p), 6);
-}
-
-TEST(SurfaceSampler, SelectedDerivativeReplacesTheHeightAndValuesBeyondSingleOverflow) {
-  LambdaSurface surface;
-  StereoSettings s;
+  // Explicit: a selected derivative replaces the height; values beyond single overflow.
+  s.parametric = false;
   surface.formulas[s.equationZ] = [](double x, double y, double, double) { return x * x * y; };
-  SurfaceParameters uv;
-  SurfaceSampler sampler(s, surface, uv);
   EXPECT_FLOAT_EQ(sampler.EvaluateSurfacePoint(2, 3), 12);
   s.selector = kZxx;
   s.accuracy = kAccuracyMed;
