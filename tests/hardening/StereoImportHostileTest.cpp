@@ -1,6 +1,6 @@
-// Stereo files no one should have to import: garbage, huge lines, absurd counts (values
-// that are not numbers: StereoOutputTest). Each ends in a status and a short message
-// naming the line; an incompatible file changes nothing.
+// Stereo files no one should have to import: near misses of the magic, garbage, huge
+// lines, absurd counts (values that are not numbers: StereoOutputTest). Each ends in a
+// status and a short message naming the line; an incompatible file changes nothing.
 
 #include <gtest/gtest.h>
 
@@ -20,7 +20,9 @@ const std::string kHead =
 
 StereoImport parse(const std::string& text) { return ParseStereoFile(text, "hostile.ste", StereoFields{}); }
 
-TEST(StereoImportHostile, BinaryGarbageEndsInAStatusAndAMessage) {
+TEST(StereoImportHostile, NearMissesAndBinaryGarbageEndInAStatusAndAMessage) {
+  for (const char* nearMiss : {"", "\"CURVE\",0\r\n", "STEREOX,0\r\n", "\r\n\"STEREO\",0\r\n"})
+    EXPECT_EQ(parse(nearMiss).status, ImportStatus::Incompatible) << nearMiss;
   std::mt19937 random(7);
   const StereoFields before;
   for (int round = 0; round < 300; ++round) {

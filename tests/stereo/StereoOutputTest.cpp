@@ -88,19 +88,6 @@ TEST_F(StereoFileTest, ExportThenImportRestoresEverySetting) {
             FormatStereoFile(written, constants));
 }
 
-TEST_F(StereoFileTest, AnythingWithoutTheMagicIsIncompatibleAndChangesNothing) {
-  StereoFields current;
-  current.equationZ = "x+y";
-  for (const char* text : {"", "\"CURVE\",0\r\n", "STEREOX,0\r\n", "\r\n\"STEREO\",0\r\n"}) {
-    put(path("other.txt"), text);
-    const StereoImport r = ReadStereoFile(path("other.txt"), current);
-    EXPECT_EQ(r.status, ImportStatus::Incompatible) << text;
-    EXPECT_EQ(r.message, "Incompatible file");
-    EXPECT_EQ(r.fields.equationZ, "x+y");
-    EXPECT_TRUE(r.constants.empty());
-  }
-}
-
 TEST_F(StereoFileTest, ExplicitFileWithUnquotedMagicAndBareLineEnds) {
   const std::string text =
       "STEREO,0\n\"x*y\"\n2,0,0.5,10,3\n1,2,3\n-1,1,-2,2,-3,3\n0,1,0,2\n5,6,2,3\n1,1,1,10,20,30,1,2,3\n"
