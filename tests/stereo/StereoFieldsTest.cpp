@@ -39,24 +39,21 @@ TEST(ReadPlotSettings, DefaultsDerivedValuesExpressionsAndCounts) {
   EXPECT_TRUE(c.spacexu == 4 && c.ndots == 4 && c.grid == 4 && c.segsyv == 4);
 }
 
-TEST(ReadPlotSettings, AFailingFieldKeepsItsPreviousValueAndTheRestIsRead) {
+TEST(ReadPlotSettings, AFailingFieldKeepsItsValueZeroCountsAndOverflowsAreErrors) {
   TableReader reader;
-  StereoFields f;
-  f.windowly = "fail:13";
-  f.windowgz = "fail:11";
-  f.zrot = "30";
+  StereoFields typed;
+  typed.windowly = "fail:13";
+  typed.windowgz = "fail:11";
+  typed.zrot = "30";
   StereoSettings previous;
   previous.windowly = -7;
-  const SettingsRead read = ReadPlotSettings(f, reader, previous);
-  EXPECT_EQ(read.error, 13);  // the first one met
-  EXPECT_EQ(read.errorField, "windowly");
-  EXPECT_EQ(read.settings.windowly, -7.0f);
-  EXPECT_EQ(read.settings.zrot, 30.0f);
-  EXPECT_EQ(read.settings.delwindy, 9.0f);  // 2 - (-7)
-}
-
-TEST(ReadPlotSettings, ZeroCountsAndOverflowsAreErrorsNotInfinities) {
-  TableReader reader;
+  const SettingsRead failed = ReadPlotSettings(typed, reader, previous);
+  EXPECT_EQ(failed.error, 13);  // the first one met
+  EXPECT_EQ(failed.errorField, "windowly");
+  EXPECT_EQ(failed.settings.windowly, -7.0f);
+  EXPECT_EQ(failed.settings.zrot, 30.0f);
+  EXPECT_EQ(failed.settings.delwindy, 9.0f);  // 2 - (-7)
+  // Zero counts and overflows are errors too, not infinities.
   using F = std::string StereoFields::*;
   const struct {
     F field;
@@ -211,7 +208,7 @@ Point3 turned(const ViewAngles& a, Point3 p) {
   return p;
 }
 
-TEST(DragRotation, TurnsAboutTheScreenAxesWhateverTheAnglesBefore) {
+TEST(DragRotation, TurnsAboutTheScreenAxesWhateverTheAnglesBeforeAndShowsTheAngles) {
   struct Row {
     ViewAngles from;
     double dx, dy;
@@ -232,12 +229,9 @@ TEST(DragRotation, TurnsAboutTheScreenAxesWhateverTheAnglesBefore) {
       }
     }
   }
-}
-
-// Which way each drag turns, from views level and not: the rows; from the level view:
-// the window's drag test.
-TEST(DragRotation, FieldsChangeByTheDragAlone) {
-  const std::pair<ViewAngles, std::array<std::string, 3>> rows[] = {
+  // Which way each drag turns, from views level and not: the rows; from the level view:
+  // the window's drag test.
+  const std::pair<ViewAngles, std::array<std::string, 3>> shown[] = {
       {DragRotation({30, 20, 40}, -7, 0), {"30", "20", "43.5"}},
       {DragRotation({30, 20, 0}, 0, 3), {"30", "18.5", "0"}},
       // Past a quarter turn about y the angles go on instead of jumping to the other triple.
@@ -245,7 +239,7 @@ TEST(DragRotation, FieldsChangeByTheDragAlone) {
       {DragRotation({0, 0, 179}, -4, 0), {"0", "0", "181"}},
       {DragRotation({12.34, 0, 0}, 0, 0), {"12.34", "0", "0"}},
   };
-  for (const auto& [angles, expected] : rows) {
+  for (const auto& [angles, expected] : shown) {
     StereoFields f;
     ShowAngles(angles, f);
     EXPECT_EQ((std::array<std::string, 3>{f.xrot, f.yrot, f.zrot}), expected);

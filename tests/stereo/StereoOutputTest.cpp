@@ -88,21 +88,9 @@ TEST_F(StereoFileTest, ExportThenImportRestoresEverySetting) {
             FormatStereoFile(written, constants));
 }
 
-TEST_F(StereoFileTest, ExplicitFileWithUnquotedMagicAndBareLineEnds) {
-  const std::string text =
-      "STEREO,0\n\"x*y\"\n2,0,0.5,10,3\n1,2,3\n-1,1,-2,2,-3,3\n0,1,0,2\n5,6,2,3\n1,1,1,10,20,30,1,2,3\n"
-      "1,3\n1\nc=1\n";
-  const StereoImport r = ParseStereoFile(text, "plain.dup", StereoFields{});
-  ASSERT_EQ(r.status, ImportStatus::Ok) << r.message;
-  const StereoFields& f = r.fields;
-  EXPECT_EQ(Lines({f.equationX, f.equationZ, f.reduce, f.grid, f.zorigin, f.segsyv, f.zrot, f.xder, f.yder}),
-            Lines({"v", "x*y", "0.5", "3", "3", "3", "30", "2", "0"}));  // selector 3: Zxx; x untouched
-  EXPECT_EQ(r.constants, Lines{"c=1"});
-}
-
 // A file whose every record is right, no constants; each case below spoils one line.
-const Lines kGood = {"\"STEREO\",0", "\"x*y\"",  "2,0,0.5,10,3",      "1,2,3", "-1,1,-2,2,-3,3",
-                     "0,1,0,2",      "5,6,2,3", "1,1,1,0,0,0,0,0,0", "0,0",   "0"};
+const Lines kGood = {"\"STEREO\",0", "\"x*y\"",  "2,0,0.5,10,3",          "1,2,3", "-1,1,-2,2,-3,3",
+                     "0,1,0,2",      "5,6,2,3", "1,1,1,10,20,30,1,2,3", "1,3",   "0"};
 
 // kGood with `record` in place of line `line`; without a record the file ends before it.
 std::string spoiled(size_t line, const char* record) {
@@ -110,6 +98,16 @@ std::string spoiled(size_t line, const char* record) {
   for (size_t k = 1; k <= kGood.size() && (record || k < line); ++k)
     text += (k == line ? record : kGood[k - 1]) + "\r\n";
   return text;
+}
+
+TEST(StereoFileReader, UnquotedMagicAndBareLineEnds) {
+  std::string text = "STEREO,0\n";
+  for (size_t k = 1; k < kGood.size(); ++k) text += kGood[k] + "\n";
+  const StereoImport r = ParseStereoFile(text, "plain.dup", StereoFields{});
+  ASSERT_EQ(r.status, ImportStatus::Ok) << r.message;
+  const StereoFields& f = r.fields;
+  EXPECT_EQ(Lines({f.equationX, f.equationZ, f.reduce, f.grid, f.zorigin, f.segsyv, f.zrot, f.xder, f.yder}),
+            Lines({"v", "x*y", "0.5", "3", "3", "3", "30", "2", "0"}));  // selector 3: Zxx; x untouched
 }
 
 // A malformed file names its line and what was expected there, keeps the fields read
