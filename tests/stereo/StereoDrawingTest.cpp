@@ -77,7 +77,7 @@ struct EngineWindow {
   }
 };
 
-TEST(TraceMesh, PenSequenceOnATwoByTwoGridWithAndWithoutAPole) {
+TEST(TraceMesh, PenSequencePolesCurveCountsAndAccumulatedPositions) {
   int pumps = 0;
   const std::vector<Step> whole = {
       {-1, -1, false}, {-1, 0, true}, {-1, 1, true},  // curves of constant x
@@ -102,9 +102,6 @@ TEST(TraceMesh, PenSequenceOnATwoByTwoGridWithAndWithoutAPole) {
   bool finished = true;  // a sink can stop it
   EXPECT_EQ(trace(grid(2, 1), flat, nullptr, 4, &finished).size(), 4u);
   EXPECT_FALSE(finished);
-}
-
-TEST(TraceMesh, CurveCountsAndAccumulatedPositions) {
   StereoSettings s = grid(1, 1);
   s.spaceyv = 3;
   s.segsyv = 2;
@@ -307,7 +304,7 @@ TEST(EngineSurface, FormulasSeeTheFourVariablesAndFailuresBecomeErrorNumbers) {
 // Against the analytic derivatives of x^2 y^3 (none of the five zero), at both
 // accuracies. Single-precision samples and the h^2 terms stay well inside half a
 // percent; a wrong step, sign or constant does not.
-TEST(PartialDerivatives, MatchTheAnalyticDerivatives) {
+TEST(PartialDerivatives, MatchTheAnalyticDerivativesAndAnyFailingEvaluationInvalidatesTheSample) {
   const auto x2y3 = [](float a, float b, float& z) {
     z = static_cast<float>(double(a) * a * b * b * b);
     return int32_t{0};
@@ -323,9 +320,6 @@ TEST(PartialDerivatives, MatchTheAnalyticDerivatives) {
             << kDerivativeNames[static_cast<size_t>(selector)] << (high ? " High" : " Med") << " at " << x << "," << y;
       }
   }
-}
-
-TEST(PartialDerivatives, AnyFailingEvaluationInvalidatesTheSample) {
   // A pole just beyond x + h: only the five-point formulas reach it.
   auto pole = [](float a, float, float& z) {
     if (a > 1.03f) return err::DivisionByZero;

@@ -126,7 +126,7 @@ Window windowOf(const StereoFields& f) {
 }
 
 // The octants share one routine: the first and the last code of its table.
-TEST(ZoomView, CodesOnTheDefaultWindow) {
+TEST(ZoomView, CodesReadPlainNumbersWriteSinglesAndRefuseOverflow) {
   const std::pair<int, Window> rows[] = {
       {kZoomOut, {"-5", "5", "-4", "4", "-3", "3"}},
       {kZoomIn, {"-1.25", "1.25", "-1", "1", "-0.75", "0.75"}},
@@ -144,9 +144,7 @@ TEST(ZoomView, CodesOnTheDefaultWindow) {
     EXPECT_TRUE(ZoomView(code, f));
     EXPECT_EQ(windowOf(f), expected) << "code " << code;
   }
-}
-
-TEST(ZoomView, ReadsPlainNumbersWritesSinglesAndRefusesOverflow) {
+  // Plain numbers read, singles written, overflow refused.
   StereoFields f;
   f.windowlx = "pi";  // not evaluated: read as 0
   f.windowgx = "4";

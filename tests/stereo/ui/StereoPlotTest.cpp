@@ -202,13 +202,13 @@ class StereoPlotTest : public QObject {
   }
 
   // Leaving a field (the rules: StereoFieldsTest): refused entries keep the focus,
-  // inverted pairs send it to the other limit.
+  // inverted pairs and orders summing to 3 send it to the other limit.
   void fieldRules() {
     const char* rows[][3] = {{"txtSpacexu", "2.5", "txtSpacexu"},  {"txtNdots", "1", "cmdAddCons"},
                              {"txtGrid", "0", "cmdAddCons"},        {"txtReduce", "1.5", "txtReduce"},
                              {"txtReduce", "1/2", "cmdAddCons"},    {"txtXder", "3", "txtXder"},
                              {"txtRangelxu", "2", "txtRangegxu"},   {"txtWindowlz", "1.5", "txtWindowgz"},
-                             {"txtWindowgx", "pi", "cmdAddCons"},   {"txtXder", "2", "txtYder"}};  // orders summing to 3
+                             {"txtWindowgx", "pi", "cmdAddCons"},   {"txtXder", "2", "txtYder"}};
     for (const auto& r : rows) {
       Fixture f;
       f.set("txtYder", "1");
