@@ -42,7 +42,7 @@ class StereoFileTest : public ::testing::Test {
                                                      run_.current_test_info()->name());
 };
 
-TEST_F(StereoFileTest, DefaultSettingsWriteTheseExactLines) {
+TEST_F(StereoFileTest, DefaultSettingsWriteTheseExactLinesAndExportThenImportRestoresEverySetting) {
   const char* const expected =
       "\"STEREO\",0\r\n\"(x-1)*x*(x+1)*(y-1)*y*(y+1)*5\"\r\n1,0,1,5000,5\r\n0,0,0\r\n-2.5,2.5,-2,2,-1.5,1.5\r\n"
       "-1,1,-1,1\r\n4,4,1,1\r\n1,1,1,0,0,0,0,0,0\r\n0,0\r\n 0 \r\n";
@@ -58,22 +58,19 @@ TEST_F(StereoFileTest, DefaultSettingsWriteTheseExactLines) {
   const std::string text = FormatStereoFile(s, {"a=2.37", "b=-1"});
   EXPECT_EQ(text.substr(0, 41), "\"STEREO\",1\r\n\"Cos(u)\",\"say \"\"hi\"\"\"\r\n\"(x-1)");
   EXPECT_NE(text.find("\r\n1,5\r\n 2 \r\na=2.37\r\nb=-1\r\n"), std::string::npos);
-}
-
-// Parametric, so that every equation goes out and comes back (explicit files: below).
-TEST_F(StereoFileTest, ExportThenImportRestoresEverySetting) {
+  // Parametric, so that every equation goes out and comes back (explicit files: below).
   StereoFields f;  // every field away from its default, a comma inside a quoted string
   f.parametric = true;
   f.background = kBackgroundBlack;
   using SF = StereoFields;
-  for (const auto& [field, text] : std::initializer_list<std::pair<std::string SF::*, const char*>>{
+  for (const auto& [field, value] : std::initializer_list<std::pair<std::string SF::*, const char*>>{
            {&SF::equationX, "u*Cos(v)"}, {&SF::equationY, "u*Sin(v)"}, {&SF::equationZ, "u, v"},
            {&SF::rangelxu, "0.25"},      {&SF::rangegxu, "pi/2"},      {&SF::spacexu, "7"},
            {&SF::segsyv, "3"},           {&SF::windowlz, "-4"},        {&SF::xrot, "30"},
            {&SF::ztr, "-0.5"},           {&SF::stereo, "1.5"},         {&SF::reduce, "0.75"},
            {&SF::ndots, "1234"},         {&SF::grid, "0"},             {&SF::xorigin, "0.1"},
            {&SF::divz, "0.2"},           {&SF::xder, "1"},             {&SF::yder, "1"}})
-    f.*field = text;
+    f.*field = value;
   testing::TableReader reader;
   const StereoSettings written = ReadPlotSettings(f, reader).settings;
   const Lines constants = {"a=2.37", "k = 3"};
@@ -206,7 +203,7 @@ TEST_F(StereoFileTest, PicturesAreSavedFromPersistentImages) {
 
 // Values in the print form (a blank before all but negatives, one after), whole numbers
 // without it; the derivative's name and the constants before the setup.
-TEST(StereoReport, ExplicitSurfaceWithDerivativeAndConstants) {
+TEST(StereoReport, ExplicitAndParametricTextAndPicturesSideBySideRightOneAt5985Twips) {
   StereoFields f;
   StereoSettings s;
   s.stepxu = 1.0f / 3;
@@ -255,9 +252,7 @@ TEST(StereoReport, ExplicitSurfaceWithDerivativeAndConstants) {
   EXPECT_EQ(Lines(lines.begin() + 8, lines.begin() + 10),
             (Lines{"                      U-RANGE: [-1 , 1 ]", "                      V-RANGE: [-1 , 1 ]"}));
   EXPECT_EQ(lines.size(), expected.size() - 4);
-}
-
-TEST(StereoReport, PicturesSideBySideRightOneAt5985Twips) {
+  // The pictures side by side, the right one at 5985 twips.
   for (bool persist : {true, false}) {
     RecordingCanvas left(200, 200), right(200, 180);  // reduced pictures
     left.SetAutoRedraw(persist);
@@ -280,10 +275,10 @@ TEST(StereoReport, PicturesSideBySideRightOneAt5985Twips) {
   }
   RecordingCanvas left, right;  // nothing drawn yet: no pictures
   ReportPictures none{left, right, false, true, nullptr};
-  RecordingPrinterPage page;
-  PrintStereoReport(page, StereoFields{}, StereoSettings{}, {}, &none);
-  EXPECT_TRUE(page.pictures().empty());
-  EXPECT_EQ(page.lines().front().y, 4500);
+  RecordingPrinterPage blank;
+  PrintStereoReport(blank, StereoFields{}, StereoSettings{}, {}, &none);
+  EXPECT_TRUE(blank.pictures().empty());
+  EXPECT_EQ(blank.lines().front().y, 4500);
 }
 
 }  // namespace
