@@ -44,12 +44,6 @@ std::vector<Example> readmeExamples(const fs::path& readme) {
   return examples;
 }
 
-// Appends the lines of `file` to `lines`.
-void readLines(const fs::path& file, std::vector<std::string>& lines) {
-  std::ifstream in(file);
-  for (std::string line; std::getline(in, line);) lines.push_back(line);
-}
-
 bool lineMatches(const std::string& shown, const std::string& printed) {
   if (shown.size() > 3 && shown.ends_with("...")) return printed.starts_with(shown.substr(0, shown.size() - 3));
   return shown == printed;
@@ -97,8 +91,10 @@ TEST(ReadmeExamples, PrintWhatTheReadmeShows) {
                             ":\"$PATH\" sh -c " + quoted(example.command) + " >.out 2>.err";
     const int status = std::system(run.c_str());
     std::vector<std::string> printed;
-    readLines(folder / ".out", printed);
-    readLines(folder / ".err", printed);
+    for (const char* stream : {".out", ".err"}) {
+      std::ifstream in(folder / stream);
+      for (std::string line; std::getline(in, line);) printed.push_back(line);
+    }
     EXPECT_TRUE(outputMatches(example.shown, 0, printed, 0))
         << "README shows:\n" << joined(example.shown) << "printed:\n" << joined(printed);
     if (example.shown.empty()) EXPECT_EQ(status, 0) << joined(printed);
