@@ -154,8 +154,7 @@ class QtAdaptersTest : public QObject {
     QTest::mouseClick(&box, Qt::LeftButton, {}, QPoint(150, 25));
     QCOMPARE(down.count(), 1);
     QCOMPARE(down[0][0].value<Qt::MouseButton>(), Qt::LeftButton);
-    QCOMPARE(down[0][1].toFloat(), 5.0f);
-    QCOMPARE(down[0][2].toFloat(), 5.0f);
+    QCOMPARE(std::pair(down[0][1].toFloat(), down[0][2].toFloat()), std::pair(5.0f, 5.0f));
 
     box.canvas().PSet(-10, 10, colors::Red);
     QSignalSpy resized(&box, &PictureBox::Resized);
