@@ -44,11 +44,6 @@ std::vector<Example> readmeExamples(const fs::path& readme) {
   return examples;
 }
 
-bool lineMatches(const std::string& shown, const std::string& printed) {
-  if (shown.size() > 3 && shown.ends_with("...")) return printed.starts_with(shown.substr(0, shown.size() - 3));
-  return shown == printed;
-}
-
 // Whether printed[p...] matches shown[s...].
 bool outputMatches(const std::vector<std::string>& shown, size_t s, const std::vector<std::string>& printed, size_t p) {
   if (s == shown.size()) return p == printed.size();
@@ -57,7 +52,11 @@ bool outputMatches(const std::vector<std::string>& shown, size_t s, const std::v
       if (outputMatches(shown, s + 1, printed, skip)) return true;
     return false;
   }
-  return p < printed.size() && lineMatches(shown[s], printed[p]) && outputMatches(shown, s + 1, printed, p + 1);
+  if (p == printed.size()) return false;
+  const std::string& line = shown[s];
+  const bool start = line.size() > 3 && line.ends_with("...");  // a line that starts so
+  return (start ? printed[p].starts_with(line.substr(0, line.size() - 3)) : line == printed[p]) &&
+         outputMatches(shown, s + 1, printed, p + 1);
 }
 
 std::string joined(const std::vector<std::string>& lines) {

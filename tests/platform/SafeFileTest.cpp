@@ -55,12 +55,10 @@ class SafeFileTest : public ::testing::Test {
 };
 
 TEST_F(SafeFileTest, AGroupReplacesItsTargetsOnlyWhenEveryMemberIsWritten) {
-  {
-    SafeSave save;
-    save.Lines(path("a.txt"), {"one", "two"});
-    save.Text(path("b.txt"), "old b");
-    save.Commit();
-  }
+  SafeSave first;
+  first.Lines(path("a.txt"), {"one", "two"});
+  first.Text(path("b.txt"), "old b");
+  first.Commit();
   EXPECT_EQ(read(path("a.txt")), "one\r\ntwo\r\n");
   EXPECT_EQ(read(path("b.txt")), "old b");
 
@@ -121,8 +119,7 @@ TEST_F(SafeFileTest, AReplacedFileKeepsItsPermissionsAndALinkKeepsPointing) {
   fs::create_symlink("real/target", path("link"));
   fs::create_symlink(path("real/later"), path("dangling"));
   save({{path("link"), "through the link"}, {path("dangling"), "made"}});
-  EXPECT_TRUE(fs::is_symlink(path("link")));
-  EXPECT_TRUE(fs::is_symlink(path("dangling")));
+  EXPECT_TRUE(fs::is_symlink(path("link")) && fs::is_symlink(path("dangling")));
   EXPECT_EQ(read(path("real/target")), "through the link");
   EXPECT_EQ(read(path("real/later")), "made");
   EXPECT_EQ(entries("real"), (std::vector<std::string>{"later", "target"}));
