@@ -9,8 +9,7 @@ namespace orvane::test {
 
 void resetLargestAllocation();
 size_t largestAllocation();
-// The most bytes held at once through operator new since the last reset, above what was
-// held at the reset.
+// Counted above what was held at the reset.
 size_t peakAllocated();
 
 }  // namespace orvane::test

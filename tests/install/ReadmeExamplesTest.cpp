@@ -44,17 +44,6 @@ std::vector<Example> readmeExamples(const fs::path& readme) {
   return examples;
 }
 
-// Appends the lines of `file` to `lines`.
-void readLines(const fs::path& file, std::vector<std::string>& lines) {
-  std::ifstream in(file);
-  for (std::string line; std::getline(in, line);) lines.push_back(line);
-}
-
-bool lineMatches(const std::string& shown, const std::string& printed) {
-  if (shown.size() > 3 && shown.ends_with("...")) return printed.starts_with(shown.substr(0, shown.size() - 3));
-  return shown == printed;
-}
-
 // Whether printed[p...] matches shown[s...].
 bool outputMatches(const std::vector<std::string>& shown, size_t s, const std::vector<std::string>& printed, size_t p) {
   if (s == shown.size()) return p == printed.size();
@@ -63,7 +52,11 @@ bool outputMatches(const std::vector<std::string>& shown, size_t s, const std::v
       if (outputMatches(shown, s + 1, printed, skip)) return true;
     return false;
   }
-  return p < printed.size() && lineMatches(shown[s], printed[p]) && outputMatches(shown, s + 1, printed, p + 1);
+  if (p == printed.size()) return false;
+  const std::string& line = shown[s];
+  const bool start = line.size() > 3 && line.ends_with("...");  // a line that starts so
+  return (start ? printed[p].starts_with(line.substr(0, line.size() - 3)) : line == printed[p]) &&
+         outputMatches(shown, s + 1, printed, p + 1);
 }
 
 std::string joined(const std::vector<std::string>& lines) {
@@ -97,8 +90,10 @@ TEST(ReadmeExamples, PrintWhatTheReadmeShows) {
                             ":\"$PATH\" sh -c " + quoted(example.command) + " >.out 2>.err";
     const int status = std::system(run.c_str());
     std::vector<std::string> printed;
-    readLines(folder / ".out", printed);
-    readLines(folder / ".err", printed);
+    for (const char* stream : {".out", ".err"}) {
+      std::ifstream in(folder / stream);
+      for (std::string line; std::getline(in, line);) printed.push_back(line);
+    }
     EXPECT_TRUE(outputMatches(example.shown, 0, printed, 0))
         << "README shows:\n" << joined(example.shown) << "printed:\n" << joined(printed);
     if (example.shown.empty()) EXPECT_EQ(status, 0) << joined(printed);

@@ -69,18 +69,10 @@ bool activate(QWidget& window) {
 const QStringList kTextFields = {"txtDepVarNam", "txtVarNams", "txtEquation", "txtEquationZ", "txtEquationX",
                                  "txtEquationY"};
 
+// Types `text` into `field` and presses Tab, and tells whether it kept the focus.
 // "Overflow" comes exactly when a number field holds a number beyond a double, once,
 // and the field keeps the focus. (Other boxes are the fields' own: "Type mismatch" for
 // the number of data sets, the engine's messages for the stereo window's expressions.)
-void checkEntry(const TextBox* field, const QString& text, long overflowBoxes, bool keptFocus) {
-  const QByteArray where = (field->objectName() + " <- " + text.left(12)).toUtf8();
-  const bool overflow = !kTextFields.contains(field->objectName()) && overflows(text);
-  QVERIFY2(overflowBoxes == (overflow ? 1 : 0), where.constData());
-  if (overflow) QVERIFY2(keptFocus, where.constData());
-}
-
-// Types `text` into `field` and presses Tab, checks what the field did and tells whether
-// it kept the focus.
 bool enter(TextBox* field, const QString& text, const ScriptedDialogs& dialogs) {
   const auto before = static_cast<long>(dialogs.messages().size());
   field->setFocus(Qt::TabFocusReason);
@@ -89,9 +81,12 @@ bool enter(TextBox* field, const QString& text, const ScriptedDialogs& dialogs) 
   QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
   QCoreApplication::processEvents();
   const auto& boxes = dialogs.messages();
-  checkEntry(field, text, std::count_if(boxes.begin() + before, boxes.end(), [](const auto& box) {
-    return box.prompt == "Overflow";
-  }), field->hasFocus());
+  const long overflowBoxes =
+      std::count_if(boxes.begin() + before, boxes.end(), [](const auto& box) { return box.prompt == "Overflow"; });
+  const bool overflow = !kTextFields.contains(field->objectName()) && overflows(text);
+  const QByteArray where = (field->objectName() + " <- " + text.left(12)).toUtf8();
+  const bool right = overflowBoxes == (overflow ? 1 : 0) && (!overflow || field->hasFocus());
+  [&] { QVERIFY2(right, where.constData()); }();  // a check in a function that returns a value
   return field->hasFocus();
 }
 
@@ -119,14 +114,14 @@ struct Main {
     }
     return true;
   }
-  // The problem set up to three data sets, and the editor open on them.
-  frmEdit* setUpWithEditor() {
-    if (!setUpTo("")) return nullptr;
-    button("cmdEditData")->click();
-    frmEdit* editor = window.editor();
-    return editor != nullptr && QTest::qWaitForWindowActive(editor) ? editor : nullptr;
-  }
 };
+
+RegressionProblem fittedLine() {  // y = 1 + 2x through five data sets
+  RegressionProblem line = testing::makeProblem(1, {{1, 3}, {2, 5}, {3, 7}, {4, 9}, {5, 11}}, {"x"});
+  line.A = {1, 2, 0};
+  line.computed = true;
+  return line;
+}
 
 // A plot window of its own workbench.
 template <class Window>
@@ -202,8 +197,10 @@ class HostileTextTest : public QObject {
   // A data cell, then the number of data sets to add.
   void editorCellAndAddDataCount() {
     Main w;
-    frmEdit* editor = w.setUpWithEditor();
-    QVERIFY(editor);
+    QVERIFY(w.setUpTo(""));  // three data sets
+    w.button("cmdEditData")->click();
+    frmEdit* editor = w.window.editor();
+    QVERIFY(editor && QTest::qWaitForWindowActive(editor));
     QTest::keyClicks(QApplication::focusWidget(), "7");
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
     const QModelIndex cell = editor->model()->index(0, 0);
@@ -236,35 +233,24 @@ class HostileTextTest : public QObject {
   }
 
   void estimatesPoint() {
-    Main w;
-    frmEdit* editor = w.setUpWithEditor();
-    QVERIFY(editor);
-    for (int r = 0; r < 3; ++r) {  // y = 1 + 2x
-      editor->model()->setCellText(editor->model()->index(r, 0), QString::number(3 + 2 * r));
-      editor->model()->setCellText(editor->model()->index(r, 1), QString::number(1 + r));
-    }
-    editor->cmdExit->click();
-    w.button("cmdCompute")->click();
-    w.button("cmdEvaluations")->click();
-    frmEvaluations* estimates = w.window.evaluations();
-    QVERIFY(estimates && activate(*estimates));
+    const RegressionProblem line = fittedLine();
+    ScriptedDialogs dialogs;
+    frmEvaluations estimates(line, dialogs);
+    QVERIFY(activate(estimates));
     for (const QString& text : kHostileTexts) {
-      const QString shown = estimates->lblApprox->text();
-      if (enter(estimates->txtVarx.at(0), text, w.dialogs)) {
-        QCOMPARE(estimates->lblApprox->text(), shown);
-        estimates->txtVarx.at(0)->setText("1");
+      const QString shown = estimates.lblApprox->text();
+      if (enter(estimates.txtVarx.at(0), text, dialogs)) {
+        QCOMPARE(estimates.lblApprox->text(), shown);
+        estimates.txtVarx.at(0)->setText("1");
         continue;
       }
-      estimates->cmdCompute->click();
-      QCOMPARE(estimates->lblApprox->text().toDouble(), 1 + 2 * leadingNumber(text.toStdString()));
+      estimates.cmdCompute->click();
+      QCOMPARE(estimates.lblApprox->text().toDouble(), 1 + 2 * leadingNumber(text.toStdString()));
     }
   }
 
-  void studyWindowFields() {  // on a fitted line with its five data sets
-    RegressionProblem line = testing::makeProblem(1, {{1, 3}, {2, 5}, {3, 7}, {4, 9}, {5, 11}}, {"x"});
-    line.A = {1, 2, 0};
-    line.computed = true;
-    Plot<frmPlot> plot(line);
+  void studyWindowFields() {
+    Plot<frmPlot> plot(fittedLine());
     plot.window->txtEquation->setText("x^2-2");
     plot.walk({"cmdPlot", "cmdRoots", "cmdIntegrate", "cmdExtrema", "cmdDerVal", "cmdZoomIn"});
   }

@@ -37,45 +37,42 @@ class PlotWindowsTest : public QObject {
   Q_OBJECT
 
  private slots:
-  void plotHandsTheFitOverAndExitReturns_data() {
-    QTest::addColumn<int>("m");
-    QTest::newRow("one variable: the study") << 1;
-    QTest::newRow("two variables: the stereo pair") << 2;
-  }
+  // One variable: the study window; two: the stereo pair.
   void plotHandsTheFitOverAndExitReturns() {
-    QFETCH(int, m);
-    // z = 1 + 2 x1 - x2 at the corners of the unit square and one more point, against
-    // x1 alone or both.
-    std::vector<std::vector<double>> sets;
-    for (const auto& [x1, x2] : std::vector<std::pair<double, double>>{{0, 0}, {1, 0}, {0, 1}, {1, 1}, {2, 1}})
-      sets.push_back(m == 1 ? std::vector<double>{x1, 1 + 2 * x1 - x2} : std::vector<double>{x1, x2, 1 + 2 * x1 - x2});
-    QTemporaryDir dir;
-    const std::string path = QDir(dir.path()).filePath("fit.txt").toStdString();
-    WriteRegressionFiles(path, testing::makeProblem(m, sets, {"s", "t"}));
-    ScriptedDialogs dialogs;
-    frmOrvane main(dialogs);
-    ConnectPlotWindows(main, dialogs);
-    main.show();
-    dialogs.queueOpenFileName(path);
-    main.findChild<QAction*>("mnuOpen")->trigger();
-    main.findChild<QPushButton*>("cmdCompute")->click();
-    QVERIFY(main.workbench().fitted);
-    const QString fitted = QString::fromStdString(FittedFunctionText(main.workbench().problem));
-    auto* cmdPlot = main.findChild<QPushButton*>("cmdPlot");
-    QVERIFY(cmdPlot->isVisible());
-    cmdPlot->click();
+    for (const int m : {1, 2}) {
+      // z = 1 + 2 x1 - x2 at the corners of the unit square and one more point, against
+      // x1 alone or both.
+      std::vector<std::vector<double>> sets;
+      for (const auto& [x1, x2] : std::vector<std::pair<double, double>>{{0, 0}, {1, 0}, {0, 1}, {1, 1}, {2, 1}})
+        sets.push_back(m == 1 ? std::vector{x1, 1 + 2 * x1 - x2} : std::vector{x1, x2, 1 + 2 * x1 - x2});
+      QTemporaryDir dir;
+      const std::string path = QDir(dir.path()).filePath("fit.txt").toStdString();
+      WriteRegressionFiles(path, testing::makeProblem(m, sets, {"s", "t"}));
+      ScriptedDialogs dialogs;
+      frmOrvane main(dialogs);
+      ConnectPlotWindows(main, dialogs);
+      main.show();
+      dialogs.queueOpenFileName(path);
+      main.findChild<QAction*>("mnuOpen")->trigger();
+      main.findChild<QPushButton*>("cmdCompute")->click();
+      QVERIFY(main.workbench().fitted);
+      const QString fitted = QString::fromStdString(FittedFunctionText(main.workbench().problem));
+      auto* cmdPlot = main.findChild<QPushButton*>("cmdPlot");
+      QVERIFY(cmdPlot->isVisible());
+      cmdPlot->click();
 
-    frmPlot* plot = shownWindow<frmPlot>();
-    frmStereoPlot* stereo = shownWindow<frmStereoPlot>();
-    QCOMPARE(std::pair(plot != nullptr, stereo != nullptr), std::pair(m == 1, m == 2));
-    QCOMPARE(m == 1 ? plot->txtEquation->text() : stereo->txtEquationZ->text(), fitted);  // its text: SolverTest
-    if (plot) QTRY_VERIFY(plot->graphDrawn());  // the fitted line at once
-    QPointer<QWidget> study = m == 1 ? static_cast<QWidget*>(plot) : stereo;
-    QVERIFY(!main.isEnabled());
-    study->findChild<QPushButton*>("cmdExit")->click();
-    QVERIFY(main.isEnabled());
-    QTRY_VERIFY(study.isNull());
-    QVERIFY(dialogs.messages().empty());
+      frmPlot* plot = shownWindow<frmPlot>();
+      frmStereoPlot* stereo = shownWindow<frmStereoPlot>();
+      QCOMPARE(std::pair(plot != nullptr, stereo != nullptr), std::pair(m == 1, m == 2));
+      QCOMPARE(m == 1 ? plot->txtEquation->text() : stereo->txtEquationZ->text(), fitted);  // its text: SolverTest
+      if (plot) QTRY_VERIFY(plot->graphDrawn());  // the fitted line at once
+      QPointer<QWidget> study = m == 1 ? static_cast<QWidget*>(plot) : stereo;
+      QVERIFY(!main.isEnabled());
+      study->findChild<QPushButton*>("cmdExit")->click();
+      QVERIFY(main.isEnabled());
+      QTRY_VERIFY(study.isNull());
+      QVERIFY(dialogs.messages().empty());
+    }
   }
 };
 

@@ -38,14 +38,7 @@ int countPixels(const QImage& image, Color c, int row = -1) {
   return n;
 }
 
-// A message box as the user sees it, the answer pressed (-1: Escape) and what MsgBox gives.
-struct BoxCase {
-  int style, buttons, icon, press, answer;
-};
-
 }  // namespace
-
-Q_DECLARE_METATYPE(BoxCase)
 
 class QtAdaptersTest : public QObject {
   Q_OBJECT
@@ -161,54 +154,47 @@ class QtAdaptersTest : public QObject {
     QTest::mouseClick(&box, Qt::LeftButton, {}, QPoint(150, 25));
     QCOMPARE(down.count(), 1);
     QCOMPARE(down[0][0].value<Qt::MouseButton>(), Qt::LeftButton);
-    QCOMPARE(down[0][1].toFloat(), 5.0f);
-    QCOMPARE(down[0][2].toFloat(), 5.0f);
+    QCOMPARE(std::pair(down[0][1].toFloat(), down[0][2].toFloat()), std::pair(5.0f, 5.0f));
 
     box.canvas().PSet(-10, 10, colors::Red);
     QSignalSpy resized(&box, &PictureBox::Resized);
     box.resize(300, 120);
-    QCOMPARE(resized.count(), 1);
-    QCOMPARE(box.canvas().pixelWidth(), 300);
+    QCOMPARE(std::pair(resized.count(), box.canvas().pixelWidth()), std::pair(qsizetype{1}, 300));
     QCOMPARE(box.grab().toImage().pixel(0, 0), rgbOf(colors::Red));  // kept and shown
     box.setFixedCanvasSize(400, 400);
     box.resize(100, 100);
     QCOMPARE(box.canvas().pixelWidth(), 400);
   }
 
-  void messageBoxesMapStylesAndAnswers_data() {
-    QTest::addColumn<BoxCase>("c");
+  void messageBoxesMapStylesAndAnswers() {
     const int yes = QMessageBox::Yes, no = QMessageBox::No, cancel = QMessageBox::Cancel, ok = QMessageBox::Ok;
     const int retry = QMessageBox::Retry, abort = QMessageBox::Abort, ignore = QMessageBox::Ignore;
-    QTest::newRow("decimal comma warning") << BoxCase{19, yes | no | cancel, QMessageBox::Critical, no, mb::No};
-    QTest::newRow("ok only") << BoxCase{64, ok, QMessageBox::Information, ok, mb::OK};
-    QTest::newRow("ok cancel") << BoxCase{49, ok | cancel, QMessageBox::Warning, cancel, mb::Cancel};
-    QTest::newRow("yes no") << BoxCase{36, yes | no, QMessageBox::Question, yes, mb::Yes};
-    // Escape answers the box's Cancel.
-    QTest::newRow("Esc on yes no cancel") << BoxCase{35, yes | no | cancel, QMessageBox::Question, -1, mb::Cancel};
-    QTest::newRow("Esc on retry cancel") << BoxCase{21, retry | cancel, QMessageBox::Critical, -1, mb::Cancel};
-    QTest::newRow("abort retry ignore") << BoxCase{50, abort | retry | ignore, QMessageBox::Warning, retry, 4};
-  }
-  void messageBoxesMapStylesAndAnswers() {
-    QFETCH(BoxCase, c);
-    const auto [style, buttons, icon, press, answer] = c;
-    QtDialogs dialogs(nullptr);
-    int seenButtons = -1, seenIcon = -1;
-    QString seenText;
-    QTimer::singleShot(0, [&] {
-      auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-      if (box == nullptr) return;
-      seenButtons = int(box->standardButtons());
-      seenIcon = int(box->icon());
-      seenText = box->text();
-      if (press < 0)
-        QTest::keyClick(box, Qt::Key_Escape);
-      else
-        box->button(QMessageBox::StandardButton(press))->click();
-    });
-    QCOMPARE(dialogs.MsgBox("first\rsecond\r\rc\r\nd", style, "Title"), answer);
-    QCOMPARE(seenButtons, buttons);
-    QCOMPARE(seenIcon, icon);
-    QCOMPARE(seenText, QString("first\nsecond\n\nc\nd"));  // each separator one line break
+    // A style, the box the user sees, the button pressed (-1: Escape, which answers Cancel) and
+    // what MsgBox gives.
+    const struct { int style, buttons, icon, press, answer; } rows[] = {
+        {35, yes | no | cancel, QMessageBox::Question, no, mb::No}, {36, yes | no, QMessageBox::Question, yes, mb::Yes},
+        {64, ok, QMessageBox::Information, ok, mb::OK}, {49, ok | cancel, QMessageBox::Warning, cancel, mb::Cancel},
+        {50, abort | retry | ignore, QMessageBox::Warning, retry, 4},
+        {21, retry | cancel, QMessageBox::Critical, -1, mb::Cancel}};
+    for (const auto& [style, buttons, icon, press, answer] : rows) {
+      QtDialogs dialogs(nullptr);
+      int seenButtons = -1, seenIcon = -1;
+      QString seenText;
+      QTimer::singleShot(0, [&] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (box == nullptr) return;
+        seenButtons = int(box->standardButtons());
+        seenIcon = int(box->icon());
+        seenText = box->text();
+        if (press < 0)
+          QTest::keyClick(box, Qt::Key_Escape);
+        else
+          box->button(QMessageBox::StandardButton(press))->click();
+      });
+      QCOMPARE(dialogs.MsgBox("first\rsecond\r\rc\r\nd", style, "Title"), answer);
+      QCOMPARE(std::pair(seenButtons, seenIcon), std::pair(buttons, icon));
+      QCOMPARE(seenText, QString("first\nsecond\n\nc\nd"));  // each separator one line break
+    }
   }
 
   // A box or dialog belongs to the window the user works in, so it opens over it; closed,
@@ -272,7 +258,7 @@ class QtAdaptersTest : public QObject {
     QVERIFY(QApplication::overrideCursor() == nullptr);
   }
 
-  void writesAPdfWithTextTabsAPictureAndPagesEndedOrNot() {
+  void writesAPdfEndedOrNotElseGivesAPrinterError() {
     QTemporaryDir dir;
     const QString path = dir.filePath("report.pdf");
     {
@@ -297,11 +283,8 @@ class QtAdaptersTest : public QObject {
     QVERIFY(isPdf(path));
     QtPrinterPage(dir.filePath("unended.pdf").toStdString()).PrintLine("text");  // nobody ended it: still goes out
     QVERIFY(isPdf(dir.filePath("unended.pdf")));
-  }
-
-  void unwritableFileIsAPrinterError() {
-    QtPrinterPage page("/nonexistent-folder/x/report.pdf");
-    QVERIFY_THROWS_EXCEPTION(RuntimeError, page.PrintLine("text"));
+    QtPrinterPage unwritable("/nonexistent-folder/x/report.pdf");  // a printer error
+    QVERIFY_THROWS_EXCEPTION(RuntimeError, unwritable.PrintLine("text"));
   }
 };
 
