@@ -9,7 +9,7 @@ namespace orvane {
 void PointWalk::evaluate() {
   const int32_t count = std::min(run_, filled_ - at_);
   try {
-    ready_ = at_ + g_(xs_.data() + at_, count, ys_.data() + at_);
+    ready_ = at_ + g_(xs_.get() + at_, count, ys_.get() + at_);
   } catch (const RuntimeError&) {
     run_ = 1;  // failures come in runs: grow again from one point
     throw;

@@ -7,7 +7,7 @@
 
 #include <cstdint>
 #include <functional>
-#include <vector>
+#include <memory>
 
 #include "plot2d/FunctionOfX.h"
 
@@ -25,7 +25,7 @@ class PointWalk {
 
   // The points are first, first + step, ... each one the previous plus step.
   PointWalk(const BlockFunction& g, double first, double step, double end, End rule)
-      : g_(g), step_(step), end_(end), rule_(rule), last_(first - step), xs_(kRun), ys_(kRun) {}
+      : g_(g), step_(step), end_(end), rule_(rule), last_(first - step) {}
 
   // Moves to the next point; false at the end of the walk (or when the points no
   // longer move).
@@ -66,7 +66,8 @@ class PointWalk {
   double last_;  // the last point filled
   int32_t at_ = -1, filled_ = 0, ready_ = 0;
   int32_t run_ = kRun;  // how many points the next evaluation takes
-  std::vector<double> xs_, ys_;
+  // Left uninitialised: a short walk (a curve across the picture) touches few of them.
+  std::unique_ptr<double[]> xs_{new double[kRun]}, ys_{new double[kRun]};
 };
 
 }  // namespace orvane
