@@ -96,7 +96,7 @@ TEST(ReadmeExamples, PrintWhatTheReadmeShows) {
     }
     EXPECT_TRUE(outputMatches(example.shown, 0, printed, 0))
         << "README shows:\n" << joined(example.shown) << "printed:\n" << joined(printed);
-    if (example.shown.empty()) EXPECT_EQ(status, 0) << joined(printed);
+    EXPECT_TRUE(!example.shown.empty() || status == 0) << "an example without output must succeed\n" << joined(printed);
   }
   fs::remove_all(folder);
 }
