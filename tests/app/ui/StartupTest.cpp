@@ -1,17 +1,21 @@
 // Start-up (the decimal-separator guard, the splash and its wait, the main window) and
-// the running shell: the About box, the Help entry and every way out of the program.
+// the running shell: the About box, the Help entry, the plot windows and every way out
+// of the program.
 
 #include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
 #include <QImage>
+#include <QPointer>
 #include <QProcess>
+#include <QPushButton>
 #include <QTemporaryDir>
 #include <QTextBrowser>
 #include <QtTest>
 #include <cstdlib>
 #include <functional>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "app/HelpFolders.h"
@@ -19,7 +23,13 @@
 #include "app/frmAbout.h"
 #include "platform/ScriptedDialogs.h"
 #include "platform/ui/QtDialogs.h"
+#include "platform/ui/TextBox.h"
+#include "plot2d/ui/frmPlot.h"
+#include "regression/RegressionFile.h"
+#include "regression/RegressionTestSupport.h"
+#include "regression/Solver.h"
 #include "regression/ui/frmOrvane.h"
+#include "stereo/ui/frmStereoPlot.h"
 
 namespace orvane {
 namespace {
@@ -64,6 +74,13 @@ struct MainWindowShowWatcher : QObject {
     return false;
   }
 };
+
+template <class Window>
+Window* shownWindow() {
+  for (QWidget* w : QApplication::topLevelWidgets())
+    if (auto* window = qobject_cast<Window*>(w); window && window->isVisible()) return window;
+  return nullptr;
+}
 
 int visibleWindows() {
   int count = 0;
@@ -317,6 +334,38 @@ class StartupAndShellTest : public QObject {
     }
   }
 
+
+  // Plot hands the fitted function to the study window for one variable and to the
+  // stereo pair for two, and the main window waits, disabled, until that window exits.
+  void plotHandsTheFitOverAndExitReturns() {
+    QTemporaryDir dir;
+    for (const int m : {1, 2}) {
+      std::vector<std::vector<double>> sets;  // z = 1 + 2 x1 - x2, against x1 alone or both
+      for (const auto& [x1, x2] : std::vector<std::pair<double, double>>{{0, 0}, {1, 0}, {0, 1}, {1, 1}, {2, 1}})
+        sets.push_back(m == 1 ? std::vector{x1, 1 + 2 * x1 - x2} : std::vector{x1, x2, 1 + 2 * x1 - x2});
+      const std::string path = QDir(dir.path()).filePath(QString("fit%1.txt").arg(m)).toStdString();
+      WriteRegressionFiles(path, testing::makeProblem(m, sets, {"s", "t"}));
+      Launch p;
+      QVERIFY(p.subMain.Start(path));
+      frmOrvane& main = *p.window();
+      main.findChild<QPushButton*>("cmdCompute")->click();
+      QVERIFY(main.workbench().fitted);
+      main.findChild<QPushButton*>("cmdPlot")->click();
+      frmPlot* plot = shownWindow<frmPlot>();
+      frmStereoPlot* stereo = shownWindow<frmStereoPlot>();
+      QCOMPARE(std::pair(plot != nullptr, stereo != nullptr), std::pair(m == 1, m == 2));
+      const QString fitted = QString::fromStdString(FittedFunctionText(main.workbench().problem));
+      QCOMPARE(m == 1 ? plot->txtEquation->text() : stereo->txtEquationZ->text(), fitted);  // its text: SolverTest
+      if (plot) QTRY_VERIFY(plot->graphDrawn());  // the fitted line at once
+      QPointer<QWidget> study = m == 1 ? static_cast<QWidget*>(plot) : stereo;
+      QVERIFY(!main.isEnabled());
+      study->findChild<QPushButton*>("cmdExit")->click();
+      QVERIFY(main.isEnabled());
+      QTRY_VERIFY(study.isNull());
+      QVERIFY(p.dialogs.messages().empty());
+      main.close();
+    }
+  }
 };
 
 }  // namespace orvane
