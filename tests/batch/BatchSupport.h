@@ -43,6 +43,5 @@ inline void writeFile(const std::string& path, const std::string& bytes) {
   std::ofstream(path, std::ios::binary) << bytes;
 }
 
-inline std::string dataFile(const std::string& name) { return std::string(ORVANE_BATCH_DATA) + "/" + name; }
 
 }  // namespace orvane::testing
