@@ -56,7 +56,6 @@ int32_t TryEvaluateAt(ExpressionEngine& engine, Class1& object, std::string_view
   return tryEval(engine, object, formula, result);
 }
 
-
 void TryEvaluateBlock(ExpressionEngine& engine, Class1& object, std::string_view formula, const BlockPoints& points,
                       int32_t count, BlockOutcome& outcome) noexcept {
   count = std::clamp(count, 0, BlockLanes);

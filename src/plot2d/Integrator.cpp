@@ -58,7 +58,7 @@ IntegralResult integrate(DerivativeEvaluator& d, const StudySettings& s) {
       previous = current;
       w32 = 0;
       double x = a + q / 2;
-      // The new nodes a block at a time, summed in their order.
+      // The new nodes a run at a time, summed in their order.
       for (int32_t j = 0; j < panels;) {
         const int32_t m = std::min(EvaluationRunPoints, panels - j);
         for (int32_t k = 0; k < m; ++k) {
